@@ -1,6 +1,6 @@
-// What the detector reads of a host's model. A host fills these records; the detector only reads them, and only
-// while SymmetryDetection::FindMCG runs: until it returns, everything reached from the Wrapper must stay valid
-// and unchanged. All names are NUL-terminated and owned by the host.
+// What the detector reads of a host's model. A host fills these records; the detector only reads them, and
+// only while SymmetryDetection::FindMCG runs: until it returns, everything reached from the Wrapper must stay
+// valid and unchanged. All names are NUL-terminated and owned by the host.
 
 #ifndef SYMFOLD_COMPONENTS_HOST_MODEL_H
 #define SYMFOLD_COMPONENTS_HOST_MODEL_H

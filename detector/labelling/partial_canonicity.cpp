@@ -1,0 +1,88 @@
+// Tools on the container tables: the prefix test with its look-ups, and the search for the largest partition.
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include "detector/partitions/byte_sizes.h"
+#include "detector/refusal.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+
+void SymmetryDetection::FindOrbit(int base, std::vector<int>* values) {
+  for (const ValPerms& record : VPerms[base]) values->push_back(record.Value);
+}
+
+int SymmetryDetection::FindNewState(void* state, int base, int value, void* out) {
+  const std::vector<ValPerms>& records = VPerms[base];
+  const PartitionLayout layout{PartitionInfo.data(), CumPartitionInfo.data(),
+                               static_cast<int>(std::min(PartitionInfo.size(), CumPartitionInfo.size()))};
+  ApplyRecords(state, records.data(), static_cast<int>(records.size()), value, layout, out);
+  return 0;
+}
+
+bool SymmetryDetection::IsPartiallyCanonical(int k, void* state) {
+  const auto partition = static_cast<std::size_t>(k);
+  if (k < 0 || partition >= std::min(PartitionInfo.size(), CumPartitionInfo.size())) {
+    report_refusal("IsPartiallyCanonical: expected a partition, got " + std::to_string(k));
+    return true;
+  }
+  const int num_bytes = add_bytes(PartitionInfo[partition], CumPartitionInfo[partition]);
+  std::cout << "num_bytes: " << num_bytes << std::endl;
+  const auto state_size = static_cast<std::size_t>(TotalStateSize);
+  const auto prefix = static_cast<std::size_t>(std::clamp(num_bytes, 0, TotalStateSize));
+  std::memcpy(af_current_state, state, state_size);
+  std::memcpy(af_best_state, state, state_size);
+  bool is_canonical = true;
+  for (std::size_t i = 0; i < Bases.size() && is_canonical; ++i) {
+    orbit->clear();
+    FindOrbit(Bases[i], orbit);
+    *orbit_copy = *orbit;
+    for (const int value : *orbit_copy) {
+      FindNewState(af_current_state, Bases[i], value, af_new_state);
+      if (std::memcmp(af_new_state, af_best_state, prefix) > 0) {
+        std::memcpy(af_best_state, af_new_state, state_size);
+        is_canonical = false;
+        break;
+      }
+    }
+    if (is_canonical) std::memcpy(af_current_state, af_best_state, state_size);
+    orbit->clear();
+    orbit_copy->clear();
+  }
+  return is_canonical;
+}
+
+void SymmetryDetection::FindK(void* state, std::vector<int>& partitions, std::vector<int>& result, int n) {
+  const auto* bytes = static_cast<const unsigned char*>(state);
+  for (const int partition : partitions) {
+    const bool is_partition = partition >= 0 && static_cast<std::size_t>(partition) < CumPartitionInfo.size();
+    const int offset = is_partition ? CumPartitionInfo[static_cast<std::size_t>(partition)] : -1;
+    if (n >= 0 && offset >= 0 && n <= TotalStateSize && offset <= TotalStateSize - n) continue;
+    report_refusal("FindK: expected a partition with " + std::to_string(n) + " bytes from its start, got " +
+                   std::to_string(partition));
+    result.push_back(-1);
+    return;
+  }
+  const auto size = static_cast<std::size_t>(std::max(n, 0));
+  const auto start = [&](int partition) {
+    return bytes + CumPartitionInfo[static_cast<std::size_t>(partition)];
+  };
+  std::vector<unsigned char> largest(size + 1, 0);
+  for (const int partition : partitions) {
+    if (std::memcmp(start(partition), largest.data(), size) > 0) {
+      std::copy_n(start(partition), size, largest.begin());
+    }
+  }
+  std::cout << "Largest state: ";
+  PrintState(largest.data(), n);
+  const auto found = std::find_if(partitions.begin(), partitions.end(), [&](int partition) {
+    return std::memcmp(start(partition), largest.data(), size) == 0;
+  });
+  const int k = found == partitions.end() ? -1 : static_cast<int>(found - partitions.begin());
+  std::cout << "SmallestK: " << k << std::endl;
+  result.push_back(k);
+}
+
+}  // namespace symfold

@@ -1,0 +1,55 @@
+// Construction, buffers and release of a detector.
+
+#include <iostream>
+
+#include "detector/partitions/byte_sizes.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+
+SymmetryDetection::SymmetryDetection() : orbit(new std::vector<int>), orbit_copy(new std::vector<int>) {}
+
+SymmetryDetection::SymmetryDetection(Wrapper* w) : SymmetryDetection() {
+  model = w;
+  Joins = w->Joins;
+  NumJoins = w->NumJoins;
+}
+
+SymmetryDetection::~SymmetryDetection() {
+  delete orbit;
+  delete orbit_copy;
+}
+
+int SymmetryDetection::DetermineTotalStateSize() {
+  TotalStateSize = 0;
+  for (const int size : PartitionInfo) TotalStateSize = add_bytes(TotalStateSize, size);
+  return TotalStateSize;
+}
+
+int SymmetryDetection::GetTotalStateSize() { return TotalStateSize; }
+
+void SymmetryDetection::Initialize() {
+  DetermineTotalStateSize();
+  std::cout << "Initialize() TotalStateSize: " << TotalStateSize << std::endl;
+  for (unsigned char** state :
+       {&af_new_state, &af_best_state, &af_current_state, &af_state_scratch_a, &af_state_scratch_b}) {
+    *state = new unsigned char[TotalStateSize];
+  }
+  for (short** perm :
+       {&af_identity_perm, &af_new_perm, &af_best_perm, &af_temp_best_perm, &af_perm_scratch}) {
+    *perm = new short[num_partitions];
+  }
+  for (int i = 0; i < num_partitions; ++i) af_identity_perm[i] = static_cast<short>(i);
+}
+
+void SymmetryDetection::Cleanup() {
+  for (unsigned char* state :
+       {af_new_state, af_best_state, af_current_state, af_state_scratch_a, af_state_scratch_b}) {
+    delete[] state;
+  }
+  for (short* perm : {af_identity_perm, af_best_perm, af_temp_best_perm, af_perm_scratch, af_new_perm}) {
+    delete[] perm;
+  }
+}
+
+}  // namespace symfold

@@ -1,0 +1,130 @@
+// From graph-node order to state-vector order: with s the position in SSOrder of the name at a GNOrder
+// position, a permutation P becomes s P s^-1, a point p becomes s(p), and the partition table is put into
+// SSOrder.
+//
+// A point that has no name (-1), and a name that SSOrder has not, become -1 and are not looked up. Images
+// that have no place in state-vector order are left out; TrimPermutations refuses what is then no
+// permutation.
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <numeric>
+#include <utility>
+
+#include "detector/graph/node_names.h"
+#include "detector/partitions/byte_sizes.h"
+#include "detector/refusal.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+namespace {
+
+// The renaming s of the GNOrder positions.
+class Renaming {
+ public:
+  Renaming(const std::vector<std::string>& from, const std::vector<std::string>& to) : scratch_(from.size()) {
+    const NameIndex index(to);
+    image_.reserve(from.size());
+    for (const std::string& name : from) image_.push_back(index.find(name));
+  }
+
+  int operator()(int point) const { return has(point) ? image_[static_cast<std::size_t>(point)] : -1; }
+
+  void conjugate(Permutation& permutation) {
+    const int n = static_cast<int>(image_.size());
+    std::iota(scratch_.begin(), scratch_.end(), 0);
+    for (int i = 0; i < n; ++i) {
+      const int image = permutation[i];
+      if (image >= n) std::cout << "p_it too big: " << image << std::endl;
+      const int source = (*this)(i);
+      const int target = (*this)(image);
+      if (has(source) && has(target)) scratch_[static_cast<std::size_t>(source)] = target;
+    }
+    permutation = Permutation(n, scratch_.data());
+  }
+
+  void rename(ValPerms& record) {
+    record.Value = (*this)(record.Value);
+    for (Permutation& permutation : record.Perms) conjugate(permutation);
+  }
+
+ private:
+  bool has(int point) const { return point >= 0 && static_cast<std::size_t>(point) < image_.size(); }
+
+  std::vector<int> image_;
+  std::vector<int> scratch_;
+};
+
+}  // namespace
+
+void SymmetryDetection::AdjustPermutations() {
+  std::cout << "ADJUST PERMUTATIONS" << std::endl << "SS Order\tGraphNode Order: " << std::endl;
+  if (SSOrder.size() == GNOrder.size()) {
+    std::cout << "Size: " << SSOrder.size() << std::endl;
+  } else {
+    std::cout << "ERROR: Sizes differ" << std::endl;
+    std::cout << "SSOrder: " << SSOrder.size() << "  GNORder: " << GNOrder.size() << std::endl;
+  }
+  for (std::size_t i = 0; i < std::min(SSOrder.size(), GNOrder.size()); ++i) {
+    std::cout << "  " << SSOrder[i] << "\t\t\t" << GNOrder[i] << std::endl;
+  }
+  std::cout << "PermSize: " << GNOrder.size() << std::endl;
+  std::cout << "=====================" << std::endl << "Before Permutations: " << std::endl;
+  PrintPermutations();
+
+  Renaming renaming(GNOrder, SSOrder);
+  std::vector<int> new_bases;
+  std::vector<std::vector<ValPerms>> new_vperms;
+  for (auto& [base, records] : VPerms) {
+    new_bases.push_back(renaming(base));
+    for (ValPerms& record : records) renaming.rename(record);
+    new_vperms.push_back(std::move(records));
+  }
+  std::cout << "new_bases: " << std::endl;
+  for (const int base : new_bases) std::cout << "\tbase: " << base << std::endl;
+  std::cout << "new vperms: " << std::endl;
+  for (const auto& records : new_vperms) {
+    for (const ValPerms& record : records) std::cout << record << std::endl;
+  }
+  VPerms.clear();
+  for (std::size_t r = 0; r < new_bases.size(); ++r) VPerms[new_bases[r]] = std::move(new_vperms[r]);
+  Bases = std::move(new_bases);
+  std::cout << "=====================" << std::endl << "After Adjustment" << std::endl;
+  PrintPermutations();
+}
+
+void SymmetryDetection::AdjustPartitionInfo() {
+  std::cout << "Old Partition Info: " << std::endl;
+  PrintPartitionInfo();
+  const NameIndex graph_order(GNOrder);
+  std::vector<int> sizes;
+  for (const std::string& name : SSOrder) {
+    std::cout << "SSOrder: " << name << std::endl;
+    const int g = graph_order.find(name);
+    if (g == -1) {
+      std::cout << "index == -1" << std::endl;
+      std::exit(1);
+    }
+    if (static_cast<std::size_t>(g) < PartitionInfo.size()) {
+      sizes.push_back(PartitionInfo[static_cast<std::size_t>(g)]);
+    }
+  }
+  if (sizes.size() == PartitionInfo.size() && SSOrder.size() == sizes.size()) {
+    PartitionInfo = std::move(sizes);
+    CumPartitionInfo.clear();
+    int offset = 0;
+    for (const int size : PartitionInfo) {
+      CumPartitionInfo.push_back(offset);
+      offset = add_bytes(offset, size);
+    }
+    StaticCumPartitionInfo = CumPartitionInfo;
+  } else if (!PartitionInfo.empty()) {
+    report_refusal("expected as many partitions as names in SSOrder (" + std::to_string(SSOrder.size()) +
+                   "), got " + std::to_string(PartitionInfo.size()));
+  }
+  std::cout << "New partition Info: " << std::endl;
+  PrintPartitionInfo();
+}
+
+}  // namespace symfold

@@ -1,0 +1,129 @@
+// From graph nodes to partitions: every point of the value-permutation table becomes a position in GNOrder,
+// and every permutation of the graph nodes the permutation that it induces on those positions.
+//
+// Real nodes (submodels and join variables) come first in node order. The shrink map gives each of them the
+// position of its partition, and -1 to a join's nodes but the first. Walking a permutation's images of the
+// real nodes and keeping those that have a position gives the induced permutation: nodes A J->x J->y B K->x
+// K->y have the map 0 1 -1 2 3 -1, and the images 3 5 4 0 2 1 keep 2 3 0 1, A with B and J with K.
+//
+// A table that is not of this form (a base or an orbit point that is no real node, a permutation that moves
+// real nodes elsewhere or keeps another number of images) is refused.
+
+#include <iostream>
+#include <utility>
+
+#include "detector/graph/node_names.h"
+#include "detector/refusal.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+namespace {
+
+// Prints the names of the real nodes and returns their map; a real node behind other nodes has no entry.
+std::vector<int> make_shrink_map(const std::vector<ModelCompGraphNode>& nodes, std::size_t real_count,
+                                 int& position_count) {
+  std::vector<int> map(real_count, -1);
+  NameIndex joins;
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (!nodes[i].PrivateOrJoin) continue;
+    std::cout << "  " << nodes[i].Name << std::endl;
+    const std::string join(join_name(nodes[i].Name));
+    if (!join.empty() && !joins.append(join)) continue;
+    if (i < real_count) map[i] = position_count;
+    ++position_count;
+  }
+  return map;
+}
+
+std::string blank_separated(const std::vector<int>& numbers) {
+  std::string text;
+  for (const int number : numbers) {
+    text += ' ';
+    text += std::to_string(number);
+  }
+  return text;
+}
+
+class Shrinker {
+ public:
+  Shrinker(std::vector<int> map, std::size_t partition_count)
+      : map_(std::move(map)), partition_count_(partition_count) {}
+
+  bool has(int node) const { return node >= 0 && static_cast<std::size_t>(node) < map_.size(); }
+  int operator[](int node) const { return map_[static_cast<std::size_t>(node)]; }
+
+  // Replaces a permutation of the nodes by the induced one and prints it; false when there is none.
+  bool shrink(Permutation& permutation) {
+    kept_.clear();
+    for (std::size_t node = 0; node < map_.size(); ++node) {
+      const int image = permutation[static_cast<int>(node)];
+      if (!has(image)) return false;
+      if ((*this)[image] != -1) kept_.push_back((*this)[image]);
+    }
+    if (kept_.size() != partition_count_) return false;
+    const std::string images = blank_separated(kept_);
+    std::cout << "   " << images << std::endl << "   " << images << std::endl << "=============" << std::endl;
+    permutation = Permutation(static_cast<int>(kept_.size()), kept_.data());
+    return true;
+  }
+
+  // Replaces a record of nodes by one of positions.
+  bool shrink(ValPerms& record) {
+    if (!has(record.Value)) return false;
+    const int position = (*this)[record.Value];
+    std::cout << "  Val: " << record.Value << "  map[Val]: " << position << std::endl;
+    record.Value = position;
+    for (Permutation& permutation : record.Perms) {
+      if (!shrink(permutation)) return false;
+    }
+    return true;
+  }
+
+ private:
+  std::vector<int> map_;
+  std::size_t partition_count_;
+  std::vector<int> kept_;
+};
+
+}  // namespace
+
+void SymmetryDetection::ShrinkPermutations() {
+  std::size_t real_count = 0;
+  for (const ModelCompGraphNode& node : GraphNodes) real_count += node.PrivateOrJoin ? 1 : 0;
+  std::cout << "num_real: " << real_count << std::endl;
+  std::cout << "ShrinkPermutations" << std::endl;
+  int position_count = 0;
+  std::vector<int> map = make_shrink_map(GraphNodes, real_count, position_count);
+  std::cout << "Shrink Map: " << std::endl << blank_separated(map) << std::endl;
+  std::cout << "Shrinking..." << std::endl;
+
+  Shrinker shrinker(std::move(map), GNOrder.size());
+  std::vector<int> new_bases;
+  std::map<int, std::vector<ValPerms>> new_vperms;
+  bool is_sound = true;
+  for (auto& [base, records] : VPerms) {
+    is_sound = shrinker.has(base);
+    if (!is_sound) break;
+    std::cout << "Base: " << base << "  map[base]: " << shrinker[base] << std::endl;
+    for (ValPerms& record : records) is_sound = is_sound && shrinker.shrink(record);
+    if (!is_sound) break;
+    new_bases.push_back(shrinker[base]);
+    new_vperms[shrinker[base]] = std::move(records);
+  }
+  Bases = std::move(new_bases);
+  VPerms = std::move(new_vperms);
+  if (!is_sound) {
+    report_refusal("expected permutations that move the submodels and joins among themselves");
+    DropTables();
+  }
+  std::cout << "====================" << std::endl << "AFTER SHRINK" << std::endl;
+  PrintPermutations();
+}
+
+// What is left where a table is refused: no symmetry at all, which is sound for every model.
+void SymmetryDetection::DropTables() {
+  Bases.clear();
+  VPerms.clear();
+}
+
+}  // namespace symfold

@@ -1,0 +1,84 @@
+// The last step of detection: identities and empty records are dropped, and every record keeps one
+// permutation, the arrangement that its permutations, one after the other, produce: entry j is the partition
+// that ends at position j. For a single permutation P that is the inverse of P, since P carries partition c
+// to position P[c].
+
+#include <iostream>
+#include <numeric>
+
+#include "detector/partitions/bijection.h"
+#include "detector/refusal.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+namespace {
+
+// Drops the identities of the record, printing each, and notes the point count of every permutation it meets.
+void drop_identities(ValPerms& record, int& point_count) {
+  std::erase_if(record.Perms, [&](const Permutation& permutation) {
+    point_count = permutation.GetN();
+    if (!permutation.IsIdentity()) return false;
+    std::cout << permutation << " is an identity" << std::endl;
+    return true;
+  });
+}
+
+class Composer {
+ public:
+  explicit Composer(int point_count)
+      : arrangement_(static_cast<std::size_t>(point_count)), scratch_(arrangement_.size()) {}
+
+  // Replaces the permutations of the record by their composite.
+  void compose(ValPerms& record) {
+    std::iota(arrangement_.begin(), arrangement_.end(), 0);
+    for (const Permutation& permutation : record.Perms) {
+      for (std::size_t i = 0; i < arrangement_.size(); ++i) {
+        scratch_[static_cast<std::size_t>(permutation.GetP()[i])] = arrangement_[i];
+      }
+      arrangement_.swap(scratch_);
+    }
+    record.Perms.clear();
+    record.Perms.emplace_back(static_cast<int>(arrangement_.size()), arrangement_.data());
+  }
+
+ private:
+  std::vector<int> arrangement_;
+  std::vector<int> scratch_;
+};
+
+}  // namespace
+
+void SymmetryDetection::TrimPermutations() {
+  std::cout << "Before TrimPermutations: " << std::endl;
+  PrintPermutations();
+  int point_count = 0;
+  for (const int base : Bases) {
+    std::vector<ValPerms>& records = VPerms[base];
+    for (ValPerms& record : records) drop_identities(record, point_count);
+    std::erase_if(records, [](const ValPerms& record) { return record.Perms.empty(); });
+  }
+  std::cout << "After TrimPermutation Part 1: " << std::endl;
+  PrintPermutations();
+  std::cout << "PermSize: " << point_count << std::endl;
+
+  for (const int base : Bases) {
+    for (const ValPerms& record : VPerms[base]) {
+      for (const Permutation& permutation : record.Perms) {
+        if (permutation.GetN() == point_count && is_bijection(permutation)) continue;
+        report_refusal("base " + std::to_string(base) + ", value " + std::to_string(record.Value) +
+                       ": expected a permutation of " + std::to_string(point_count) + " partitions");
+        DropTables();
+        return;
+      }
+    }
+  }
+  Composer composer(point_count);
+  for (const int base : Bases) {
+    std::cout << "base: " << base << std::endl;
+    for (ValPerms& record : VPerms[base]) composer.compose(record);
+  }
+  std::cout << "After TrimPermutation: " << std::endl;
+  PrintPermutations();
+}
+
+}  // namespace symfold

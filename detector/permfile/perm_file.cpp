@@ -1,0 +1,125 @@
+// Saving the tables of detection, and loading them in place of it.
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <ostream>
+#include <utility>
+
+#include "detector/permfile/perm_table.h"
+#include "detector/refusal.h"
+#include "detector/symmetry_detection.h"
+
+namespace symfold {
+namespace {
+
+void write_list(std::ostream& out, const std::vector<int>& numbers, std::size_t count) {
+  std::string line;
+  for (std::size_t i = 0; i < count; ++i) {
+    line += std::to_string(numbers[i]);
+    line += ' ';
+  }
+  out << line << "\n";
+}
+
+void write_permutation(std::ostream& out, const Permutation& permutation, std::size_t count) {
+  std::string line;
+  for (std::size_t i = 0; i < count; ++i) {
+    line += std::to_string(permutation[static_cast<int>(i)]);
+    line += ' ';
+  }
+  out << line << "\n";
+}
+
+void write_base(std::ostream& out, int base, const std::vector<ValPerms>& records,
+                std::size_t partition_count) {
+  out << base << "\n" << records.size() << "\n";
+  for (const ValPerms& record : records) {
+    out << record.Value << "\n" << record.Perms.size() << "\n";
+    for (const Permutation& permutation : record.Perms) write_permutation(out, permutation, partition_count);
+  }
+}
+
+// Writes a file so that nobody ever sees half of it: beside its place, flushed, then renamed. What exists and
+// is no regular file (a device, a pipe) is written directly. Returns what went wrong, or nothing.
+template <class Write>
+std::string write_whole_file(const std::string& name, Write write) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::file_status status = fs::status(name, error);
+  const bool is_direct = fs::exists(status) && !fs::is_regular_file(status);
+  const std::string written_name = is_direct ? name : name + ".partial";
+  errno = 0;
+  std::ofstream out(written_name, std::ios::trunc);
+  if (out) write(out);
+  out.close();
+  if (!out) {
+    const std::string reason = errno == 0 ? "write failed" : std::strerror(errno);
+    if (!is_direct) fs::remove(written_name, error);
+    return name + ": error: cannot be written: " + reason;
+  }
+  if (!is_direct) fs::rename(written_name, name, error);
+  return error && !is_direct ? name + ": error: cannot be written: " + error.message() : "";
+}
+
+void print_base(int base, const std::vector<ValPerms>& records) {
+  std::cout << "Base: " << base << std::endl << "\tNum Vperm: " << records.size() << std::endl;
+  for (const ValPerms& record : records) {
+    std::cout << "\tvalue: " << record.Value << "  num_perm: " << record.Perms.size() << std::endl;
+    for (const Permutation& permutation : record.Perms) std::cout << "\t\tPerm: " << permutation << std::endl;
+  }
+}
+
+}  // namespace
+
+void SymmetryDetection::WritePermFile(std::string& name) {
+  const std::size_t partition_count = CumPartitionInfo.size();
+  bool is_sound = PartitionInfo.size() >= partition_count;
+  for (const int base : Bases) {
+    for (const ValPerms& record : VPerms[base]) {
+      for (const Permutation& permutation : record.Perms) {
+        is_sound = is_sound && static_cast<std::size_t>(permutation.GetN()) >= partition_count;
+      }
+    }
+  }
+  PermFileError = is_sound ? write_whole_file(name,
+                                              [&](std::ostream& out) {
+                                                out << partition_count << "\n";
+                                                write_list(out, PartitionInfo, partition_count);
+                                                write_list(out, CumPartitionInfo, partition_count);
+                                                out << Bases.size() << "\n";
+                                                for (const int base : Bases) {
+                                                  write_base(out, base, VPerms[base], partition_count);
+                                                }
+                                              })
+                           : name + ": error: not written: expected tables of " +
+                                 std::to_string(partition_count) + " partitions";
+  if (!PermFileError.empty()) report_refusal(PermFileError);
+}
+
+void SymmetryDetection::ReadPermFile(std::string& name) {
+  PermTable table;
+  errno = 0;
+  std::ifstream in(name);
+  PermFileError =
+      in && in.peek() != std::ifstream::traits_type::eof()
+          ? read_perm_table(in, name, table)
+          : name + ": error: cannot be read: " + (errno == 0 ? "empty file" : std::strerror(errno));
+  if (!PermFileError.empty()) {
+    report_refusal(PermFileError);
+    return;
+  }
+  PartitionInfo.insert(PartitionInfo.end(), table.sizes.begin(), table.sizes.end());
+  CumPartitionInfo.insert(CumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
+  StaticCumPartitionInfo.insert(StaticCumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
+  std::cout << "Number of bases: " << table.bases.size() << std::endl;
+  for (auto& [base, records] : table.bases) {
+    print_base(base, records);
+    Bases.push_back(base);
+    VPerms[base] = std::move(records);
+  }
+}
+
+}  // namespace symfold

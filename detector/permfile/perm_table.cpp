@@ -1,0 +1,123 @@
+#include "detector/permfile/perm_table.h"
+
+#include <charconv>
+#include <climits>
+
+#include "detector/partitions/bijection.h"
+
+namespace symfold {
+namespace {
+
+// What is wrong with the file, and in which line.
+struct Fault {
+  int line;
+  std::string message;
+};
+
+class Reader {
+ public:
+  Reader(std::istream& in, PermTable& table) : in_(in), table_(table) {}
+
+  void read() {
+    const int partition_count = number("the number of partitions", 0, kMaxPartitions);
+    read_layout(partition_count);
+    const int base_count = number("the number of bases", 0, INT_MAX);
+    for (int b = 0; b < base_count; ++b) read_base(partition_count);
+    if (next_token()) fail("the end of the file", token_);
+  }
+
+ private:
+  void read_layout(int partition_count) {
+    int total = 0;
+    for (int i = 0; i < partition_count; ++i) {
+      table_.sizes.push_back(number("the size of a partition", 0, kMaxStateSize - total));
+      total += table_.sizes.back();
+    }
+    int offset = 0;
+    for (const int size : table_.sizes) {
+      const int value = number("the offset of a partition", 0, kMaxStateSize);
+      if (value != offset) fail("offset " + std::to_string(offset), token_);
+      table_.offsets.push_back(value);
+      offset += size;
+    }
+  }
+
+  void read_base(int partition_count) {
+    const int base = number("a base point", -1, partition_count - 1);
+    const int record_count = number("the number of records of a base", 0, partition_count);
+    table_.bases.emplace_back(base, std::vector<ValPerms>());
+    for (int r = 0; r < record_count; ++r) {
+      ValPerms record;
+      record.Value = number("the value of a record", -1, partition_count - 1);
+      const int permutation_count = number("the number of permutations of a record", 0, INT_MAX);
+      for (int p = 0; p < permutation_count; ++p) record.Perms.push_back(read_permutation(partition_count));
+      table_.bases.back().second.push_back(std::move(record));
+    }
+  }
+
+  Permutation read_permutation(int partition_count) {
+    images_.clear();
+    for (int c = 0; c < partition_count; ++c) {
+      images_.push_back(number("an image of a permutation", 0, partition_count - 1));
+      const auto from = static_cast<std::size_t>(c);
+      const auto to = static_cast<std::size_t>(images_.back());
+      if (table_.sizes[from] != table_.sizes[to]) {
+        fail("a partition of " + std::to_string(table_.sizes[from]) + " bytes as image of partition " +
+                 std::to_string(c),
+             token_ + ", of " + std::to_string(table_.sizes[to]) + " bytes");
+      }
+    }
+    Permutation permutation(partition_count, images_.data());
+    if (!is_bijection(permutation)) fail("a permutation", "an image that occurs twice");
+    return permutation;
+  }
+
+  int number(const std::string& what, int low, int high) {
+    if (!next_token()) fail(what, "the end of the file");
+    int value = 0;
+    const char* end = token_.data() + token_.size();
+    const auto [stop, error] = std::from_chars(token_.data(), end, value);
+    if (error != std::errc() || stop != end || value < low || value > high) {
+      fail(what + " (" + std::to_string(low) + " to " + std::to_string(high) + ")", token_);
+    }
+    return value;
+  }
+
+  // Reads the next token and the line that it stands in. What is longer than any number is cut.
+  bool next_token() {
+    constexpr std::size_t kLongest = 24;
+    token_.clear();
+    std::streambuf& buffer = *in_.rdbuf();
+    int c = buffer.sgetc();
+    for (; is_blank(c); c = buffer.snextc()) line_ += c == '\n' ? 1 : 0;
+    for (; c != std::char_traits<char>::eof() && !is_blank(c); c = buffer.snextc()) {
+      if (token_.size() < kLongest) token_ += static_cast<char>(c);
+    }
+    return !token_.empty();
+  }
+
+  static bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+  [[noreturn]] void fail(const std::string& expected, const std::string& got) const {
+    throw Fault{line_, "expected " + expected + ", got " + got};
+  }
+
+  std::istream& in_;
+  PermTable& table_;
+  std::string token_;
+  std::vector<int> images_;
+  int line_ = 1;
+};
+
+}  // namespace
+
+std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table) {
+  try {
+    Reader(in, table).read();
+  } catch (const Fault& fault) {
+    return name + ":" + std::to_string(fault.line) + ": error: " + fault.message;
+  }
+  return "";
+}
+
+}  // namespace symfold

@@ -1,0 +1,39 @@
+// The content of a permutation file, read and checked apart from any detector.
+//
+// The file is text: decimal integers between white space. In order: the number N of partitions; their N sizes
+// in bytes; their N offsets, the running sums of the sizes; the number of bases; per base the base point, the
+// number of its records and, per record, its value, the number of its permutations and the N images of each.
+
+#ifndef SYMFOLD_DETECTOR_PERMFILE_PERM_TABLE_H
+#define SYMFOLD_DETECTOR_PERMFILE_PERM_TABLE_H
+
+#include <istream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "components/permutation.h"
+
+namespace symfold {
+
+struct PermTable {
+  std::vector<int> sizes;
+  std::vector<int> offsets;
+  std::vector<std::pair<int, std::vector<ValPerms>>> bases;  // base point and its records, in file order
+};
+
+// The largest number of partitions (the entries of partition permutations are 16 bits) and of bytes of a
+// state.
+inline constexpr int kMaxPartitions = 32767;
+inline constexpr int kMaxStateSize = 1 << 26;
+
+// Reads a table to its end. Empty text for a sound one; otherwise "name:line: error: expected X, got Y", and
+// the table holds what was read so far. Refused are: anything but integers, too few or too many of them;
+// negative or absurd counts; offsets that are not the running sums; points and values outside -1 .. N-1; more
+// records under a base than partitions; images that are no permutation, or that join partitions of unequal
+// size. Memory and time are linear in the length of the input.
+std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_DETECTOR_PERMFILE_PERM_TABLE_H

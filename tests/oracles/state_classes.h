@@ -1,0 +1,21 @@
+// The symmetry classes of all states of a small model, by enumerating orbits.
+
+#ifndef SYMFOLD_TESTS_ORACLES_STATE_CLASSES_H
+#define SYMFOLD_TESTS_ORACLES_STATE_CLASSES_H
+
+#include <string>
+#include <vector>
+
+namespace symfold {
+
+// Every state whose partition c holds one of `values[c]` values, each written as a little-endian number of
+// sizes[c] bytes.
+std::vector<std::string> all_states(const std::vector<int>& sizes, const std::vector<int>& values);
+
+// Per state, the number of its class under the group that the partition permutations generate.
+std::vector<int> classes_of(const std::vector<std::string>& states, const std::vector<int>& sizes,
+                            const std::vector<std::vector<int>>& generators);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_TESTS_ORACLES_STATE_CLASSES_H
