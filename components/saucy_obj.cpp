@@ -1,0 +1,67 @@
+#include "components/saucy_obj.h"
+
+#include <cstddef>
+#include <iostream>
+#include <string>
+#include <utility>
+
+#include "engines/automorphism_search.h"
+#include "engines/graph_file.h"
+#include "engines/point_vector.h"
+
+namespace symfold {
+
+struct saucy_struct {
+  ColouredGraph graph;
+  std::string file_name;
+};
+
+namespace {
+
+constexpr std::size_t kMostImages = std::size_t{1} << 30;
+
+Permutation dense(const SparsePermutation& moves, int n) {
+  Permutation permutation(n);
+  for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
+  return permutation;
+}
+
+}  // namespace
+
+saucy_struct* saucy_obj::saucy_begin2(char* file_name) {
+  if (file_name == nullptr) {
+    std::cerr << "expected the name of a graph file, got none" << std::endl;
+    return nullptr;
+  }
+  GraphFileResult result = read_graph_file(file_name);
+  if (!result.error.empty()) {
+    std::cerr << result.error << std::endl;
+    return nullptr;
+  }
+  return new saucy_struct{std::move(result.graph), file_name};
+}
+
+void saucy_obj::saucy_init(saucy_struct*) {
+  generators.clear();
+  base.clear();
+  orbit_lengths.clear();
+}
+
+void saucy_obj::saucy_search(saucy_struct* state) {
+  if (state == nullptr) return;
+  const int n = state->graph.vertex_count();
+  const std::size_t limit = n == 0 ? 0 : kMostImages / static_cast<std::size_t>(n);
+  AutomorphismGroup group = find_automorphisms(state->graph, limit);
+  if (!group.is_complete) {
+    std::cerr << state->file_name << ": expected at most " << limit << " generators for " << n
+              << " vertices, got more" << std::endl;
+    return;
+  }
+  for (const SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));
+  base = std::move(group.base);
+  orbit_lengths = std::move(group.orbit_lengths);
+}
+
+void saucy_obj::saucy_end(saucy_struct* state) { delete state; }
+
+}  // namespace symfold

@@ -1,0 +1,50 @@
+// An undirected graph with coloured vertices, stored for refinement: the neighbours of each vertex in one
+// stretch.
+
+#ifndef SYMFOLD_ENGINES_COLOURED_GRAPH_H
+#define SYMFOLD_ENGINES_COLOURED_GRAPH_H
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "engines/point_vector.h"
+
+namespace symfold {
+
+struct Edge {
+  int from;
+  int to;
+};
+
+// Vertices are 0 .. n-1. An automorphism keeps the colour of every vertex, the number of edges between every
+// two vertices (parallel edges count) and the number of loops at every vertex.
+class ColouredGraph {
+ public:
+  ColouredGraph() = default;
+
+  // Colour c is the stretch of vertices from boundaries[c-1] (0 for c = 0) up to, not including,
+  // boundaries[c] (n for the last). Preconditions: the boundaries ascend strictly within 1 .. n-1; all
+  // endpoints are vertices.
+  ColouredGraph(int n, const std::vector<int>& boundaries, const std::vector<Edge>& edges);
+
+  int vertex_count() const { return loops_.size(); }
+  int colour(int v) const { return colour_[v]; }
+  int loops(int v) const { return loops_[v]; }
+
+  // A neighbour appears once per edge; loops are left out.
+  std::span<const int> neighbours(int v) const {
+    const auto i = static_cast<std::size_t>(v);
+    return {neighbours_.data() + first_[i], first_[i + 1] - first_[i]};
+  }
+
+ private:
+  PointVector<int> colour_;
+  PointVector<int> loops_;
+  std::vector<std::size_t> first_{0};
+  std::vector<int> neighbours_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_ENGINES_COLOURED_GRAPH_H

@@ -1,0 +1,206 @@
+#include "engines/refinement.h"
+
+#include <algorithm>
+
+namespace symfold {
+namespace {
+
+// Spreads a place and a count over 64 bits, so that sums of the results rarely agree by chance
+// (G. L. Steele, D. Lea and C. H. Flood, Fast splittable pseudorandom number generators, OOPSLA 2014).
+std::uint64_t spread(int place, int count) {
+  std::uint64_t x = (static_cast<std::uint64_t>(place) << 32) + static_cast<std::uint64_t>(count);
+  x += 0x9e3779b97f4a7c15;
+  x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9;
+  x = (x ^ (x >> 27)) * 0x94d049bb133111eb;
+  return x ^ (x >> 31);
+}
+
+}  // namespace
+
+Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
+    : graph_(graph),
+      partition_(partition),
+      is_queued_(graph.vertex_count(), 0),
+      count_(graph.vertex_count(), 0),
+      touched_(graph.vertex_count(), 0) {}
+
+void Refiner::refine_by_colour() {
+  const int n = graph_.vertex_count();
+  std::vector<std::pair<std::pair<int, int>, int>> order;
+  for (int v = 0; v < n; ++v) order.push_back({{graph_.colour(v), graph_.loops(v)}, v});
+  std::sort(order.begin(), order.end());
+  PointVector<int> starts;
+  for (int position = 0; position < n; ++position) {
+    const auto& [key, v] = order[static_cast<std::size_t>(position)];
+    partition_.place(v, position);
+    if (position == 0 || key != order[static_cast<std::size_t>(position) - 1].first)
+      starts.push_back(position);
+  }
+  for (int i = starts.size() - 1; i > 0; --i) partition_.split(0, starts[i]);
+  for (const int start : starts) enqueue(start);
+  run();
+  trace_.clear();
+}
+
+void Refiner::individualise_and_record(int v) {
+  is_recording_ = true;
+  individualise(v);
+  run();
+}
+
+bool Refiner::individualise_and_compare(int v, std::size_t begin, std::size_t end) {
+  is_recording_ = false;
+  cursor_ = begin;
+  cursor_end_ = end;
+  individualise(v);
+  return run() && cursor_ == cursor_end_;
+}
+
+void Refiner::individualise(int v) {
+  const int cell = partition_.cell_of(v);
+  const int last = cell + partition_.length(cell) - 1;
+  partition_.move_within_cell(v, last);
+  partition_.split(cell, last);
+  enqueue(last);
+}
+
+// Once every cell has a single member nothing is left to split, on any path at the same event.
+bool Refiner::run() {
+  bool is_same = true;
+  while (is_same && queue_head_ < queue_.size() && !partition_.is_discrete()) {
+    const int splitter = queue_[queue_head_++];
+    is_queued_[splitter] = 0;
+    is_same = apply_splitter(splitter);
+  }
+  reset();
+  return is_same;
+}
+
+// The members are copied because the splitter itself may be split or its members exchanged.
+bool Refiner::apply_splitter(int splitter) {
+  const auto members = partition_.members(splitter);
+  splitter_members_.assign(members.begin(), members.end());
+  unsplit_hash_ = 0;
+  for (const int v : splitter_members_) {
+    for (const int neighbour : graph_.neighbours(v)) count_edge_to(neighbour);
+  }
+  return split_touched_cells();
+}
+
+void Refiner::count_edge_to(int v) {
+  const int cell = partition_.cell_of(v);
+  const int length = partition_.length(cell);
+  if (length == 1) {
+    unsplit_hash_ += spread(cell, 0);
+  } else if (count_[v]++ == 0) {
+    if (touched_[cell]++ == 0) touched_cells_.push_back(cell);
+    partition_.move_within_cell(v, cell + length - touched_[cell]);
+  }
+}
+
+bool Refiner::split_touched_cells() {
+  std::sort(touched_cells_.begin(), touched_cells_.end());
+  for (const int cell : touched_cells_) {
+    if (!split_by_count(cell)) return false;
+  }
+  touched_cells_.clear();
+  return note(unsplit_hash_);
+}
+
+bool Refiner::split_by_count(int cell) {
+  const int length = partition_.length(cell);
+  int untouched = length - touched_[cell];
+  gather_tail(cell, touched_[cell]);
+  touched_[cell] = 0;
+  const auto [fewest, most] = std::minmax_element(
+      tail_.begin(), tail_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  const bool is_even = fewest->first == most->first;
+  if (is_even && untouched == 0) {
+    unsplit_hash_ += spread(cell, fewest->first);
+    return true;
+  }
+  if (!is_even) std::sort(tail_.begin(), tail_.end());
+  groups_.clear();
+  int largest = 0;
+  for (int begin = 0, i = 1; i <= static_cast<int>(tail_.size()); ++i) {
+    const auto index = static_cast<std::size_t>(i);
+    if (index < tail_.size() && tail_[index].first == tail_[index - 1].first) continue;
+    groups_.emplace_back(begin, i);
+    largest = std::max(largest, i - begin);
+    begin = i;
+  }
+  if (untouched > 0 && untouched < largest) {
+    // The untouched members leave the front. They are fewer than the touched ones, so moving them is cheap.
+    const int begin = static_cast<int>(tail_.size());
+    for (const int v : partition_.members(cell).first(static_cast<std::size_t>(untouched)))
+      tail_.emplace_back(0, v);
+    groups_.insert(groups_.begin(), {begin, begin + untouched});
+    untouched = 0;
+  }
+  return arrange_groups(cell, untouched);
+}
+
+// Moves the counts of the cell's last members into tail_, leaving zero behind.
+void Refiner::gather_tail(int cell, int length) {
+  tail_.clear();
+  for (const int v : partition_.members(cell).last(static_cast<std::size_t>(length))) {
+    tail_.emplace_back(count_[v], v);
+    count_[v] = 0;
+  }
+}
+
+// Lays the groups out in ascending order of their counts behind the front, which is the untouched members
+// where there are any and else the first of the largest groups, and makes each but the front a cell.
+bool Refiner::arrange_groups(int cell, int untouched) {
+  if (untouched == 0) {
+    const auto largest = std::max_element(groups_.begin(), groups_.end(), [](const auto& a, const auto& b) {
+      return a.second - a.first < b.second - b.first;
+    });
+    std::rotate(groups_.begin(), largest, largest + 1);
+  }
+  int position = cell + untouched;
+  for (const auto& [begin, end] : groups_) {
+    for (int i = begin; i < end; ++i) partition_.place(tail_[static_cast<std::size_t>(i)].second, position++);
+  }
+  const auto first_new = groups_.begin() + (untouched == 0 ? 1 : 0);
+  if (untouched == 0)
+    unsplit_hash_ += spread(cell, tail_[static_cast<std::size_t>(groups_.front().first)].first);
+  for (auto group = groups_.end(); group != first_new;) {
+    --group;
+    const int length = group->second - group->first;
+    position -= length;
+    partition_.split(cell, position);
+    enqueue(position);
+    const int count = tail_[static_cast<std::size_t>(group->first)].first;
+    if (!note((static_cast<std::uint64_t>(position) << 32) + static_cast<std::uint64_t>(length)))
+      return false;
+    if (!note(static_cast<std::uint64_t>(count))) return false;
+  }
+  return true;
+}
+
+bool Refiner::note(std::uint64_t event) {
+  if (!is_recording_) return cursor_ < cursor_end_ && trace_[cursor_++] == event;
+  trace_.push_back(event);
+  return true;
+}
+
+void Refiner::enqueue(int cell) {
+  if (is_queued_[cell] != 0) return;
+  is_queued_[cell] = 1;
+  queue_.push_back(cell);
+}
+
+// Leaves no work behind, wherever the refinement ended.
+void Refiner::reset() {
+  for (; queue_head_ < queue_.size(); ++queue_head_) is_queued_[queue_[queue_head_]] = 0;
+  queue_.clear();
+  queue_head_ = 0;
+  for (const int cell : touched_cells_) {
+    gather_tail(cell, touched_[cell]);
+    touched_[cell] = 0;
+  }
+  touched_cells_.clear();
+}
+
+}  // namespace symfold
