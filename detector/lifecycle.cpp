@@ -1,11 +1,21 @@
 // Construction, buffers and release of a detector.
 
 #include <iostream>
+#include <new>
 
 #include "detector/partitions/byte_sizes.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
+namespace {
+
+template <class T>
+T* allocate(int count) {
+  if (count < 0) throw std::bad_array_new_length();
+  return new T[static_cast<std::size_t>(count)];
+}
+
+}  // namespace
 
 SymmetryDetection::SymmetryDetection() : orbit(new std::vector<int>), orbit_copy(new std::vector<int>) {}
 
@@ -33,11 +43,11 @@ void SymmetryDetection::Initialize() {
   std::cout << "Initialize() TotalStateSize: " << TotalStateSize << std::endl;
   for (unsigned char** state :
        {&af_new_state, &af_best_state, &af_current_state, &af_state_scratch_a, &af_state_scratch_b}) {
-    *state = new unsigned char[TotalStateSize];
+    *state = allocate<unsigned char>(TotalStateSize);
   }
   for (short** perm :
        {&af_identity_perm, &af_new_perm, &af_best_perm, &af_temp_best_perm, &af_perm_scratch}) {
-    *perm = new short[num_partitions];
+    *perm = allocate<short>(num_partitions);
   }
   for (int i = 0; i < num_partitions; ++i) af_identity_perm[i] = static_cast<short>(i);
 }

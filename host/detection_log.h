@@ -1,4 +1,5 @@
-// Where the detector's diagnostics go while a host runs it: into a file, or nowhere, but not to standard output.
+// Where the detector's diagnostics go while a host runs it: into a file, or nowhere, but not to standard
+// output.
 
 #ifndef SYMFOLD_HOST_DETECTION_LOG_H
 #define SYMFOLD_HOST_DETECTION_LOG_H
@@ -9,11 +10,13 @@
 
 namespace symfold {
 
-// Redirects std::cout for its lifetime. The detector ends every line with a flush, and its tables have hundreds of
-// thousands of lines: the file is written in blocks all the same, and whole when the log is closed.
+// Redirects std::cout for its lifetime. The detector ends every line with a flush, and its tables have
+// hundreds of thousands of lines: the file is written in blocks all the same, and whole when the log is
+// closed.
 class DetectionLog {
  public:
-  // Into a new file; an empty name drops what is printed. Throws std::runtime_error when it cannot be created.
+  // Into a new file; an empty name drops what is printed. Throws std::runtime_error when it cannot be
+  // created.
   explicit DetectionLog(const std::string& file_name);
   ~DetectionLog();
   DetectionLog(const DetectionLog&) = delete;
