@@ -47,6 +47,7 @@ class SchreierTree {
   std::vector<int> found_;   // the tree's points in the order found, root first
   std::vector<int> parent_;  // per point, or -1
   std::vector<int> via_;     // per point, the generator that moves its parent to it
+  std::vector<int> depth_;   // per point, -1 outside the tree
 };
 
 }  // namespace symfold

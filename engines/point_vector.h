@@ -49,6 +49,13 @@ inline PointVector<int> identity_images(int n) {
   return images;
 }
 
+// The inverse of a permutation given by its images.
+inline PointVector<int> inverse_images(const PointVector<int>& images) {
+  PointVector<int> inverse(images.size());
+  for (int x = 0; x < images.size(); ++x) inverse[images[x]] = x;
+  return inverse;
+}
+
 }  // namespace symfold
 
 #endif  // SYMFOLD_ENGINES_POINT_VECTOR_H

@@ -11,6 +11,8 @@ namespace symfold {
 struct PointMove {
   int point;
   int image;  // never equal to point
+
+  bool operator==(const PointMove&) const = default;
 };
 
 // The moves in ascending order of their points; empty for the identity.
