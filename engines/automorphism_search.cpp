@@ -1,8 +1,9 @@
 #include "engines/automorphism_search.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
-#include <optional>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -28,17 +29,48 @@ struct Level {
   int latest = -1;     // the latest one after the first; they are taken in ascending order
 };
 
+// The first path's side of a search: a partition that goes back up the levels with it.
+class LeftSide {
+ public:
+  LeftSide(const ColouredGraph& graph, const OrderedPartition& end)
+      : partition_(end), refiner_(graph, partition_) {}
+
+  const OrderedPartition& partition() const { return partition_; }
+
+  // Undoes all but the first splits and individualises the level's vertex.
+  void return_to(int splits, int vertex) {
+    partition_.undo(splits);
+    individualise(vertex);
+    level_splits_ = partition_.split_count();
+  }
+
+  // A step away from the first path, with its trace, valid until the next step; and all such steps taken
+  // back.
+  std::span<const std::uint64_t> individualise(int v) {
+    step_trace_.clear();
+    refiner_.individualise_and_record(v, step_trace_);
+    return step_trace_;
+  }
+  void forget_steps() { partition_.undo(level_splits_); }
+
+ private:
+  OrderedPartition partition_;
+  Refiner refiner_;
+  Trace step_trace_;
+  int level_splits_ = 0;
+};
+
 class AutomorphismSearch {
  public:
   AutomorphismSearch(const ColouredGraph& graph, std::size_t generator_limit)
       : partition_(graph.vertex_count()),
         refiner_(graph, partition_),
+        end_(follow_first_path()),
+        left_(graph, end_),
+        partial_image_(graph),
         check_(graph),
         orbits_(graph.vertex_count()),
-        generator_limit_(generator_limit) {
-    follow_first_path();
-    partial_image_.emplace(partition_);
-  }
+        generator_limit_(generator_limit) {}
 
   AutomorphismGroup run() {
     for (int i = levels_.size() - 1; i >= 0 && group_.is_complete; --i) {
@@ -54,15 +86,16 @@ class AutomorphismSearch {
 
  private:
   // Vertices that stand alone stay alone, so the smallest one that does not is never below the last.
-  void follow_first_path() {
+  const OrderedPartition& follow_first_path() {
     refiner_.refine_by_colour();
     for (int v = 0; !partition_.is_discrete(); ++v) {
       const int cell = partition_.cell_of(v);
       if (partition_.length(cell) == 1) continue;
-      levels_.push_back({v, cell, partition_.length(cell), partition_.split_count(), refiner_.trace_size()});
-      refiner_.individualise_and_record(v);
+      levels_.push_back({v, cell, partition_.length(cell), partition_.split_count(), trace_.size()});
+      refiner_.individualise_and_record(v, trace_);
     }
     partition_.debug_check_invariants();
+    return partition_;
   }
 
   // The members of the cell are read off the first path's final order, where later splits have only permuted
@@ -72,9 +105,10 @@ class AutomorphismSearch {
     Level& level = levels_[i];
     const int failed =
         levels_.size() - i;  // marks this level's failed classes, above all marks of earlier levels
+    left_.return_to(level.splits, level.vertex);
     for (int position = level.cell + level.length - 1; position >= level.cell; --position) {
       if (orbits_.size_of_class(level.vertex) == level.length) break;
-      const int v = partial_image_->left_vertex_at(position);
+      const int v = end_.vertex_at(position);
       if (orbits_.find(v) == orbits_.find(level.vertex) || orbits_.mark_of_class(v) == failed) continue;
       if (!find_image(i, orbits_.largest_of_class(v))) orbits_.mark_class(v, failed);
       if (group_.generators.size() > generator_limit_) {
@@ -85,15 +119,62 @@ class AutomorphismSearch {
     level.orbit_length = orbits_.size_of_class(level.vertex);
   }
 
-  // Follows the first path from level `top` on with w in the place of its vertex, until an automorphism is
-  // found (it is recorded) or there is none.
+  // Whether an automorphism fixes the vertices of the levels above `top` and carries that of `top` to w. If
+  // so, such a one is recorded.
   bool find_image(int top, int w) {
+    next_attempt_ = 0;
+    partition_.undo(levels_[top].splits);
+    if (!enter(top, w)) return false;
+    if (attempt_generator(left_.partition(), top, true) || descend_side_by_side(top)) return true;
+    return levels_.size() > top + 1 && follow_levels(top, w);
+  }
+
+  // Both sides leave the first path and individualise a vertex each in the first new cell that differs, and
+  // so on; without backtracking. So the depth depends on the moved vertices, however the levels below are
+  // numbered.
+  bool descend_side_by_side(int top) {
+    const OrderedPartition& left = left_.partition();
+    left_.forget_steps();
+    for (int i = levels_[top].splits; i < partition_.split_count();) {
+      const auto [on_left, on_right] = differing_pair(left, partition_.split_at(i).start);
+      if (on_left < 0) {
+        ++i;
+        continue;
+      }
+      if (!refiner_.individualise_and_compare(on_right, left_.individualise(on_left))) return false;
+      if (attempt_generator(left, top, false)) return true;
+    }
+    return attempt_generator(left, top, true);
+  }
+
+  // A vertex that the cell holds on the left only, and one that it holds on the right only; the latter closes
+  // the chain of pairs that leads to the former, if it can. -1 where the cell holds the same vertices.
+  std::pair<int, int> differing_pair(const OrderedPartition& left, int cell) const {
+    if (partition_.length(cell) == 1) return {-1, -1};
+    const auto on_left =
+        std::ranges::find_if(left.members(cell), [&](int v) { return partition_.cell_of(v) != cell; });
+    if (on_left == left.members(cell).end()) return {-1, -1};
+    const int closing = chain_end(left, *on_left);
+    if (partition_.cell_of(closing) == cell && left.cell_of(closing) != cell) return {*on_left, closing};
+    return {*on_left,
+            *std::ranges::find_if(partition_.members(cell), [&](int v) { return left.cell_of(v) != cell; })};
+  }
+
+  // Follows the pairs backwards from v as long as there are any.
+  int chain_end(const OrderedPartition& left, int v) const {
+    while (partition_.length(partition_.cell_of(v)) == 1) v = left.vertex_at(partition_.position_of(v));
+    return v;
+  }
+
+  // The complete search: the first path's levels with w in the place of the vertex of `top`, and with every
+  // choice of vertices below that can matter.
+  bool follow_levels(int top, int w) {
     next_attempt_ = 0;
     partition_.undo(levels_[top].splits);
     for (int i = top, candidate = w; i >= top;) {
       if (enter(i, candidate)) {
         const bool is_leaf = i + 1 == levels_.size();
-        if (attempt_generator(top, is_leaf)) return true;
+        if (attempt_generator(end_, top, is_leaf)) return true;
         if (!is_leaf) {
           candidate = first_candidate(++i);
           continue;
@@ -105,18 +186,21 @@ class AutomorphismSearch {
   }
 
   bool enter(int i, int candidate) {
-    const std::size_t trace_end = i + 1 < levels_.size() ? levels_[i + 1].trace_begin : refiner_.trace_size();
-    return refiner_.individualise_and_compare(candidate, levels_[i].trace_begin, trace_end);
+    const std::size_t begin = levels_[i].trace_begin;
+    const std::size_t end = i + 1 < levels_.size() ? levels_[i + 1].trace_begin : trace_.size();
+    return refiner_.individualise_and_compare(candidate, std::span(trace_).subspan(begin, end - begin));
   }
 
   // A failed attempt is repeated only when twice as many splits have been made, so that attempts cost no more
   // than the refinements.
-  bool attempt_generator(int top, bool is_leaf) {
+  bool attempt_generator(const OrderedPartition& left, int top, bool is_last) {
     const int splits = partition_.split_count() - levels_[top].splits;
-    if (splits < next_attempt_ && !is_leaf) return false;
+    if (splits < next_attempt_ && !is_last) return false;
     next_attempt_ = 2 * splits;
-    if (!partial_image_->read(partition_, levels_[top].splits, moves_) || !check_.is_automorphism(moves_))
+    if (!partial_image_.read(left, partition_, levels_[top].splits, moves_) ||
+        !check_.is_automorphism(moves_)) {
       return false;
+    }
     for (const auto& [point, image] : moves_) orbits_.unite(point, image);
     group_.generators.push_back(moves_);
     return true;
@@ -126,9 +210,7 @@ class AutomorphismSearch {
   // leading to v(i).
   int first_candidate(int i) {
     Level& level = levels_[i];
-    int v = level.vertex;
-    while (partition_.length(partition_.cell_of(v)) == 1)
-      v = partial_image_->left_vertex_at(partition_.position_of(v));
+    const int v = chain_end(end_, level.vertex);
     level.preferred = partition_.cell_of(v) == level.cell ? v : partition_.vertex_at(level.cell);
     level.tries = 1;
     level.latest = -1;
@@ -158,12 +240,15 @@ class AutomorphismSearch {
     return next == std::numeric_limits<int>::max() ? -1 : next;
   }
 
-  OrderedPartition partition_;
-  Refiner refiner_;
-  AutomorphismCheck check_;
-  UnionFind orbits_;                           // of the generators found so far
-  std::optional<PartialImage> partial_image_;  // against the first path's end
   PointVector<Level> levels_;
+  Trace trace_;                 // of the first path
+  OrderedPartition partition_;  // the right side
+  Refiner refiner_;
+  OrderedPartition end_;  // of the first path
+  LeftSide left_;
+  PartialImage partial_image_;
+  AutomorphismCheck check_;
+  UnionFind orbits_;  // of the generators found so far
   AutomorphismGroup group_;
   std::size_t generator_limit_;
   SparsePermutation moves_;  // the current guess

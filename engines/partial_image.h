@@ -3,15 +3,23 @@
 // The left one is discrete, its vertices in `left order`; the right one has been split alike up to some
 // point. Where a cell of the right one has become a single vertex y at position p, the left order's x at p
 // goes to y. Such pairs need not be a permutation yet: every open chain x -> y -> .. -> z is closed by z ->
-// x, and all other vertices are guessed to stay, provided that every larger new cell holds the same vertices
-// on both sides.
+// x, and all other vertices are guessed to stay. Example: a path from leaf 0 of a star to leaf 3 has the one
+// pair 0 -> 3, closed by 3 -> 0; the cell of the other leaves was never looked at.
 //
-// Example: a path from leaf 0 of a star to leaf 3 has the one pair 0 -> 3, closed by 3 -> 0; the cell of the
-// other leaves was never looked at. A guess is just that: the caller checks it against the graph.
+// A larger new cell may hold vertices on the left that it does not hold on the right. They must move, and
+// clues say where to: a goes to b if they stand in the same cell and b is the only one of its right vertices
+// next to the image of some neighbour of a that has no other such neighbour. Example: where every two of many
+// servers share a link, exchanging servers v and w must take the link v-x to w-x, because x stays; one
+// refinement is enough, though it has told none of the links apart.
+//
+// The result is a guess: the caller checks it against the graph.
 
 #ifndef SYMFOLD_ENGINES_PARTIAL_IMAGE_H
 #define SYMFOLD_ENGINES_PARTIAL_IMAGE_H
 
+#include <vector>
+
+#include "engines/coloured_graph.h"
 #include "engines/ordered_partition.h"
 #include "engines/sparse_permutation.h"
 
@@ -19,26 +27,42 @@ namespace symfold {
 
 class PartialImage {
  public:
-  // The discrete left partition: order and positions are copied, later splits of the right one may follow.
-  explicit PartialImage(const OrderedPartition& left);
+  // The graph must outlive this.
+  explicit PartialImage(const ColouredGraph& graph);
 
-  int left_vertex_at(int position) const { return left_vertices_[position]; }
-
-  // Looks at the cells that the splits from `first_split` on have made. False where a larger new cell
-  // differs; otherwise `moves` is the guess, the identity left out. Cost: the members of these cells and
-  // sorting the moves.
-  bool read(const OrderedPartition& right, int first_split, SparsePermutation& moves);
+  // Looks at the cells of the right partition that its splits from `first_split` on have made. The left one
+  // has the same cells, or finer ones inside them. False where a vertex is left that must move and has no
+  // clue; otherwise `moves` is the guess, the identity left out. Cost: the members of these cells and the
+  // edges at the moved vertices, times a logarithm.
+  bool read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
+            SparsePermutation& moves);
 
  private:
-  bool collect(const OrderedPartition& right, int first_split);
-  void add_pair(int from, int to);
-  void close_chains(SparsePermutation& moves);
+  struct Clue {
+    int cell;
+    int neighbour;  // on the right
+    int vertex;     // that stands in this cell and has this neighbour, or its image
+  };
 
-  PointVector<int> left_vertices_;
-  PointVector<int> left_positions_;
-  PointVector<int> image_;     // -1 everywhere between calls
-  PointVector<int> preimage_;  // the same
-  std::vector<int> sources_;   // the vertices with an image
+  void collect(const OrderedPartition& left, const OrderedPartition& right, int first_split);
+  void collect_movers(const OrderedPartition& left, const OrderedPartition& right, int cell);
+  int known_image(const OrderedPartition& left, const OrderedPartition& right, int v) const;
+  bool follow_clues(const OrderedPartition& left, const OrderedPartition& right);
+  bool gather_clues(const OrderedPartition& left, const OrderedPartition& right);
+  void pair_unique_clues();
+  void add_pair(int from, int to);
+  void close_chains();
+
+  const ColouredGraph& graph_;
+
+  // The current reading, empty or -1 everywhere between calls.
+  PointVector<int> image_;
+  PointVector<int> preimage_;
+  std::vector<int> sources_;       // the vertices with an image
+  std::vector<int> left_movers_;   // in a larger new cell on the left only, without an image yet
+  std::vector<int> right_movers_;  // on the right only, without a preimage yet
+  std::vector<Clue> left_clues_;
+  std::vector<Clue> right_clues_;
 };
 
 }  // namespace symfold

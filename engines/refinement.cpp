@@ -38,22 +38,22 @@ void Refiner::refine_by_colour() {
   }
   for (int i = starts.size() - 1; i > 0; --i) partition_.split(0, starts[i]);
   for (const int start : starts) enqueue(start);
+  Trace unused;
+  recorded_ = &unused;
   run();
-  trace_.clear();
 }
 
-void Refiner::individualise_and_record(int v) {
-  is_recording_ = true;
+void Refiner::individualise_and_record(int v, Trace& trace) {
+  recorded_ = &trace;
   individualise(v);
   run();
 }
 
-bool Refiner::individualise_and_compare(int v, std::size_t begin, std::size_t end) {
-  is_recording_ = false;
-  cursor_ = begin;
-  cursor_end_ = end;
+bool Refiner::individualise_and_compare(int v, std::span<const std::uint64_t> trace) {
+  recorded_ = nullptr;
+  expected_ = trace;
   individualise(v);
-  return run() && cursor_ == cursor_end_;
+  return run() && expected_.empty();
 }
 
 void Refiner::individualise(int v) {
@@ -180,8 +180,12 @@ bool Refiner::arrange_groups(int cell, int untouched) {
 }
 
 bool Refiner::note(std::uint64_t event) {
-  if (!is_recording_) return cursor_ < cursor_end_ && trace_[cursor_++] == event;
-  trace_.push_back(event);
+  if (recorded_ != nullptr) {
+    recorded_->push_back(event);
+    return true;
+  }
+  if (expected_.empty() || expected_.front() != event) return false;
+  expected_ = expected_.subspan(1);
   return true;
 }
 

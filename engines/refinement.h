@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,8 @@
 #include "engines/ordered_partition.h"
 
 namespace symfold {
+
+using Trace = std::vector<std::uint64_t>;
 
 class Refiner {
  public:
@@ -39,13 +42,11 @@ class Refiner {
 
   // Cuts v, a member of a larger cell, off to the back of its cell, and makes the partition equitable again.
   // The events are appended to the trace.
-  void individualise_and_record(int v);
+  void individualise_and_record(int v, Trace& trace);
 
-  // The same, compared with the trace from its entry `begin` up to `end`. False at the first difference; the
-  // partition is then somewhere between and has to be undone.
-  bool individualise_and_compare(int v, std::size_t begin, std::size_t end);
-
-  std::size_t trace_size() const { return trace_.size(); }
+  // The same, compared with a trace. False at the first difference; the partition is then somewhere between
+  // and has to be undone.
+  bool individualise_and_compare(int v, std::span<const std::uint64_t> trace);
 
  private:
   void individualise(int v);
@@ -63,10 +64,8 @@ class Refiner {
   const ColouredGraph& graph_;
   OrderedPartition& partition_;
 
-  std::vector<std::uint64_t> trace_;
-  bool is_recording_ = true;
-  std::size_t cursor_ = 0;  // next trace entry to be compared
-  std::size_t cursor_end_ = 0;
+  Trace* recorded_ = nullptr;                // null while comparing
+  std::span<const std::uint64_t> expected_;  // what is left of the trace to compare with
 
   std::vector<int> queue_;
   std::size_t queue_head_ = 0;

@@ -70,13 +70,12 @@ TEST(Refinement, IsTheCoarsestEquitablePartitionAndCanBeUndone) {
       EXPECT_EQ(before.back(), equitable_cells(graph, individualised));
       int v = static_cast<int>(random() % static_cast<unsigned>(graph.vertex_count()));
       while (partition.length(partition.cell_of(v)) == 1) v = (v + 1) % graph.vertex_count();
-      const std::size_t trace_begin = refiner.trace_size();
-      refiner.individualise_and_record(v);
+      Trace trace;
+      refiner.individualise_and_record(v, trace);
       const auto cells = cells_of(partition);
       partition.undo(marks.back());
       EXPECT_EQ(cells_of(partition), before.back());
-      EXPECT_TRUE(refiner.individualise_and_compare(v, trace_begin, refiner.trace_size()))
-          << "the same again";
+      EXPECT_TRUE(refiner.individualise_and_compare(v, trace)) << "the same again";
       EXPECT_EQ(cells_of(partition), cells);
       partition.debug_check_invariants();
       individualised.push_back(v);
@@ -97,10 +96,11 @@ TEST(Refinement, ComparesWithTheTraceOfAnotherVertex) {
   refiner.refine_by_colour();
   EXPECT_NE(partition.cell_of(0), partition.cell_of(2)) << "a double edge is two edges";
   const int splits = partition.split_count();
-  refiner.individualise_and_record(2);
+  Trace trace;
+  refiner.individualise_and_record(2, trace);
   const auto try_vertex = [&](int v) {
     partition.undo(splits);
-    return refiner.individualise_and_compare(v, 0, refiner.trace_size());
+    return refiner.individualise_and_compare(v, trace);
   };
   EXPECT_TRUE(try_vertex(5));
   EXPECT_FALSE(try_vertex(0));
