@@ -1,0 +1,357 @@
+#include "host/language/composer.h"
+
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "host/language/evaluator.h"
+#include "host/language/instance_table.h"
+
+namespace symfold {
+namespace {
+
+constexpr int kStepsPerElement = 8;
+
+class Composer {
+ public:
+  Composer(std::shared_ptr<const ModelDescription> model, ErrorList& errors)
+      : description_(*model), errors_(errors), instances_(*model, result_.instances, budget_, errors) {
+    result_.description = std::move(model);
+  }
+
+  ComposedModel compose();
+
+ private:
+  // Where a shared variable of a submodel is bound.
+  struct Bound {
+    int join = -1;
+    Offset entry = 0;
+  };
+
+  void register_names();
+  void compose_submodels(const SubmodelDecl& declaration, int index);
+  void add_submodel(const SubmodelDecl& declaration, int index);
+  void compose_joins(const JoinDecl& declaration);
+  void add_join(const JoinDecl& declaration);
+  void add_members(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry);
+  void add_member(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry);
+  void require_agreement(const Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry,
+                         const JoinMember& member);
+  void set_initial(Join& join, const JoinDecl& declaration);
+  void require_all_bound();
+
+  template <typename Body>
+  void for_each_index(const std::vector<IndexRange>& ranges, std::size_t depth, const Body& body);
+  template <typename Body>
+  void guarded(const std::string& where, const Body& body);
+
+  void spend(std::int64_t steps, Offset offset);
+  Value value_of(ExprId id);
+  bool is_left_out(ExprId condition) { return condition != kNoExpr && !value_of(condition).is_true(); }
+  std::string element_name(const Name& array, std::size_t count, Offset offset);
+  void register_element(const Name& array, bool is_array, const std::string& name);
+  int find_submodel(const JoinEntryDecl& entry, std::string& name);
+  std::string member_name(const JoinMember& member) const;
+  Bound& bound(const JoinMember& member) {
+    return bound_[first_bound_[static_cast<std::size_t>(member.submodel)] +
+                  static_cast<std::size_t>(member.variable)];
+  }
+
+  const ModelDescription& description_;
+  ErrorList& errors_;
+  Budget budget_{kMostSteps};
+  ComposedModel result_;
+  InstanceTable instances_;
+  std::vector<std::int64_t> indices_;
+  std::unordered_map<std::string, Offset> names_;   // of declarations and elements
+  std::unordered_map<std::string, int> submodels_;  // by name
+  std::vector<int> declarations_;                   // of the submodels
+  std::vector<std::size_t> first_bound_;            // of the submodels, into bound_
+  std::vector<Bound> bound_;
+  std::size_t variable_count_ = 0;
+};
+
+ComposedModel Composer::compose() {
+  const SystemDecl& system = description_.system;
+  result_.name = system.name.text;
+  register_names();
+  for (std::size_t i = 0; i < system.submodels.size(); ++i) {
+    guarded("", [&] { compose_submodels(system.submodels[i], static_cast<int>(i)); });
+  }
+  errors_.throw_if_any();
+  if (result_.submodels.empty()) errors_.fail(system.name.offset, "expected at least one submodel, got none");
+  for (const JoinDecl& join : system.joins) {
+    guarded("", [&] { compose_joins(join); });
+  }
+  errors_.throw_if_any();
+  require_all_bound();
+  errors_.throw_if_any();
+  return std::move(result_);
+}
+
+// An expression without a value leaves out what it stands in.
+template <typename Body>
+void Composer::guarded(const std::string& where, const Body& body) {
+  const std::size_t depth = indices_.size();
+  try {
+    body();
+  } catch (const EvaluationError& error) {
+    indices_.resize(depth);
+    errors_.add_once(error.offset, error.offset,
+                     error.message + (where.empty() ? "" : " (in " + where + ")"));
+  }
+}
+
+void Composer::spend(std::int64_t steps, Offset offset) {
+  budget_.spend(steps);
+  if (!budget_.is_spent()) return;
+  errors_.fail(offset, "expected a system that expands in at most " + std::to_string(kMostSteps) +
+                           " steps, got a larger one");
+}
+
+Value Composer::value_of(ExprId id) {
+  const Value value = evaluate(description_, id, {{}, indices_}, budget_);
+  spend(0, description_.expr(id).offset);
+  return value;
+}
+
+template <typename Body>
+void Composer::for_each_index(const std::vector<IndexRange>& ranges, std::size_t depth, const Body& body) {
+  if (depth == ranges.size()) return body();
+  const IndexRange& range = ranges[depth];
+  const Offset offset = range.name.offset;
+  const std::int64_t low = value_of(range.low).integer;
+  const std::int64_t high = value_of(range.high).integer;
+  if (low > high) return;
+  const auto distance = checked_subtract(high, low);
+  if (!distance || *distance >= kMostElements) {
+    throw EvaluationError{offset, "expected at most " + std::to_string(kMostElements) + " values of '" +
+                                      std::string(range.name.text) + "', got " + std::to_string(low) + ".." +
+                                      std::to_string(high)};
+  }
+  for (std::int64_t i = low; i <= high; ++i) {
+    spend(kStepsPerElement, offset);
+    indices_.push_back(i);
+    for_each_index(ranges, depth + 1, body);
+    indices_.pop_back();
+  }
+}
+
+void Composer::register_names() {
+  for (const SubmodelDecl& submodel : description_.system.submodels) {
+    names_.emplace(submodel.name.text, submodel.name.offset);
+  }
+  for (const JoinDecl& join : description_.system.joins) names_.emplace(join.name.text, join.name.offset);
+}
+
+// The array's name and the first `count` indices.
+std::string Composer::element_name(const Name& array, std::size_t count, Offset offset) {
+  std::string name(array.text);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (indices_[i] < 0) {
+      throw EvaluationError{offset, "expected indices of at least 0, got " + std::to_string(indices_[i])};
+    }
+    name += '_' + std::to_string(indices_[i]);
+  }
+  return name;
+}
+
+void Composer::register_element(const Name& array, bool is_array, const std::string& name) {
+  if (!is_array) return;
+  const auto [earlier, is_new] = names_.emplace(name, array.offset);
+  if (is_new) return;
+  errors_.add_once(array.offset, earlier->second,
+                   "expected names of elements that nothing else has, got '" + name +
+                       "', which also comes from " + errors_.place(earlier->second));
+}
+
+void Composer::compose_submodels(const SubmodelDecl& declaration, int index) {
+  for_each_index(declaration.ranges, 0, [&] {
+    const std::string name = element_name(declaration.name, indices_.size(), declaration.name.offset);
+    guarded(name, [&] { add_submodel(declaration, index); });
+  });
+}
+
+void Composer::add_submodel(const SubmodelDecl& declaration, int index) {
+  if (is_left_out(declaration.condition)) return;
+  const Offset offset = declaration.name.offset;
+  if (result_.submodels.size() == static_cast<std::size_t>(kMostElements)) {
+    errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " submodels, got more");
+  }
+  variable_count_ += description_.type(declaration.type_index).variables.size();
+  if (variable_count_ > kMostVariables) {
+    errors_.fail(offset,
+                 "expected at most " + std::to_string(kMostVariables) + " variables in all, got more");
+  }
+  Submodel submodel;
+  submodel.name = element_name(declaration.name, indices_.size(), offset);
+  register_element(declaration.name, !declaration.ranges.empty(), submodel.name);
+  std::vector<Value> arguments;
+  for (const ExprId argument : declaration.arguments) arguments.push_back(value_of(argument));
+  const auto instance = instances_.find_or_add(declaration.type_index, std::move(arguments));
+  spend(0, offset);
+  if (!instance) return;
+  submodel.instance = *instance;
+  const TypeInstance& type = result_.instance_of(submodel);
+  for (const Variable& variable : type.private_variables) {
+    submodel.initial.push_back(static_cast<std::int16_t>(variable.initial));
+  }
+  for (const Assignment& initial : declaration.initials) {
+    const auto& variables = description_.type(declaration.type_index).variables;
+    const auto slot =
+        static_cast<std::size_t>(variables[static_cast<std::size_t>(initial.variable_index)].slot);
+    const int value = value_in(type.private_variables[slot].values, value_of(initial.value),
+                               description_.expr(initial.value).offset);
+    submodel.initial[slot] = static_cast<std::int16_t>(value);
+  }
+  submodels_.emplace(submodel.name, static_cast<int>(result_.submodels.size()));
+  declarations_.push_back(index);
+  first_bound_.push_back(bound_.size());
+  bound_.resize(bound_.size() + type.shared_variables.size());
+  result_.submodels.push_back(std::move(submodel));
+}
+
+void Composer::compose_joins(const JoinDecl& declaration) {
+  for_each_index(declaration.ranges, 0, [&] {
+    const std::string name = element_name(declaration.name, indices_.size(), declaration.name.offset);
+    guarded(name, [&] { add_join(declaration); });
+  });
+}
+
+void Composer::add_join(const JoinDecl& declaration) {
+  if (is_left_out(declaration.condition)) return;
+  const Offset offset = declaration.name.offset;
+  if (result_.joins.size() == static_cast<std::size_t>(kMostElements)) {
+    errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " joins, got more");
+  }
+  Join join;
+  join.name = element_name(declaration.name, indices_.size(), offset);
+  register_element(declaration.name, !declaration.ranges.empty(), join.name);
+  for (const JoinEntryDecl& entry : declaration.entries) {
+    guarded(join.name, [&] { add_members(join, declaration, entry); });
+  }
+  if (join.members.empty()) {
+    errors_.add_once(offset, offset, "expected at least one member of join " + join.name + ", got none");
+    return;
+  }
+  set_initial(join, declaration);
+  result_.joins.push_back(std::move(join));
+}
+
+void Composer::add_members(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry) {
+  for_each_index(entry.ranges, 0, [&] {
+    if (!is_left_out(entry.condition)) add_member(join, declaration, entry);
+  });
+}
+
+// The submodel that the entry names here, and its name.
+int Composer::find_submodel(const JoinEntryDecl& entry, std::string& name) {
+  name = entry.submodel.text;
+  for (const ExprId id : entry.indices) {
+    const std::int64_t index = value_of(id).integer;
+    if (index < 0) {
+      throw EvaluationError{description_.expr(id).offset,
+                            "expected an index of at least 0, got " + std::to_string(index)};
+    }
+    name += '_' + std::to_string(index);
+  }
+  const auto found = submodels_.find(name);
+  const bool exists = found != submodels_.end() &&
+                      declarations_[static_cast<std::size_t>(found->second)] == entry.submodel_index;
+  return exists ? found->second : -1;
+}
+
+void Composer::add_member(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry) {
+  spend(kStepsPerElement, entry.submodel.offset);
+  const SubmodelDecl& submodel =
+      description_.system.submodels[static_cast<std::size_t>(entry.submodel_index)];
+  std::string name;
+  const int index = find_submodel(entry, name);
+  if (index < 0) {
+    throw EvaluationError{entry.submodel.offset, "expected a submodel that exists, got " + name + " ('" +
+                                                     std::string(submodel.name.text) + "' is declared at " +
+                                                     errors_.place(submodel.name.offset) + ")"};
+  }
+  const auto& variables = description_.type(submodel.type_index).variables;
+  const JoinMember member{index, variables[static_cast<std::size_t>(entry.variable_index)].slot};
+  Bound& binding = bound(member);
+  if (binding.join >= 0) {
+    const auto earlier = static_cast<std::size_t>(binding.join);
+    const std::string& by = earlier < result_.joins.size() ? result_.joins[earlier].name : join.name;
+    errors_.add_once(entry.submodel.offset, binding.entry,
+                     "expected every shared variable in one join, got " + member_name(member) + " in " +
+                         join.name + " and, at " + errors_.place(binding.entry) + ", in " + by);
+    return;
+  }
+  binding = {static_cast<int>(result_.joins.size()), entry.submodel.offset};
+  if (!join.members.empty()) require_agreement(join, declaration, entry, member);
+  join.members.push_back(member);
+}
+
+std::string Composer::member_name(const JoinMember& member) const {
+  return result_.submodels[static_cast<std::size_t>(member.submodel)].name + '.' +
+         result_.variable_of(member).name;
+}
+
+// Where the join itself gives the initial value, those of its members do not matter.
+void Composer::require_agreement(const Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry,
+                                 const JoinMember& member) {
+  const JoinMember& leader = join.members.front();
+  const Variable& first = result_.variable_of(leader);
+  const Variable& other = result_.variable_of(member);
+  const auto describe = [this](const JoinMember& which, const std::string& what) {
+    return what + " of " + member_name(which);
+  };
+  std::string message;
+  if (!(first.values == other.values)) {
+    message = "expected the value set " + describe(leader, to_string(first.values)) + " (at " +
+              errors_.place(bound(leader).entry) + "), got " + describe(member, to_string(other.values));
+  } else if (declaration.initial == kNoExpr && first.initial != other.initial) {
+    message = "expected the initial value " + describe(leader, value_text(first.values, first.initial)) +
+              " (at " + errors_.place(bound(leader).entry) + "), got " +
+              describe(member, value_text(other.values, other.initial));
+  }
+  if (!message.empty()) errors_.add_once(entry.submodel.offset, bound(leader).entry, message);
+}
+
+void Composer::set_initial(Join& join, const JoinDecl& declaration) {
+  const Variable& first = result_.variable_of(join.members.front());
+  join.values = first.values;
+  join.initial = first.initial;
+  if (declaration.initial == kNoExpr) return;
+  const Expr& expr = description_.expr(declaration.initial);
+  const bool fits = (expr.type == kBoolType && join.values.kind == ValueSet::Kind::kBool) ||
+                    (expr.type == kIntType && join.values.kind == ValueSet::Kind::kRange) ||
+                    (expr.type.scalar == Scalar::kEnum && join.values.literals != nullptr &&
+                     *description_.enumeration(expr.type).literals == *join.values.literals);
+  if (!fits)
+    throw EvaluationError{expr.offset,
+                          "expected a value of " + to_string(join.values) + ", got another kind"};
+  join.initial = value_in(join.values, value_of(declaration.initial), expr.offset);
+}
+
+void Composer::require_all_bound() {
+  for (std::size_t i = 0; i < result_.submodels.size(); ++i) {
+    const Submodel& submodel = result_.submodels[i];
+    const SubmodelDecl& declaration =
+        description_.system.submodels[static_cast<std::size_t>(declarations_[i])];
+    for (const VariableDecl& variable : description_.type(declaration.type_index).variables) {
+      if (!variable.is_shared) continue;
+      const JoinMember member{static_cast<int>(i), variable.slot};
+      if (bound(member).join >= 0) continue;
+      errors_.add_once(declaration.name.offset, variable.name.offset,
+                       "expected a join of every shared variable, got none of " + submodel.name + '.' +
+                           std::string(variable.name.text) + " (declared at " +
+                           errors_.place(variable.name.offset) + ")");
+    }
+  }
+}
+
+}  // namespace
+
+ComposedModel compose(std::shared_ptr<const ModelDescription> model, ErrorList& errors) {
+  return Composer(std::move(model), errors).compose();
+}
+
+}  // namespace symfold

@@ -1,0 +1,53 @@
+// The errors found in one model file.
+
+#ifndef SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
+#define SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
+
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/language/source_text.h"
+
+namespace symfold {
+
+inline constexpr std::size_t kMostErrors = 10;
+
+class ErrorList {
+ public:
+  explicit ErrorList(const SourceText& source) : source_(source) {}
+
+  // Throws ModelError, with all errors, as soon as there are kMostErrors.
+  void add(Offset offset, std::string message) {
+    errors_.push_back(source_.diagnostic_at(offset, std::move(message)));
+    if (errors_.size() == kMostErrors) throw_if_any();
+  }
+
+  // For errors that every element of an array repeats: only the first of a pair of places is kept.
+  void add_once(Offset offset, Offset cause, std::string message) {
+    if (seen_.emplace(offset, cause).second) add(offset, std::move(message));
+  }
+
+  // Adds the error and throws.
+  [[noreturn]] void fail(Offset offset, std::string message) {
+    errors_.push_back(source_.diagnostic_at(offset, std::move(message)));
+    throw ModelError(std::move(errors_));
+  }
+
+  void throw_if_any() {
+    if (!errors_.empty()) throw ModelError(std::move(errors_));
+  }
+
+  const SourceText& source() const { return source_; }
+  std::string place(Offset offset) const { return source_.place(offset); }
+
+ private:
+  const SourceText& source_;
+  std::vector<Diagnostic> errors_;
+  std::set<std::pair<Offset, Offset>> seen_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H

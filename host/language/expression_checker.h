@@ -1,0 +1,79 @@
+// Types of expressions and meanings of their names.
+//
+// Types flow upwards, except for enumerations: a literal such as `left` may belong to several of them, so a
+// wanted type (that of an assignment's target, or of the other operand) flows down and decides. Without one
+// the literal must have the same position in all enumerations of its type that have it.
+
+#ifndef SYMFOLD_HOST_LANGUAGE_EXPRESSION_CHECKER_H
+#define SYMFOLD_HOST_LANGUAGE_EXPRESSION_CHECKER_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/language/error_list.h"
+#include "host/language/model_description.h"
+#include "host/language/scope.h"
+
+namespace symfold {
+
+// Whether `/` may be used: where a real number is meant.
+enum class Division : std::uint8_t { kRefused, kAllowed };
+
+class ExpressionChecker {
+ public:
+  ExpressionChecker(ModelDescription& model, const TypeTable& types, ErrorList& errors)
+      : model_(model), types_(types), errors_(errors) {}
+
+  // Completes the expression. Its type is `wanted` (an int where a real is wanted is fine), or else unknown
+  // and there is an error in the list.
+  void check(ExprId id, const StaticType& wanted, const Scope& scope, Division division = Division::kRefused);
+
+  // The same for a number of either kind.
+  void check_number(ExprId id, const Scope& scope, Division division);
+
+  // Puts an error into the list where the name stands for something already.
+  bool is_new_name(const Name& name, const Scope& scope);
+
+  // The arguments that stand behind a type's name.
+  void check_arguments(const Name& type, int type_index, const std::vector<ExprId>& arguments,
+                       const Scope& scope);
+
+  // "bool", "int", "real" or the literals in braces.
+  std::string describe(const StaticType& type) const;
+
+ private:
+  struct Context {
+    const Scope& scope;
+    Division division;
+  };
+
+  StaticType type_of(ExprId id, const Context& context, const StaticType& hint);
+  StaticType type_of_name(Expr& expr, const Context& context, const StaticType& hint);
+  StaticType type_of_literal(Expr& expr, const Context& context, const StaticType& hint);
+  StaticType type_of_member(Expr& expr, const Context& context);
+  StaticType type_of_conditional(const Expr& expr, const Context& context, const StaticType& hint);
+  StaticType type_of_comparison(const Expr& expr, const Context& context);
+  StaticType type_of_arithmetic(const Expr& expr, const Context& context);
+  StaticType type_of_logic(const Expr& expr, const Context& context);
+  StaticType type_of_quantifier(const Expr& expr, const Context& context);
+  void check_quantified_type(Quantifier& quantifier, const Context& context);
+
+  struct TypePair {
+    StaticType first;
+    StaticType second;
+  };
+  TypePair types_of_pair(ExprId first, ExprId second, const Context& context, const StaticType& hint);
+  StaticType common_type(const TypePair& types, ExprId second);
+  bool needs_hint(ExprId id, const Scope& scope) const;
+  bool is_number(ExprId id, const StaticType& type);
+  void mismatch(ExprId id, const std::string& expected, const StaticType& got);
+
+  ModelDescription& model_;
+  const TypeTable& types_;
+  ErrorList& errors_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_LANGUAGE_EXPRESSION_CHECKER_H
