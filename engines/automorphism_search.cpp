@@ -1,7 +1,6 @@
 #include "engines/automorphism_search.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
 #include <span>
 #include <tuple>
@@ -9,6 +8,7 @@
 
 #include "engines/automorphism_check.h"
 #include "engines/ordered_partition.h"
+#include "engines/paired_descent.h"
 #include "engines/partial_image.h"
 #include "engines/refinement.h"
 #include "engines/union_find.h"
@@ -29,44 +29,13 @@ struct Level {
   int latest = -1;     // the latest one after the first; they are taken in ascending order
 };
 
-// The first path's side of a search: a partition that goes back up the levels with it.
-class LeftSide {
- public:
-  LeftSide(const ColouredGraph& graph, const OrderedPartition& end)
-      : partition_(end), refiner_(graph, partition_) {}
-
-  const OrderedPartition& partition() const { return partition_; }
-
-  // Undoes all but the first splits and individualises the level's vertex.
-  void return_to(int splits, int vertex) {
-    partition_.undo(splits);
-    individualise(vertex);
-    level_splits_ = partition_.split_count();
-  }
-
-  // A step away from the first path, with its trace, valid until the next step; and all such steps taken
-  // back.
-  std::span<const std::uint64_t> individualise(int v) {
-    step_trace_.clear();
-    refiner_.individualise_and_record(v, step_trace_);
-    return step_trace_;
-  }
-  void forget_steps() { partition_.undo(level_splits_); }
-
- private:
-  OrderedPartition partition_;
-  Refiner refiner_;
-  Trace step_trace_;
-  int level_splits_ = 0;
-};
-
 class AutomorphismSearch {
  public:
   AutomorphismSearch(const ColouredGraph& graph, std::size_t generator_limit)
       : partition_(graph.vertex_count()),
         refiner_(graph, partition_),
         end_(follow_first_path()),
-        left_(graph, end_),
+        descent_(graph, end_, partition_, refiner_),
         partial_image_(graph),
         check_(graph),
         orbits_(graph.vertex_count()),
@@ -105,7 +74,7 @@ class AutomorphismSearch {
     Level& level = levels_[i];
     const int failed =
         levels_.size() - i;  // marks this level's failed classes, above all marks of earlier levels
-    left_.return_to(level.splits, level.vertex);
+    descent_.return_to(level.splits, level.vertex);
     for (int position = level.cell + level.length - 1; position >= level.cell; --position) {
       if (orbits_.size_of_class(level.vertex) == level.length) break;
       const int v = end_.vertex_at(position);
@@ -125,45 +94,20 @@ class AutomorphismSearch {
     next_attempt_ = 0;
     partition_.undo(levels_[top].splits);
     if (!enter(top, w)) return false;
-    if (attempt_generator(left_.partition(), top, true) || descend_side_by_side(top)) return true;
-    return levels_.size() > top + 1 && follow_levels(top, w);
-  }
-
-  // Both sides leave the first path and individualise a vertex each in the first new cell that differs, and
-  // so on; without backtracking. So the depth depends on the moved vertices, however the levels below are
-  // numbered.
-  bool descend_side_by_side(int top) {
-    const OrderedPartition& left = left_.partition();
-    left_.forget_steps();
-    for (int i = levels_[top].splits; i < partition_.split_count();) {
-      const auto [on_left, on_right] = differing_pair(left, partition_.split_at(i).start);
-      if (on_left < 0) {
-        ++i;
-        continue;
-      }
-      if (!refiner_.individualise_and_compare(on_right, left_.individualise(on_left))) return false;
-      if (attempt_generator(left, top, false)) return true;
+    const auto attempt = [this, top](bool is_last) {
+      return attempt_generator(descent_.left(), top, is_last);
+    };
+    if (attempt(true)) return true;
+    if (levels_.size() == top + 1) return false;
+    switch (descent_.run(levels_[top].splits, attempt)) {
+      case PairedDescent::Answer::kFound:
+        return true;
+      case PairedDescent::Answer::kNone:
+        return false;
+      case PairedDescent::Answer::kOpen:
+        break;
     }
-    return attempt_generator(left, top, true);
-  }
-
-  // A vertex that the cell holds on the left only, and one that it holds on the right only; the latter closes
-  // the chain of pairs that leads to the former, if it can. -1 where the cell holds the same vertices.
-  std::pair<int, int> differing_pair(const OrderedPartition& left, int cell) const {
-    if (partition_.length(cell) == 1) return {-1, -1};
-    const auto on_left =
-        std::ranges::find_if(left.members(cell), [&](int v) { return partition_.cell_of(v) != cell; });
-    if (on_left == left.members(cell).end()) return {-1, -1};
-    const int closing = chain_end(left, *on_left);
-    if (partition_.cell_of(closing) == cell && left.cell_of(closing) != cell) return {*on_left, closing};
-    return {*on_left,
-            *std::ranges::find_if(partition_.members(cell), [&](int v) { return left.cell_of(v) != cell; })};
-  }
-
-  // Follows the pairs backwards from v as long as there are any.
-  int chain_end(const OrderedPartition& left, int v) const {
-    while (partition_.length(partition_.cell_of(v)) == 1) v = left.vertex_at(partition_.position_of(v));
-    return v;
+    return follow_levels(top, w);
   }
 
   // The complete search: the first path's levels with w in the place of the vertex of `top`, and with every
@@ -210,7 +154,7 @@ class AutomorphismSearch {
   // leading to v(i).
   int first_candidate(int i) {
     Level& level = levels_[i];
-    const int v = chain_end(end_, level.vertex);
+    const int v = closing_vertex(end_, partition_, level.vertex);
     level.preferred = partition_.cell_of(v) == level.cell ? v : partition_.vertex_at(level.cell);
     level.tries = 1;
     level.latest = -1;
@@ -226,18 +170,10 @@ class AutomorphismSearch {
       partition_.undo(level.splits);
       if (level.tries > level.length - level.orbit_length) continue;
       ++level.tries;
-      level.latest = next_candidate(level);
+      level.latest = partition_.next_member(level.cell, level.latest, level.preferred);
       if (level.latest >= 0) return {i, level.latest};
     }
     return {-1, -1};
-  }
-
-  int next_candidate(const Level& level) const {
-    int next = std::numeric_limits<int>::max();
-    for (const int v : partition_.members(level.cell)) {
-      if (v > level.latest && v != level.preferred) next = std::min(next, v);
-    }
-    return next == std::numeric_limits<int>::max() ? -1 : next;
   }
 
   PointVector<Level> levels_;
@@ -245,7 +181,7 @@ class AutomorphismSearch {
   OrderedPartition partition_;  // the right side
   Refiner refiner_;
   OrderedPartition end_;  // of the first path
-  LeftSide left_;
+  PairedDescent descent_;
   PartialImage partial_image_;
   AutomorphismCheck check_;
   UnionFind orbits_;  // of the generators found so far

@@ -13,6 +13,14 @@ OrderedPartition::OrderedPartition(int n)
   if (n > 0) length_[0] = n;
 }
 
+int OrderedPartition::next_member(int cell, int above, int except) const {
+  int next = -1;
+  for (const int v : members(cell)) {
+    if (v > above && v != except && (next < 0 || v < next)) next = v;
+  }
+  return next;
+}
+
 void OrderedPartition::move_within_cell(int v, int position) {
   const int other = vertices_[position];
   assert(cell_of_[other] == cell_of_[v]);

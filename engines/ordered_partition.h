@@ -42,6 +42,9 @@ class OrderedPartition {
     return {&vertices_[cell], static_cast<std::size_t>(length_[cell])};
   }
 
+  // The smallest member of the cell above `above` other than `except`; -1 for none. Cost: the cell's length.
+  int next_member(int cell, int above, int except) const;
+
   // Exchanges v with the vertex at a position of the same cell.
   void move_within_cell(int v, int position);
 

@@ -12,6 +12,11 @@ int cell_at(const OrderedPartition& partition, int position) {
 
 }  // namespace
 
+int closing_vertex(const OrderedPartition& left, const OrderedPartition& right, int v) {
+  while (right.length(right.cell_of(v)) == 1) v = left.vertex_at(right.position_of(v));
+  return v;
+}
+
 PartialImage::PartialImage(const ColouredGraph& graph)
     : graph_(graph), image_(graph.vertex_count(), -1), preimage_(graph.vertex_count(), -1) {}
 

@@ -25,6 +25,10 @@
 
 namespace symfold {
 
+// The end of the chain of pairs that leads to v, followed backwards: the vertex that v would go to were the
+// chain closed. v itself where no pair leads to it.
+int closing_vertex(const OrderedPartition& left, const OrderedPartition& right, int v);
+
 class PartialImage {
  public:
   // The graph must outlive this.
