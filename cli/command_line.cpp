@@ -1,0 +1,89 @@
+#include "cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <functional>
+#include <iostream>
+
+#include "cli/detect_command.h"
+#include "cli/exit_codes.h"
+#include "cli/label_command.h"
+#include "cli/show_command.h"
+#include "host/model_error.h"
+
+namespace symfold {
+namespace {
+
+// The subcommands with their options; `command` becomes the one that was chosen.
+struct Program {
+  explicit Program(const Streams& streams) {
+    app.require_subcommand(1);
+    app.set_version_flag("--version", SYMFOLD_VERSION);
+
+    CLI::App* detect_app = app.add_subcommand("detect", "Find the symmetries of a model");
+    detect_app->add_option("MODEL", detect.model, "Model file; - is standard input")->required();
+    detect_app->add_option("--const", detect.constants, "Replace a constant, for instance --const N=8")
+        ->allow_extra_args(false)
+        ->check([](const std::string& text) {
+          return text.find('=') == std::string::npos ? "expected NAME=VALUE, got " + text : std::string();
+        });
+    detect_app->add_option("-o,--output", detect.directory,
+                           "Run directory (default: the model's name, .symfold)");
+    detect_app->add_flag("--no-log", detect.no_log, "Do not write detection.log");
+    detect_app->add_flag("--json", detect.json, "Print the results as one JSON object");
+    detect_app->callback(
+        [this, streams] { command = [this, streams] { return run_detect(detect, streams); }; });
+
+    CLI::App* label_app = app.add_subcommand("label", "Map states to their canonical labels");
+    label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model")->required();
+    label_app->add_option("FILE", label.states, "States, one per line in hexadecimal; - is standard input");
+    CLI::Option* perm = label_app->add_flag(
+        "--perm", label.perm,
+        "Add to each label a permutation of the partitions that carries the state onto it");
+    label_app->add_flag("--raw", label.raw, "States and labels as bytes, without separators")->excludes(perm);
+    label_app->callback([this, streams] { command = [this, streams] { return run_label(label, streams); }; });
+
+    CLI::App* show_app = app.add_subcommand("show", "Print the tables of a permutation file");
+    show_app->add_option("PERMFILE", show.perm_file, "Permutation file of a model")->required();
+    show_app->add_flag("--json", show.json, "Print the tables as one JSON object");
+    show_app->callback([this, streams] { command = [this, streams] { return run_show(show, streams); }; });
+  }
+
+  CLI::App app{"symfold finds the symmetries of composed models and folds their state spaces", "symfold"};
+  DetectOptions detect;
+  LabelOptions label;
+  ShowOptions show;
+  std::function<int()> command;
+};
+
+int run_chosen(const std::function<int()>& command, const Streams& streams) {
+  try {
+    return command();
+  } catch (const ModelError& error) {
+    streams.err << error.what();
+    return kModelError;
+  } catch (const std::logic_error& error) {
+    streams.err << "symfold: internal error: " << error.what() << "\n";
+    return kInternalError;
+  } catch (const std::bad_alloc&) {
+    streams.err << "symfold: error: out of memory\n";
+    return kInternalError;
+  } catch (const std::exception& error) {
+    streams.err << "symfold: " << error.what() << "\n";
+    return kBadFile;
+  }
+}
+
+}  // namespace
+
+int run_command_line(int argc, const char* const* argv, const Streams& streams) {
+  Program program(streams);
+  try {
+    program.app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return program.app.exit(error, streams.out, streams.err) == 0 ? kOk : kUsage;
+  }
+  return run_chosen(program.command, streams);
+}
+
+}  // namespace symfold

@@ -1,0 +1,212 @@
+#include "cli/detect_command.h"
+
+#include <sys/resource.h>
+
+#include <boost/multiprecision/cpp_int.hpp>
+#include <chrono>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <utility>
+
+#include "cli/counted.h"
+#include "cli/exit_codes.h"
+#include "host/detection_log.h"
+#include "host/detection_run.h"
+#include "host/model_reader.h"
+#include "host/symmetry_names.h"
+
+namespace symfold {
+namespace {
+
+constexpr std::size_t kPrintedGenerators = 20;
+constexpr std::size_t kPrintedOrbits = 20;
+constexpr std::size_t kPrintedNames = 12;
+
+// The exact group order, in decimal.
+std::string group_order(const std::vector<int>& orbit_lengths) {
+  boost::multiprecision::cpp_int order = 1;
+  for (const int length : orbit_lengths) order *= length;
+  return order.str();
+}
+
+std::string hexadecimal(const std::vector<unsigned char>& bytes) {
+  std::ostringstream text;
+  for (const unsigned char byte : bytes) text << std::hex << std::setw(2) << std::setfill('0') << int{byte};
+  return text.str();
+}
+
+std::string duration(double seconds) {
+  std::ostringstream text;
+  text << std::fixed;
+  if (seconds < 1) {
+    text << std::setprecision(1) << seconds * 1000 << " ms";
+  } else {
+    text << std::setprecision(2) << seconds << " s";
+  }
+  return text.str();
+}
+
+// What there is to tell about a run, in the order in which it is told.
+struct Report {
+  std::string model;
+  std::string directory;
+  std::size_t submodels, joins, nodes, edges, colours;
+  std::size_t generator_count;
+  std::vector<std::string> generators;  // the first ones
+  std::string order;
+  NamedOrbits orbits;
+  std::size_t state_bytes, partitions;
+  std::string initial_state, initial_label;  // hexadecimal
+  std::string unsound_reason;
+  std::vector<DetectionPhase> phases;
+  long peak_bytes;
+};
+
+std::string label_of(SymmetryDetection& detector, std::vector<unsigned char> state) {
+  std::vector<unsigned char> label(state.size());
+  const DetectionLog silent("");
+  detector.num_partitions = static_cast<int>(detector.PartitionInfo.size());
+  detector.Initialize();
+  detector.ConvertSTLToStatic();
+  detector.FindCanonicalLabel(state.data(), label.data(), nullptr);
+  detector.Cleanup();
+  detector.CleanStaticMembers();
+  return hexadecimal(label);
+}
+
+long peak_memory() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss * 1024L;
+}
+
+Report make_report(const ComposedModel& model, DetectionRun& run) {
+  SymmetryDetection& detector = run.detector();
+  Report report{};
+  report.submodels = model.submodels.size();
+  report.joins = model.joins.size();
+  report.nodes = detector.GraphNodes.size();
+  report.edges = detector.GraphEdges.size();
+  report.colours = count_colours(detector);
+  for (const Permutation& generator : detector.OrigPermutations) {
+    if (generator.IsIdentity()) continue;
+    if (report.generator_count++ < kPrintedGenerators) {
+      report.generators.push_back(named_cycles(detector, generator));
+    }
+  }
+  report.order = group_order(detector.SGSOrbitLengths);
+  report.orbits = find_orbits(detector);
+  report.state_bytes = static_cast<std::size_t>(detector.DetermineTotalStateSize());
+  report.partitions = detector.PartitionInfo.size();
+  report.unsound_reason = run.unsound_reason();
+  if (run.is_sound()) {
+    const std::vector<unsigned char> state = run.initial_state(model);
+    report.initial_state = hexadecimal(state);
+    report.initial_label = label_of(detector, state);
+  }
+  report.phases = run.phases();
+  report.peak_bytes = peak_memory();
+  return report;
+}
+
+void print_orbits(std::ostream& out, const char* kind, const std::vector<std::vector<std::string>>& orbits) {
+  out << "orbits of " << kind << "  " << orbits.size() << "\n";
+  for (std::size_t i = 0; i < std::min(orbits.size(), kPrintedOrbits); ++i) {
+    out << " ";
+    for (std::size_t j = 0; j < std::min(orbits[i].size(), kPrintedNames); ++j) out << " " << orbits[i][j];
+    if (orbits[i].size() > kPrintedNames) out << " ... (" << orbits[i].size() << ")";
+    out << "\n";
+  }
+  if (orbits.size() > kPrintedOrbits) out << "  ... and " << orbits.size() - kPrintedOrbits << " more\n";
+}
+
+void print_report(std::ostream& out, const Report& report) {
+  out << report.model << ": " << counted(report.submodels, "submodel") << ", "
+      << counted(report.joins, "join") << "\ngraph  " << counted(report.nodes, "node") << ", "
+      << counted(report.edges, "edge") << ", " << counted(report.colours, "colour") << "\n"
+      << "group order  " << report.order << "\n"
+      << "generators  " << report.generator_count << "\n";
+  for (const std::string& generator : report.generators) out << "  " << generator << "\n";
+  if (report.generator_count > report.generators.size()) {
+    out << "  ... and " << report.generator_count - report.generators.size() << " more\n";
+  }
+  print_orbits(out, "submodels", report.orbits.submodels);
+  print_orbits(out, "joins", report.orbits.joins);
+  out << "state  " << counted(report.state_bytes, "byte") << " in " << counted(report.partitions, "partition")
+      << "\n";
+  if (report.unsound_reason.empty()) {
+    out << "  initial  " << report.initial_state << "\n"
+        << "  label    " << report.initial_label << "\n"
+        << "check  passed: every permutation keeps the partitions' sizes and the joins' variables\n";
+  } else {
+    out << "check  FAILED: " << report.unsound_reason << "\n";
+  }
+  out << "time ";
+  for (const DetectionPhase& phase : report.phases)
+    out << " " << phase.name << " " << duration(phase.seconds) << ",";
+  out << " peak memory " << report.peak_bytes / (1 << 20) << " MiB\n"
+      << "files  " << report.directory << "\n";
+}
+
+void print_json(std::ostream& out, const Report& report) {
+  nlohmann::ordered_json json;
+  json["model"] = report.model;
+  json["submodels"] = report.submodels;
+  json["joins"] = report.joins;
+  json["graph"] = {{"nodes", report.nodes}, {"edges", report.edges}, {"colours", report.colours}};
+  json["group_order"] = report.order;
+  json["generator_count"] = report.generator_count;
+  json["generators"] = report.generators;
+  json["orbits"] = {{"submodels", report.orbits.submodels}, {"joins", report.orbits.joins}};
+  json["state_bytes"] = report.state_bytes;
+  json["partitions"] = report.partitions;
+  json["initial_state"] = report.initial_state;
+  json["initial_label"] = report.initial_label;
+  json["is_sound"] = report.unsound_reason.empty();
+  json["unsound_reason"] = report.unsound_reason;
+  for (const DetectionPhase& phase : report.phases) json["seconds"][phase.name] = phase.seconds;
+  json["peak_memory_bytes"] = report.peak_bytes;
+  json["directory"] = report.directory;
+  out << json.dump(2) << "\n";
+}
+
+std::vector<ConstOverride> as_overrides(const std::vector<std::string>& constants) {
+  std::vector<ConstOverride> overrides;
+  for (const std::string& text : constants) {
+    const auto equals = text.find('=');
+    overrides.push_back({text.substr(0, equals), text.substr(equals + 1)});
+  }
+  return overrides;
+}
+
+std::string default_directory(const std::string& model) {
+  return (model == "-" ? "model" : std::filesystem::path(model).stem().string()) + ".symfold";
+}
+
+}  // namespace
+
+int run_detect(const DetectOptions& options, const Streams& streams) {
+  const auto start = std::chrono::steady_clock::now();
+  const std::vector<ConstOverride> constants = as_overrides(options.constants);
+  const ComposedModel model = options.model == "-" ? read_model(streams.in, "standard input", constants)
+                                                   : read_model(options.model, constants);
+  const std::chrono::duration<double> reading = std::chrono::steady_clock::now() - start;
+  const std::string directory =
+      options.directory.empty() ? default_directory(options.model) : options.directory;
+  DetectionRun run(model, directory, !options.no_log);
+  Report report = make_report(model, run);
+  report.model = options.model;
+  report.directory = directory;
+  report.phases.insert(report.phases.begin(), {"read", reading.count()});
+  if (options.json) {
+    print_json(streams.out, report);
+  } else {
+    print_report(streams.out, report);
+  }
+  return run.is_sound() ? kOk : kCheckFailed;
+}
+
+}  // namespace symfold

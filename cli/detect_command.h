@@ -1,0 +1,27 @@
+// symfold detect: the symmetries of a model file.
+
+#ifndef SYMFOLD_CLI_DETECT_COMMAND_H
+#define SYMFOLD_CLI_DETECT_COMMAND_H
+
+#include <string>
+#include <vector>
+
+#include "cli/streams.h"
+
+namespace symfold {
+
+struct DetectOptions {
+  std::string model;                   // "-" is standard input
+  std::vector<std::string> constants;  // each NAME=VALUE
+  std::string directory;               // empty: named after the model
+  bool no_log = false;
+  bool json = false;
+};
+
+// Runs the whole detection in the run directory and prints what it found. kCheckFailed when the symmetries
+// found cannot be trusted for folding.
+int run_detect(const DetectOptions& options, const Streams& streams);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_CLI_DETECT_COMMAND_H

@@ -1,0 +1,150 @@
+#include "cli/label_command.h"
+
+#include <fstream>
+#include <iostream>
+#include <string_view>
+#include <vector>
+
+#include "cli/exit_codes.h"
+#include "host/state_labeller.h"
+
+namespace symfold {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+// The value of a hexadecimal digit, or -1.
+int digit_value(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// Reads a state. Empty text, or what is wrong with the line.
+std::string parse_state(std::string_view line, Bytes& state) {
+  if (line.size() != 2 * state.size()) {
+    return "expected " + std::to_string(2 * state.size()) + " hexadecimal digits, got " +
+           (line.size() > 2 * state.size() ? "more" : std::to_string(line.size()));
+  }
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const int digit = digit_value(line[i]);
+    if (digit < 0) return "column " + std::to_string(i + 1) + ": expected a hexadecimal digit";
+    unsigned char& byte = state[i / 2];
+    byte = static_cast<unsigned char>(i % 2 == 0 ? digit << 4 : byte | digit);
+  }
+  return "";
+}
+
+void print_hexadecimal(std::ostream& out, const Bytes& bytes, std::string& text) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  text.clear();
+  for (const unsigned char byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  out << text;
+}
+
+// Reads a line without its end, of which at most `longest` characters are kept. A carriage return before the
+// end belongs to it. False at the end of the input.
+bool read_line(std::istream& in, std::size_t longest, std::string& line) {
+  line.clear();
+  std::streambuf& buffer = *in.rdbuf();
+  int c = buffer.sbumpc();
+  if (c == std::char_traits<char>::eof()) return false;
+  for (; c != '\n' && c != std::char_traits<char>::eof(); c = buffer.sbumpc()) {
+    if (line.size() < longest) line += static_cast<char>(c);
+  }
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return true;
+}
+
+class LabelRun {
+ public:
+  LabelRun(const LabelOptions& options, const Streams& streams, const std::string& source)
+      : options_(options),
+        streams_(streams),
+        source_(source),
+        labeller_(options.perm_file),
+        state_(static_cast<std::size_t>(labeller_.state_size())),
+        label_(state_.size()) {}
+
+  int label_lines(std::istream& in) {
+    int code = kOk;
+    std::string line;
+    for (long number = 1; read_line(in, 2 * state_.size() + 2, line); ++number) {
+      const std::string fault = parse_state(line, state_);
+      if (fault.empty()) {
+        label_state();
+        continue;
+      }
+      streams_.err << source_ << ":" << number << ": error: " << fault << "\n";
+      code = kCheckFailed;
+    }
+    return code;
+  }
+
+  int label_records(std::istream& in) {
+    const auto size = static_cast<std::streamsize>(state_.size());
+    if (size == 0) {
+      streams_.err << options_.perm_file << ": error: states of no bytes have no records\n";
+      return kBadFile;
+    }
+    for (long number = 1; in.read(reinterpret_cast<char*>(state_.data()), size) || in.gcount() != 0;
+         ++number) {
+      if (in.gcount() != size) {
+        streams_.err << source_ << ": error: record " << number << ": expected " << size << " bytes, got "
+                     << in.gcount() << "\n";
+        return kCheckFailed;
+      }
+      labeller_.label(state_.data(), label_.data());
+      streams_.out.write(reinterpret_cast<const char*>(label_.data()), size);
+    }
+    return kOk;
+  }
+
+ private:
+  void label_state() {
+    labeller_.label(state_.data(), label_.data());
+    print_hexadecimal(streams_.out, label_, text_);
+    if (options_.perm) {
+      const std::vector<short>& witness = labeller_.checked_witness(state_.data(), label_.data());
+      const std::vector<int> images(witness.begin(), witness.end());
+      streams_.out << "\t" << Permutation(static_cast<int>(images.size()), images.data());
+    }
+    streams_.out << "\n";
+  }
+
+  const LabelOptions& options_;
+  const Streams& streams_;
+  std::string source_;
+  StateLabeller labeller_;
+  Bytes state_;
+  Bytes label_;
+  std::string text_;
+};
+
+}  // namespace
+
+int run_label(const LabelOptions& options, const Streams& streams) {
+  const bool is_standard_input = options.states == "-";
+  LabelRun run(options, streams, is_standard_input ? "standard input" : options.states);
+  std::ifstream file;
+  if (!is_standard_input) {
+    file.open(options.states, std::ios::binary);
+    if (!file || (file.peek() == std::ifstream::traits_type::eof() && !file.eof())) {
+      streams.err << options.states << ": error: cannot be read\n";
+      return kBadFile;
+    }
+    file.clear();
+  }
+  std::istream& in = is_standard_input ? streams.in : file;
+  const int code = options.raw ? run.label_records(in) : run.label_lines(in);
+  streams.out.flush();
+  if (streams.out) return code;
+  streams.err << "symfold: error: cannot write the labels\n";
+  return kBadFile;
+}
+
+}  // namespace symfold

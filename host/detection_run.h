@@ -1,0 +1,56 @@
+// The whole detection of a composed model, in a directory of its own.
+
+#ifndef SYMFOLD_HOST_DETECTION_RUN_H
+#define SYMFOLD_HOST_DETECTION_RUN_H
+
+#include <string>
+#include <vector>
+
+#include "detector/symmetry_detection.h"
+#include "host/composed_model.h"
+#include "host/wrapper_model.h"
+
+namespace symfold {
+
+struct DetectionPhase {
+  std::string name;
+  double seconds;
+};
+
+// Runs detection and leaves the files types, model_comp_graph, mcg.viz, permutations and, if wanted,
+// detection.log. States are laid out in graph-node order, so that base order and byte order agree. The
+// process works in the run directory while the constructor runs.
+class DetectionRun {
+ public:
+  // Throws ModelError for a model of too many partitions, std::runtime_error where the directory or a file in
+  // it cannot be written.
+  DetectionRun(const ComposedModel& model, const std::string& directory, bool writes_log);
+
+  // The detector with its final tables; the search buffers are not allocated yet.
+  SymmetryDetection& detector() { return detector_; }
+  const SymmetryDetection& detector() const { return detector_; }
+
+  // Whether the tables can be trusted for folding, and if not, why. The permutation file is written only if
+  // so.
+  bool is_sound() const { return unsound_reason_.empty(); }
+  const std::string& unsound_reason() const { return unsound_reason_; }
+
+  const std::vector<DetectionPhase>& phases() const { return phases_; }
+
+  // The initial state of the model, DetermineTotalStateSize() bytes.
+  std::vector<unsigned char> initial_state(const ComposedModel& model) const;
+
+ private:
+  void make_tables(const ComposedModel& model);
+  template <class Step>
+  void timed(const char* name, Step step);
+
+  WrapperModel records_;
+  SymmetryDetection detector_;
+  std::string unsound_reason_;
+  std::vector<DetectionPhase> phases_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_DETECTION_RUN_H

@@ -1,0 +1,206 @@
+// The command from the outside: arguments and input in; exit code, results and messages out.
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <random>
+#include <sstream>
+
+#include "cli/command_line.h"
+#include "cli/exit_codes.h"
+#include "tests/detector/support.h"
+
+namespace symfold {
+namespace {
+
+struct Outcome {
+  int code;
+  std::string out, err;
+};
+
+Outcome run(std::vector<std::string> arguments, const std::string& input = "") {
+  std::vector<const char*> argv = {"symfold"};
+  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+  std::istringstream in(input);
+  std::ostringstream out, err;
+  const int code = run_command_line(static_cast<int>(argv.size()), argv.data(), {in, out, err});
+  return {code, out.str(), err.str()};
+}
+
+const std::string kExamples = SYMFOLD_EXAMPLES;
+
+nlohmann::json detect(const std::string& example, const std::vector<std::string>& constants) {
+  std::vector<std::string> arguments = {"detect", kExamples + "/" + example + ".sym", "--json", "-o", "run"};
+  for (const std::string& constant : constants) arguments.insert(arguments.end(), {"--const", constant});
+  const Outcome outcome = run(arguments);
+  EXPECT_EQ(outcome.code, kOk) << example << outcome.err;
+  return nlohmann::json::parse(outcome.out);
+}
+
+// Every example has the group that its first comment tells.
+TEST(Examples, HaveTheirGroupOrders) {
+  const struct {
+    const char* name;
+    std::vector<std::string> constants;
+    const char* order;
+  } cases[] = {
+      {"philosophers", {}, "5"},
+      {"philosophers", {"N=3"}, "3"},
+      {"philosophers", {"N=40"}, "40"},
+      {"star", {"N=1"}, "1"},
+      {"star", {"N=6"}, "720"},
+      {"star", {"N=30"}, "265252859812191058636308480000000"},
+      {"wreath", {"M=2", "K=3"}, "72"},
+      {"wreath", {"M=4", "K=2"}, "384"},
+      {"wreath", {"M=3", "K=5"}, "10368000"},
+      {"torus", {"W=3", "H=3"}, "9"},
+      {"torus", {"W=4", "H=6"}, "24"},
+      {"hypercube", {"d=1"}, "2"},
+      {"hypercube", {"d=3"}, "8"},
+      {"hypercube", {"d=5"}, "32"},
+      {"tandem", {}, "1"},
+      {"clients_servers", {"K=3", "M=2"}, "12"},
+      {"clients_servers", {"K=4", "M=5"}, "2880"},
+      {"arms", {"N=3"}, "6"},
+      {"arms", {"N=8"}, "16"},
+      {"complete", {"K=3"}, "6"},
+      {"complete", {"K=6"}, "720"},
+      {"two_speeds", {"N=7"}, "144"},
+  };
+  for (const auto& c : cases) {
+    const TempDir dir;
+    const nlohmann::json result = detect(c.name, c.constants);
+    EXPECT_EQ(result["group_order"], c.order) << c.name << " " << ::testing::PrintToString(c.constants);
+    EXPECT_TRUE(result["is_sound"]) << result["unsound_reason"];
+    for (const char* file : {"types", "model_comp_graph", "mcg.viz", "detection.log", "permutations"}) {
+      EXPECT_TRUE(std::filesystem::exists(std::string("run/") + file)) << file;
+    }
+  }
+}
+
+TEST(Detect, TellsWhatAPersonWantsToKnow) {
+  const TempDir dir;
+  const Outcome outcome = run({"detect", kExamples + "/philosophers.sym", "--const", "N=3", "--no-log"});
+  EXPECT_EQ(outcome.code, kOk);
+  EXPECT_EQ(outcome.err, "");
+  const std::string expected =
+      kExamples +
+      "/philosophers.sym: 3 submodels, 3 joins\n"
+      "graph  12 nodes, 12 edges, 4 colours\n"
+      "group order  3\n"
+      "generators  1\n"
+      "  (phil_0 phil_1 phil_2)(fork_0 fork_1 fork_2)\n"
+      "orbits of submodels  1\n  phil_0 phil_1 phil_2\n"
+      "orbits of joins  1\n  fork_0 fork_1 fork_2\n"
+      "state  12 bytes in 6 partitions\n"
+      "  initial  000000000000010001000100\n"
+      "  label    000000000000010001000100\n"
+      "check  passed: every permutation keeps the partitions' sizes and the joins' variables\n"
+      "time ";
+  EXPECT_EQ(outcome.out.substr(0, expected.size()), expected);
+  EXPECT_NE(outcome.out.find("\nfiles  philosophers.symfold\n"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists("philosophers.symfold/detection.log"));
+  EXPECT_EQ(read_file("philosophers.symfold/types"),
+            "3\nphil_0 Philosopher\nphil_1 Philosopher\nphil_2 Philosopher\n");
+}
+
+TEST(Detect, ReadsStandardInputAndReportsModelErrors) {
+  const TempDir dir;
+  EXPECT_EQ(run({"detect", "-"}, "type T { private x : bool; }\nsystem S { t : T; }\n").code, kOk);
+  EXPECT_TRUE(std::filesystem::exists("model.symfold/permutations"));
+  const Outcome bad = run({"detect", "-"}, "type T { private x : bool; }\nsystem S { t : U; }\n");
+  EXPECT_EQ(bad.code, kModelError);
+  EXPECT_EQ(bad.out, "");
+  EXPECT_NE(bad.err.find(":2:16: error: "), std::string::npos) << bad.err;
+  EXPECT_EQ(run({"detect", "missing.sym"}).code, kModelError);
+  write_file("file", "");
+  const Outcome unwritable = run({"detect", kExamples + "/star.sym", "-o", "file"});
+  EXPECT_EQ(unwritable.code, kBadFile);
+  EXPECT_NE(unwritable.err.find("file"), std::string::npos);
+}
+
+TEST(CommandLine, RefusesWrongUse) {
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{},
+                                             {"fold"},
+                                             {"label"},
+                                             {"show", "a", "b"},
+                                             {"label", "p", "--raw", "--perm"},
+                                             {"detect", "-", "--const", "N"}}) {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.code, kUsage) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err, "");
+  }
+  EXPECT_EQ(run({"--help"}).code, kOk);
+  EXPECT_EQ(run({"label", "no-such-file"}).err,
+            "symfold: no-such-file: error: cannot be read: No such file or directory\n");
+  EXPECT_EQ(run({"show", "no-such-file"}).code, kBadFile);
+}
+
+// Three partitions of one byte; the rotation brings each to the first place.
+const char* const kRotation = "3\n1 1 1 \n0 1 2 \n1\n0\n2\n1\n1\n2 0 1 \n2\n1\n1 2 0 \n";
+
+TEST(Label, ReportsWrongLinesAndGoesOn) {
+  const TempDir dir;
+  write_file("p", kRotation);
+  const Outcome outcome = run({"label", "p", "--perm"}, "0001Ff\n00\n\n01020304\n00010g\r\n010203\r\n030201");
+  EXPECT_EQ(outcome.code, kCheckFailed);
+  EXPECT_EQ(outcome.out, "ff0001\t(0 1 2)\n030102\t(0 1 2)\n030201\t()\n");
+  EXPECT_EQ(outcome.err,
+            "standard input:2: error: expected 6 hexadecimal digits, got 2\n"
+            "standard input:3: error: expected 6 hexadecimal digits, got 0\n"
+            "standard input:4: error: expected 6 hexadecimal digits, got more\n"
+            "standard input:5: error: column 6: expected a hexadecimal digit\n");
+  write_file("states", "010203\n");
+  EXPECT_EQ(run({"label", "p", "states"}).out, "030102\n");
+  EXPECT_EQ(run({"label", "p", "nowhere"}).err, "nowhere: error: cannot be read\n");
+  EXPECT_EQ(run({"label", "p", "."}).code, kBadFile);
+  EXPECT_EQ(run({"label", "p"}, std::string(1 << 20, '0')).code, kCheckFailed);
+}
+
+TEST(Label, TakesRawRecords) {
+  const TempDir dir;
+  write_file("p", kRotation);
+  EXPECT_EQ(run({"label", "p", "--raw"}, "abcxyzbca").out, "cabzxycab");
+  const Outcome cut = run({"label", "p", "--raw"}, "abcxy");
+  EXPECT_EQ(cut.code, kCheckFailed);
+  EXPECT_EQ(cut.out, "cab");
+  EXPECT_EQ(cut.err, "standard input: error: record 2: expected 3 bytes, got 2\n");
+}
+
+// States of a detected model, through the files: a label is a fixed point, and so is each equivalent state's.
+TEST(Label, LabelsTheStatesOfADetectedModel) {
+  const TempDir dir;
+  detect("philosophers", {"N=7"});
+  std::mt19937 random(3);
+  std::string states, rotated;
+  for (int i = 0; i < 50; ++i) {
+    std::string phils, forks;
+    for (int p = 0; p < 7; ++p) {
+      phils += "0" + std::to_string(random() % 4) + "00";
+      forks += "0" + std::to_string(random() % 2) + "00";
+    }
+    states += phils + forks + "\n";
+    rotated += phils.substr(4) + phils.substr(0, 4) + forks.substr(4) + forks.substr(0, 4) + "\n";
+  }
+  const std::string labels = run({"label", "run/permutations"}, states).out;
+  EXPECT_EQ(run({"label", "run/permutations"}, rotated).out, labels);
+  EXPECT_EQ(run({"label", "run/permutations"}, labels).out, labels);
+  EXPECT_EQ(run({"label", "run/permutations", "--perm"}, states).code, kOk);
+}
+
+TEST(Show, PrintsTheTables) {
+  const TempDir dir;
+  write_file("p", kRotation);
+  EXPECT_EQ(run({"show", "p"}).out,
+            "3 partitions, 3 bytes per state, 1 base\n\n"
+            "partition  offset  bytes\n        0       0      1\n        1       1      1\n"
+            "        2       2      1\n\nbase 0: 2 other points in its orbit\n"
+            "  from 1 by (0 2 1)\n  from 2 by (0 1 2)\n");
+  const nlohmann::json json = nlohmann::json::parse(run({"show", "p", "--json"}).out);
+  EXPECT_EQ(json["bases"][0]["records"][1]["permutations"][0], "(0 1 2)");
+}
+
+}  // namespace
+}  // namespace symfold
