@@ -40,8 +40,10 @@ bool Permutation::IsIdentity() const {
 }
 
 // The whole text is put together before it is written: tables of thousands of permutations are printed, and a
-// stream's formatted output costs more than the digits. Images that are no points end their cycle.
+// stream's formatted output costs more than the digits. None is made for a stream that takes nothing (a host
+// may have given it no buffer). Images that are no points end their cycle.
 std::ostream& operator<<(std::ostream& out, const Permutation& permutation) {
+  if (!out) return out;
   std::string text;
   std::vector<bool> written(static_cast<std::size_t>(std::max(permutation.n, 0)), false);
   for (int start = 0; start < permutation.n; ++start) {

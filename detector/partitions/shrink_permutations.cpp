@@ -61,8 +61,7 @@ class Shrinker {
       if ((*this)[image] != -1) kept_.push_back((*this)[image]);
     }
     if (kept_.size() != partition_count_) return false;
-    const std::string images = blank_separated(kept_);
-    std::cout << "   " << images << std::endl << "   " << images << std::endl << "=============" << std::endl;
+    if (std::cout) print_kept();
     permutation = Permutation(static_cast<int>(kept_.size()), kept_.data());
     return true;
   }
@@ -80,6 +79,12 @@ class Shrinker {
   }
 
  private:
+  // The kept images and the new permutation, which are the same numbers.
+  void print_kept() const {
+    const std::string images = blank_separated(kept_);
+    std::cout << "   " << images << std::endl << "   " << images << std::endl << "=============" << std::endl;
+  }
+
   std::vector<int> map_;
   std::size_t partition_count_;
   std::vector<int> kept_;
