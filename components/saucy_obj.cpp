@@ -51,7 +51,7 @@ void saucy_obj::saucy_search(saucy_struct* state) {
   if (state == nullptr) return;
   const int n = state->graph.vertex_count();
   const std::size_t limit = n == 0 ? 0 : kMostImages / static_cast<std::size_t>(n);
-  AutomorphismGroup group = find_automorphisms(state->graph, limit);
+  AutomorphismGroup group = find_automorphisms(state->graph, {.generators = limit});
   if (!group.is_complete) {
     std::cerr << state->file_name << ": expected at most " << limit << " generators for " << n
               << " vertices, got more" << std::endl;

@@ -33,6 +33,7 @@ void SchreierSims::SetKnownOrder(std::vector<int> orbit_lengths) {
 
 std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::vector<int>& base) {
   std::vector<SparsePermutation> generators;
+  generators.reserve(gens.size());
   for (const Permutation& permutation : gens) generators.push_back(sparse(permutation, n_));
   gens.clear();
   StabiliserChain chain = build_stabiliser_chain(n_, std::move(generators), known_lengths_);

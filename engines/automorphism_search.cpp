@@ -31,7 +31,7 @@ struct Level {
 
 class AutomorphismSearch {
  public:
-  AutomorphismSearch(const ColouredGraph& graph, std::size_t generator_limit)
+  AutomorphismSearch(const ColouredGraph& graph, const SearchLimits& limits)
       : partition_(graph.vertex_count()),
         refiner_(graph, partition_),
         end_(follow_first_path()),
@@ -39,7 +39,7 @@ class AutomorphismSearch {
         partial_image_(graph),
         check_(graph),
         orbits_(graph.vertex_count()),
-        generator_limit_(generator_limit) {}
+        limits_(limits) {}
 
   AutomorphismGroup run() {
     for (int i = levels_.size() - 1; i >= 0 && group_.is_complete; --i) {
@@ -80,7 +80,7 @@ class AutomorphismSearch {
       const int v = end_.vertex_at(position);
       if (orbits_.find(v) == orbits_.find(level.vertex) || orbits_.mark_of_class(v) == failed) continue;
       if (!find_image(i, orbits_.largest_of_class(v))) orbits_.mark_class(v, failed);
-      if (group_.generators.size() > generator_limit_) {
+      if (group_.generators.size() > limits_.generators) {
         group_.is_complete = false;
         break;
       }
@@ -99,7 +99,7 @@ class AutomorphismSearch {
     };
     if (attempt(true)) return true;
     if (levels_.size() == top + 1) return false;
-    switch (descent_.run(levels_[top].splits, attempt)) {
+    switch (descent_.run(levels_[top].splits, limits_.descent_failures, attempt)) {
       case PairedDescent::Answer::kFound:
         return true;
       case PairedDescent::Answer::kNone:
@@ -186,15 +186,15 @@ class AutomorphismSearch {
   AutomorphismCheck check_;
   UnionFind orbits_;  // of the generators found so far
   AutomorphismGroup group_;
-  std::size_t generator_limit_;
+  SearchLimits limits_;
   SparsePermutation moves_;  // the current guess
   int next_attempt_ = 0;     // number of splits
 };
 
 }  // namespace
 
-AutomorphismGroup find_automorphisms(const ColouredGraph& graph, std::size_t generator_limit) {
-  return AutomorphismSearch(graph, generator_limit).run();
+AutomorphismGroup find_automorphisms(const ColouredGraph& graph, const SearchLimits& limits) {
+  return AutomorphismSearch(graph, limits).run();
 }
 
 }  // namespace symfold

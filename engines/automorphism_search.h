@@ -48,9 +48,13 @@ struct AutomorphismGroup {
   bool is_complete = true;         // false: the search stopped at the generator limit
 };
 
-// More generators than the limit end the search.
-AutomorphismGroup find_automorphisms(const ColouredGraph& graph,
-                                     std::size_t generator_limit = std::numeric_limits<std::size_t>::max());
+struct SearchLimits {
+  std::size_t generators = std::numeric_limits<std::size_t>::max();  // more of them end the search
+  int descent_failures =
+      10'000;  // more of them in a paired descent leave its question open; 0 forbids descents
+};
+
+AutomorphismGroup find_automorphisms(const ColouredGraph& graph, const SearchLimits& limits = {});
 
 }  // namespace symfold
 

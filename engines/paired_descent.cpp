@@ -17,8 +17,9 @@ void PairedDescent::return_to(int splits, int vertex) {
   level_splits_ = left_.split_count();
 }
 
-PairedDescent::Answer PairedDescent::run(int first_split, const std::function<bool(bool is_last)>& attempt) {
-  constexpr int kMostFailures = 10'000;
+PairedDescent::Answer PairedDescent::run(int first_split, int most_failures,
+                                         const std::function<bool(bool is_last)>& attempt) {
+  if (most_failures == 0) return Answer::kOpen;
   left_.undo(level_splits_);
   trace_.clear();
   steps_.clear();
@@ -33,7 +34,7 @@ PairedDescent::Answer PairedDescent::run(int first_split, const std::function<bo
     while (!is_alike) {
       const int candidate = next_candidate();
       if (candidate < 0) return Answer::kNone;
-      if (++failures > kMostFailures) return Answer::kOpen;
+      if (++failures > most_failures) return Answer::kOpen;
       is_alike = compare(steps_.back(), candidate);
     }
     if (attempt(false)) return Answer::kFound;

@@ -39,8 +39,9 @@ class PairedDescent {
 
   // From the node where w has been individualised on the right, which had first_split splits before.
   // `attempt` tries to read an automorphism off the two sides, as it thinks fit or, at the end, in any case.
-  // kOpen: no cell differs and yet there is none, or refinement has failed often; nothing is proved.
-  Answer run(int first_split, const std::function<bool(bool is_last)>& attempt);
+  // kOpen: no cell differs and yet there is none, or refinement has failed more than so often; nothing is
+  // proved.
+  Answer run(int first_split, int most_failures, const std::function<bool(bool is_last)>& attempt);
 
  private:
   struct Step {

@@ -27,6 +27,7 @@ Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
 void Refiner::refine_by_colour() {
   const int n = graph_.vertex_count();
   std::vector<std::pair<std::pair<int, int>, int>> order;
+  order.reserve(static_cast<std::size_t>(n));
   for (int v = 0; v < n; ++v) order.push_back({{graph_.colour(v), graph_.loops(v)}, v});
   std::sort(order.begin(), order.end());
   PointVector<int> starts;

@@ -178,10 +178,10 @@ class RandomElements {
   std::mt19937_64 random_{20'03};
 };
 
-void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std::vector<int>& known_lengths) {
-  constexpr int kQuietSifts = 20;
+void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std::vector<int>& known_lengths,
+          int quiet_sifts) {
   RandomElements random(generators);
-  for (int quiet = 0; quiet < kQuietSifts; ++quiet) {
+  for (int quiet = 0; quiet < quiet_sifts; ++quiet) {
     if (!chain.absorb(random.next())) continue;
     quiet = -1;
     if (chain.orbit_lengths() == known_lengths) return;
@@ -192,7 +192,7 @@ void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std:
 
 // Works on the moved points alone, renumbered in their order.
 std::vector<SparsePermutation> strong_generators(int n, const std::vector<SparsePermutation>& generators,
-                                                 const std::vector<int>& known_lengths) {
+                                                 const std::vector<int>& known_lengths, int quiet_sifts) {
   PointVector<int> number(n, 0);
   for (const SparsePermutation& moves : generators) {
     for (const PointMove move : moves) number[move.point] = 1;
@@ -212,7 +212,7 @@ std::vector<SparsePermutation> strong_generators(int n, const std::vector<Sparse
   }
   ChainBuilder chain(points.size());
   for (const Images& images : dense) chain.absorb(images);
-  if (chain.orbit_lengths() != known_lengths) fill(chain, dense, known_lengths);
+  if (chain.orbit_lengths() != known_lengths) fill(chain, dense, known_lengths, quiet_sifts);
   if (chain.orbit_lengths() != known_lengths) chain.verify();
 
   std::vector<SparsePermutation> strong;

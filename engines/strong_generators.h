@@ -29,7 +29,7 @@ namespace symfold {
 // n-1 generate. Orbit lengths known from elsewhere, where given, end the work as soon as they are reached;
 // lengths that never are have no effect.
 std::vector<SparsePermutation> strong_generators(int n, const std::vector<SparsePermutation>& generators,
-                                                 const std::vector<int>& known_lengths);
+                                                 const std::vector<int>& known_lengths, int quiet_sifts = 20);
 
 }  // namespace symfold
 

@@ -120,6 +120,9 @@ void expect_automorphisms(const oracle::Graph& graph) {
   const std::vector<oracle::Images> generators = images_of(graph.n, found.generators);
   EXPECT_EQ(oracle::closure(graph.n, generators), group);
   expect_strong(group, graph.n, generators, found.base, found.orbit_lengths);
+  const AutomorphismGroup followed = find_automorphisms(graph_of(graph), {.descent_failures = 0});
+  expect_strong(group, graph.n, images_of(graph.n, followed.generators), followed.base,
+                followed.orbit_lengths);
   expect_chain_and_trees(group, graph.n, generators);
 }
 

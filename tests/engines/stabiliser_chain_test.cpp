@@ -8,6 +8,8 @@
 
 #include "components/schreier_sims.h"
 #include "components/schreier_tree.h"
+#include "engines/stabiliser_chain.h"
+#include "engines/strong_generators.h"
 #include "tests/engines/group_checks.h"
 
 namespace symfold {
@@ -58,6 +60,28 @@ TEST(SchreierSims, FindsTheOrdersOfWellKnownGroups) {
   EXPECT_EQ(lengths_of(12, {twelve, cycle_of(12, {{0, 1}})}),
             (std::vector<int>{12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2}));
   EXPECT_EQ(lengths_of(30, {cycle_of(30, {{4, 9, 20}, {7, 8}})}), (std::vector<int>{3, 2}));
+}
+
+// Without random elements, so that every missing generator is found as a Schreier generator.
+TEST(StrongGenerators, AreCompletedByVerificationAlone) {
+  for (unsigned seed = 0; seed < 300 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    std::vector<Images> generators(1 + seed % 3, cycle_of(7, {}));
+    std::vector<SparsePermutation> sparse;
+    for (Images& images : generators) {
+      std::shuffle(images.begin(), images.end(), random);
+      SparsePermutation& moves = sparse.emplace_back();
+      for (int i = 0; i < 7; ++i) {
+        if (images[static_cast<std::size_t>(i)] != i)
+          moves.push_back({i, images[static_cast<std::size_t>(i)]});
+      }
+    }
+    const StabiliserChain chain = read_chain(7, strong_generators(7, sparse, {}, 0));
+    const double order =
+        std::accumulate(chain.orbit_lengths.begin(), chain.orbit_lengths.end(), 1.0, std::multiplies<>());
+    EXPECT_EQ(order, static_cast<double>(oracle::closure(7, generators).size()));
+  }
 }
 
 TEST(SchreierSims, LeavesOutWhatIsNoPermutationOfItsPoints) {
