@@ -46,7 +46,7 @@ void SymmetryDetection::PrintStaticMembers() {
   for (int i = 0; i < num_bases; ++i) std::cout << "  " << static_bases[i] << std::endl;
   std::cout << "There are: " << num_partitions << " Partitions" << std::endl;
   std::cout << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
-  for (int i = 0; i < num_partitions; ++i) {
+  for (int i = 0; i < num_partitions && static_partition_sizes != nullptr; ++i) {
     std::cout << static_partition_sizes[i] << "\t" << static_partition_offsets[i] << std::endl;
   }
   std::cout << "Permutation Information: " << std::endl;
