@@ -9,6 +9,7 @@
 #include "cli/exit_codes.h"
 #include "cli/label_command.h"
 #include "cli/show_command.h"
+#include "host/detection_run.h"
 #include "host/model_error.h"
 
 namespace symfold {
@@ -62,12 +63,15 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
   } catch (const ModelError& error) {
     streams.err << error.what();
     return kModelError;
+  } catch (const TableLimitError& error) {
+    streams.err << "symfold: " << error.what() << "\n";
+    return kLimitReached;
   } catch (const std::logic_error& error) {
     streams.err << "symfold: internal error: " << error.what() << "\n";
     return kInternalError;
   } catch (const std::bad_alloc&) {
     streams.err << "symfold: error: out of memory\n";
-    return kInternalError;
+    return kLimitReached;
   } catch (const std::exception& error) {
     streams.err << "symfold: " << error.what() << "\n";
     return kBadFile;

@@ -99,6 +99,12 @@ void SchreierTree::grow(int smallest_allowed) {
   }
 }
 
+std::size_t SchreierTree::CountPathPermutations() const {
+  std::size_t count = 0;
+  for (const int point : found_) count += index(depth_[index(point)]);
+  return count;
+}
+
 std::vector<ValPerms> SchreierTree::GetAllPermutationsToRoot() {
   std::vector<ValPerms> records;
   for (const int value : found_) {

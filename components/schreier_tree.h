@@ -32,6 +32,9 @@ class SchreierTree {
   // (orbit point, generator that moves it) pairs; no permutation is copied.
   void CreateTree(int r);
 
+  // The number of permutations in all records of the latest tree.
+  std::size_t CountPathPermutations() const;
+
   // The points of the latest tree without its root, breadth-first, each with its path: Perms[0], applied
   // first, moves the root, and the last one arrives at Value.
   std::vector<ValPerms> GetAllPermutationsToRoot();

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <unordered_map>
 
 #include "host/detection_log.h"
@@ -69,6 +68,9 @@ DetectionRun::DetectionRun(const ComposedModel& model, const std::string& direct
   if (!types) throw std::runtime_error(directory + "/types: error: cannot be written");
   const DetectionLog log(writes_log ? "detection.log" : "");
   timed("graph and group", [&] { detector_.FindMCG(); });
+  if (detector_.Bases.empty() && !detector_.SGSBase.empty()) {
+    throw TableLimitError("error: the model's symmetries take larger tables than can be folded with");
+  }
   timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });
   if (!is_sound()) return;

@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_DETECTION_RUN_H
 #define SYMFOLD_HOST_DETECTION_RUN_H
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,12 @@ namespace symfold {
 struct DetectionPhase {
   std::string name;
   double seconds;
+};
+
+// The symmetries found are too many for tables to fold with.
+class TableLimitError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
 };
 
 // Runs detection and leaves the files types, model_comp_graph, mcg.viz, permutations and, if wanted,

@@ -119,6 +119,21 @@ TEST(Detect, ReadsStandardInputAndReportsModelErrors) {
   EXPECT_NE(unwritable.err.find("file"), std::string::npos);
 }
 
+TEST(Detect, GivesUpTablesThatDoNotFit) {
+  const TempDir dir;
+  Outcome outcome{};
+  const std::string errors = captured_errors([&] {
+    outcome = run({"detect", kExamples + "/philosophers.sym", "--const", "N=16000", "--no-log"});
+  });
+  EXPECT_EQ(outcome.code, kLimitReached);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(
+      errors,
+      "symfold: expected a value-permutation table of at most 1073741824 images, got more at base point 0\n");
+  EXPECT_EQ(outcome.err,
+            "symfold: error: the model's symmetries take larger tables than can be folded with\n");
+}
+
 TEST(CommandLine, RefusesWrongUse) {
   for (const std::vector<std::string>& arguments :
        std::vector<std::vector<std::string>>{{},
