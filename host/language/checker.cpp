@@ -57,9 +57,8 @@ void Checker::declare_global_names() {
   }
   for (std::size_t i = 0; i < model_.types.size(); ++i) {
     const Name& name = model_.types[i].name;
-    if (!expressions_.is_new_name(name, constants_)) continue;
     const auto [entry, is_new] = types_.indices.emplace(name.text, static_cast<int>(i));
-    if (is_new) continue;
+    if (!expressions_.is_new_name(name, constants_) || is_new) continue;
     errors_.add(name.offset, "expected a new name, got '" + std::string(name.text) + "', declared at " +
                                  errors_.place(model_.type(entry->second).name.offset));
   }

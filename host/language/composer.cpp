@@ -12,6 +12,7 @@ namespace symfold {
 namespace {
 
 constexpr int kStepsPerElement = 8;
+constexpr int kStepsPerError = 200;
 
 class Composer {
  public:
@@ -29,11 +30,18 @@ class Composer {
     Offset entry = 0;
   };
 
+  // What a name stands for: the submodel, if any.
+  struct Named {
+    Offset declared = 0;
+    int submodel = -1;
+  };
+
   void register_names();
   void compose_submodels(const SubmodelDecl& declaration, int index);
-  void add_submodel(const SubmodelDecl& declaration, int index);
+  void add_submodel(const SubmodelDecl& declaration, int index, const std::string& name);
+  void set_initials(Submodel& submodel, const SubmodelDecl& declaration);
   void compose_joins(const JoinDecl& declaration);
-  void add_join(const JoinDecl& declaration);
+  void add_join(const JoinDecl& declaration, const std::string& name);
   void add_members(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry);
   void add_member(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry);
   void require_agreement(const Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry,
@@ -44,13 +52,13 @@ class Composer {
   template <typename Body>
   void for_each_index(const std::vector<IndexRange>& ranges, std::size_t depth, const Body& body);
   template <typename Body>
-  void guarded(const std::string& where, const Body& body);
+  bool guarded(const std::string& where, const Body& body);
 
   void spend(std::int64_t steps, Offset offset);
   Value value_of(ExprId id);
   bool is_left_out(ExprId condition) { return condition != kNoExpr && !value_of(condition).is_true(); }
-  std::string element_name(const Name& array, std::size_t count, Offset offset);
-  void register_element(const Name& array, bool is_array, const std::string& name);
+  std::string element_name(const Name& array);
+  void register_element(const Name& array, bool is_array, const std::string& name, int submodel);
   int find_submodel(const JoinEntryDecl& entry, std::string& name);
   std::string member_name(const JoinMember& member) const;
   Bound& bound(const JoinMember& member) {
@@ -64,10 +72,9 @@ class Composer {
   ComposedModel result_;
   InstanceTable instances_;
   std::vector<std::int64_t> indices_;
-  std::unordered_map<std::string, Offset> names_;   // of declarations and elements
-  std::unordered_map<std::string, int> submodels_;  // by name
-  std::vector<int> declarations_;                   // of the submodels
-  std::vector<std::size_t> first_bound_;            // of the submodels, into bound_
+  std::unordered_map<std::string, Named> names_;  // of declarations and elements
+  std::vector<int> declarations_;                 // of the submodels
+  std::vector<std::size_t> first_bound_;          // of the submodels, into bound_
   std::vector<Bound> bound_;
   std::size_t variable_count_ = 0;
 };
@@ -90,16 +97,19 @@ ComposedModel Composer::compose() {
   return std::move(result_);
 }
 
-// An expression without a value leaves out what it stands in.
+// An expression without a value leaves out what it stands in; false then.
 template <typename Body>
-void Composer::guarded(const std::string& where, const Body& body) {
+bool Composer::guarded(const std::string& where, const Body& body) {
   const std::size_t depth = indices_.size();
   try {
     body();
+    return true;
   } catch (const EvaluationError& error) {
     indices_.resize(depth);
+    spend(kStepsPerError, error.offset);
     errors_.add_once(error.offset, error.offset,
                      error.message + (where.empty() ? "" : " (in " + where + ")"));
+    return false;
   }
 }
 
@@ -139,41 +149,46 @@ void Composer::for_each_index(const std::vector<IndexRange>& ranges, std::size_t
 }
 
 void Composer::register_names() {
-  for (const SubmodelDecl& submodel : description_.system.submodels) {
-    names_.emplace(submodel.name.text, submodel.name.offset);
+  const SystemDecl& system = description_.system;
+  for (const SubmodelDecl& submodel : system.submodels) {
+    names_.emplace(submodel.name.text, Named{submodel.name.offset});
   }
-  for (const JoinDecl& join : description_.system.joins) names_.emplace(join.name.text, join.name.offset);
+  for (const JoinDecl& join : system.joins) names_.emplace(join.name.text, Named{join.name.offset});
 }
 
-// The array's name and the first `count` indices.
-std::string Composer::element_name(const Name& array, std::size_t count, Offset offset) {
+// By the indices of the moment.
+std::string Composer::element_name(const Name& array) {
   std::string name(array.text);
-  for (std::size_t i = 0; i < count; ++i) {
-    if (indices_[i] < 0) {
-      throw EvaluationError{offset, "expected indices of at least 0, got " + std::to_string(indices_[i])};
+  for (const std::int64_t index : indices_) {
+    if (index < 0) {
+      throw EvaluationError{array.offset, "expected indices of at least 0, got " + std::to_string(index)};
     }
-    name += '_' + std::to_string(indices_[i]);
+    name += '_' + std::to_string(index);
   }
   return name;
 }
 
-void Composer::register_element(const Name& array, bool is_array, const std::string& name) {
-  if (!is_array) return;
-  const auto [earlier, is_new] = names_.emplace(name, array.offset);
-  if (is_new) return;
-  errors_.add_once(array.offset, earlier->second,
+// What is not in an array is registered already.
+void Composer::register_element(const Name& array, bool is_array, const std::string& name, int submodel) {
+  const auto [entry, is_new] = names_.emplace(name, Named{array.offset});
+  if (is_new || !is_array) {
+    entry->second.submodel = submodel;
+    return;
+  }
+  const Offset earlier = entry->second.declared;
+  errors_.add_once(array.offset, earlier,
                    "expected names of elements that nothing else has, got '" + name +
-                       "', which also comes from " + errors_.place(earlier->second));
+                       "', which also comes from " + errors_.place(earlier));
 }
 
 void Composer::compose_submodels(const SubmodelDecl& declaration, int index) {
   for_each_index(declaration.ranges, 0, [&] {
-    const std::string name = element_name(declaration.name, indices_.size(), declaration.name.offset);
-    guarded(name, [&] { add_submodel(declaration, index); });
+    const std::string name = element_name(declaration.name);
+    guarded(name, [&] { add_submodel(declaration, index, name); });
   });
 }
 
-void Composer::add_submodel(const SubmodelDecl& declaration, int index) {
+void Composer::add_submodel(const SubmodelDecl& declaration, int index, const std::string& name) {
   if (is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
   if (result_.submodels.size() == static_cast<std::size_t>(kMostElements)) {
@@ -185,52 +200,58 @@ void Composer::add_submodel(const SubmodelDecl& declaration, int index) {
                  "expected at most " + std::to_string(kMostVariables) + " variables in all, got more");
   }
   Submodel submodel;
-  submodel.name = element_name(declaration.name, indices_.size(), offset);
-  register_element(declaration.name, !declaration.ranges.empty(), submodel.name);
+  submodel.name = name;
   std::vector<Value> arguments;
   for (const ExprId argument : declaration.arguments) arguments.push_back(value_of(argument));
   const auto instance = instances_.find_or_add(declaration.type_index, std::move(arguments));
   spend(0, offset);
   if (!instance) return;
   submodel.instance = *instance;
-  const TypeInstance& type = result_.instance_of(submodel);
-  for (const Variable& variable : type.private_variables) {
-    submodel.initial.push_back(static_cast<std::int16_t>(variable.initial));
-  }
-  for (const Assignment& initial : declaration.initials) {
-    const auto& variables = description_.type(declaration.type_index).variables;
-    const auto slot =
-        static_cast<std::size_t>(variables[static_cast<std::size_t>(initial.variable_index)].slot);
-    const int value = value_in(type.private_variables[slot].values, value_of(initial.value),
-                               description_.expr(initial.value).offset);
-    submodel.initial[slot] = static_cast<std::int16_t>(value);
-  }
-  submodels_.emplace(submodel.name, static_cast<int>(result_.submodels.size()));
+  set_initials(submodel, declaration);
+  register_element(declaration.name, !declaration.ranges.empty(), name,
+                   static_cast<int>(result_.submodels.size()));
   declarations_.push_back(index);
   first_bound_.push_back(bound_.size());
-  bound_.resize(bound_.size() + type.shared_variables.size());
+  bound_.resize(bound_.size() + result_.instance_of(submodel).shared_variables.size());
   result_.submodels.push_back(std::move(submodel));
+}
+
+void Composer::set_initials(Submodel& submodel, const SubmodelDecl& declaration) {
+  const std::vector<Variable>& variables = result_.instance_of(submodel).private_variables;
+  for (const Variable& variable : variables) {
+    submodel.initial.push_back(static_cast<std::int16_t>(variable.initial));
+  }
+  const std::vector<VariableDecl>& declared = description_.type(declaration.type_index).variables;
+  for (const Assignment& initial : declaration.initials) {
+    const auto slot =
+        static_cast<std::size_t>(declared[static_cast<std::size_t>(initial.variable_index)].slot);
+    const int value =
+        value_in(variables[slot].values, value_of(initial.value), description_.expr(initial.value).offset);
+    submodel.initial[slot] = static_cast<std::int16_t>(value);
+  }
 }
 
 void Composer::compose_joins(const JoinDecl& declaration) {
   for_each_index(declaration.ranges, 0, [&] {
-    const std::string name = element_name(declaration.name, indices_.size(), declaration.name.offset);
-    guarded(name, [&] { add_join(declaration); });
+    const std::string name = element_name(declaration.name);
+    guarded(name, [&] { add_join(declaration, name); });
   });
 }
 
-void Composer::add_join(const JoinDecl& declaration) {
+void Composer::add_join(const JoinDecl& declaration, const std::string& name) {
   if (is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
   if (result_.joins.size() == static_cast<std::size_t>(kMostElements)) {
     errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " joins, got more");
   }
   Join join;
-  join.name = element_name(declaration.name, indices_.size(), offset);
-  register_element(declaration.name, !declaration.ranges.empty(), join.name);
+  join.name = name;
+  register_element(declaration.name, !declaration.ranges.empty(), name, -1);
+  bool is_complete = true;
   for (const JoinEntryDecl& entry : declaration.entries) {
-    guarded(join.name, [&] { add_members(join, declaration, entry); });
+    is_complete = guarded(join.name, [&] { add_members(join, declaration, entry); }) && is_complete;
   }
+  if (!is_complete) return;
   if (join.members.empty()) {
     errors_.add_once(offset, offset, "expected at least one member of join " + join.name + ", got none");
     return;
@@ -256,10 +277,10 @@ int Composer::find_submodel(const JoinEntryDecl& entry, std::string& name) {
     }
     name += '_' + std::to_string(index);
   }
-  const auto found = submodels_.find(name);
-  const bool exists = found != submodels_.end() &&
-                      declarations_[static_cast<std::size_t>(found->second)] == entry.submodel_index;
-  return exists ? found->second : -1;
+  const auto found = names_.find(name);
+  if (found == names_.end() || found->second.submodel < 0) return -1;
+  const int submodel = found->second.submodel;
+  return declarations_[static_cast<std::size_t>(submodel)] == entry.submodel_index ? submodel : -1;
 }
 
 void Composer::add_member(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry) {

@@ -14,6 +14,11 @@ namespace symfold {
 
 inline constexpr std::size_t kMostErrors = 10;
 
+// "1 index", "2 indices".
+inline std::string counted(std::size_t count, const std::string& one, const std::string& many) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
 class ErrorList {
  public:
   explicit ErrorList(const SourceText& source) : source_(source) {}
@@ -34,6 +39,8 @@ class ErrorList {
     errors_.push_back(source_.diagnostic_at(offset, std::move(message)));
     throw ModelError(std::move(errors_));
   }
+
+  bool is_empty() const { return errors_.empty(); }
 
   void throw_if_any() {
     if (!errors_.empty()) throw ModelError(std::move(errors_));

@@ -146,7 +146,7 @@ StaticType ExpressionChecker::type_of_literal(Expr& expr, const Context& context
   if (meaning == nullptr) {
     const std::string expected = wants_literal ? "one of " + describe(hint) : context.scope.expected();
     errors_.add(expr.offset,
-                "expected " + expected + ", got the unknown name '" + std::string(expr.name) + "'");
+                "expected " + expected + ", got the name '" + std::string(expr.name) + "', unknown here");
     return kNoType;
   }
   const StaticType type{Scalar::kEnum, meaning->first.enumeration};
@@ -196,6 +196,7 @@ ExpressionChecker::TypePair ExpressionChecker::types_of_pair(ExprId first, ExprI
   TypePair types;
   if (hint.scalar != Scalar::kEnum && needs_hint(first, context.scope)) {
     types.second = type_of(second, context, hint);
+    if (!types.second.is_known()) return types;
     types.first = type_of(first, context, types.second);
   } else {
     types.first = type_of(first, context, hint);
@@ -281,7 +282,7 @@ void ExpressionChecker::check_arguments(const Name& type, int type_index,
                                         const std::vector<ExprId>& arguments, const Scope& scope) {
   const std::vector<ParameterDecl>& parameters = model_.type(type_index).parameters;
   if (arguments.size() != parameters.size()) {
-    errors_.add(type.offset, "expected " + std::to_string(parameters.size()) + " arguments of '" +
+    errors_.add(type.offset, "expected " + counted(parameters.size(), "argument", "arguments") + " of '" +
                                  std::string(type.text) + "' (declared at " +
                                  errors_.place(model_.type(type_index).name.offset) + "), got " +
                                  std::to_string(arguments.size()));

@@ -65,7 +65,9 @@ ModelDescription Parser::parse() {
       while (!tokens_.at_end() && !is_one_of(tokens_.current(), kDeclarations)) tokens_.take();
     }
   }
-  if (!has_system_) errors_.add(tokens_.current().offset, "expected a system, got the end of the file");
+  if (!has_system_ && errors_.is_empty()) {
+    errors_.add(tokens_.current().offset, "expected a system, got the end of the file");
+  }
   return std::move(model_);
 }
 

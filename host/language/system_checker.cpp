@@ -139,10 +139,10 @@ void SystemChecker::resolve_entry(JoinEntryDecl& entry) {
   entry.submodel_index = found->second;
   const SubmodelDecl& submodel = model_.system.submodels[static_cast<std::size_t>(found->second)];
   if (entry.indices.size() != submodel.ranges.size()) {
-    errors_.add(entry.submodel.offset, "expected " + std::to_string(submodel.ranges.size()) +
-                                           " indices of '" + std::string(submodel.name.text) +
-                                           "' (declared at " + errors_.place(submodel.name.offset) +
-                                           "), got " + std::to_string(entry.indices.size()));
+    errors_.add(entry.submodel.offset, "expected " + counted(submodel.ranges.size(), "index", "indices") +
+                                           " of '" + std::string(submodel.name.text) + "' (declared at " +
+                                           errors_.place(submodel.name.offset) + "), got " +
+                                           std::to_string(entry.indices.size()));
   }
   if (submodel.type_index < 0) return;
   const TypeDecl& type = model_.type(submodel.type_index);

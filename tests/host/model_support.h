@@ -1,0 +1,41 @@
+// What the tests of the model reader share.
+
+#ifndef SYMFOLD_TESTS_HOST_MODEL_SUPPORT_H
+#define SYMFOLD_TESTS_HOST_MODEL_SUPPORT_H
+
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "host/model_reader.h"
+
+namespace symfold {
+
+inline const std::vector<std::string>& example_names() {
+  static const std::vector<std::string> names = {
+      "arms", "clients_servers", "complete", "hypercube",  "philosophers",
+      "star", "tandem",          "torus",    "two_speeds", "wreath"};
+  return names;
+}
+
+inline std::string example_path(const std::string& name) { return SYMFOLD_EXAMPLES_DIR "/" + name + ".sym"; }
+
+inline std::string example_text(const std::string& name) {
+  std::ifstream in(example_path(name));
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The whole message, or "" where the text is a model.
+inline std::string error_of(const std::string& text, const std::vector<ConstOverride>& overrides = {}) {
+  try {
+    read_model_text("m.sym", text, overrides);
+  } catch (const ModelError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_TESTS_HOST_MODEL_SUPPORT_H
