@@ -175,7 +175,7 @@ class RandomElements {
  private:
   std::vector<Images> slots_;
   Images product_;
-  std::mt19937_64 random_{20'03};
+  std::mt19937_64 random_{2003};
 };
 
 void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std::vector<int>& known_lengths,

@@ -120,7 +120,9 @@ TEST_F(SaucyObjFile, ReportsABadFileOnceAndForgetsEarlierResults) {
   EXPECT_TRUE(engine.generators.empty() && engine.base.empty() && engine.orbit_lengths.empty());
   EXPECT_EQ(run(engine, path_ + ".missing"), path_ + ".missing: cannot be opened for reading\n");
   EXPECT_EQ(run(engine, testing::TempDir()), testing::TempDir() + ": cannot be read\n");
+  testing::internal::CaptureStderr();
   EXPECT_EQ(engine.saucy_begin2(nullptr), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "expected the name of a graph file, got none\n");
 }
 
 TEST_F(SaucyObjFile, RefusesAGroupWhoseGeneratorsWouldFillTheMemory) {
