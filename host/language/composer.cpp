@@ -5,19 +5,21 @@
 #include <utility>
 #include <vector>
 
-#include "host/language/evaluator.h"
+#include "host/language/expansion.h"
 #include "host/language/instance_table.h"
 
 namespace symfold {
 namespace {
 
 constexpr int kStepsPerElement = 8;
-constexpr int kStepsPerError = 200;
 
 class Composer {
  public:
   Composer(std::shared_ptr<const ModelDescription> model, ErrorList& errors)
-      : description_(*model), errors_(errors), instances_(*model, result_.instances, budget_, errors) {
+      : description_(*model),
+        errors_(errors),
+        expansion_(*model, errors),
+        instances_(*model, result_.instances, expansion_.budget(), errors) {
     result_.description = std::move(model);
   }
 
@@ -49,15 +51,6 @@ class Composer {
   void set_initial(Join& join, const JoinDecl& declaration);
   void require_all_bound();
 
-  template <typename Body>
-  void for_each_index(const std::vector<IndexRange>& ranges, std::size_t depth, const Body& body);
-  template <typename Body>
-  bool guarded(const std::string& where, const Body& body);
-
-  void spend(std::int64_t steps, Offset offset);
-  Value value_of(ExprId id);
-  bool is_left_out(ExprId condition) { return condition != kNoExpr && !value_of(condition).is_true(); }
-  std::string element_name(const Name& array);
   void register_element(const Name& array, bool is_array, const std::string& name, int submodel);
   int find_submodel(const JoinEntryDecl& entry, std::string& name);
   std::string member_name(const JoinMember& member) const;
@@ -68,10 +61,9 @@ class Composer {
 
   const ModelDescription& description_;
   ErrorList& errors_;
-  Budget budget_{kMostSteps};
   ComposedModel result_;
+  Expansion expansion_;
   InstanceTable instances_;
-  std::vector<std::int64_t> indices_;
   std::unordered_map<std::string, Named> names_;  // of declarations and elements
   std::vector<int> declarations_;                 // of the submodels
   std::vector<std::size_t> first_bound_;          // of the submodels, into bound_
@@ -84,68 +76,17 @@ ComposedModel Composer::compose() {
   result_.name = system.name.text;
   register_names();
   for (std::size_t i = 0; i < system.submodels.size(); ++i) {
-    guarded("", [&] { compose_submodels(system.submodels[i], static_cast<int>(i)); });
+    expansion_.guarded("", [&] { compose_submodels(system.submodels[i], static_cast<int>(i)); });
   }
   errors_.throw_if_any();
   if (result_.submodels.empty()) errors_.fail(system.name.offset, "expected at least one submodel, got none");
   for (const JoinDecl& join : system.joins) {
-    guarded("", [&] { compose_joins(join); });
+    expansion_.guarded("", [&] { compose_joins(join); });
   }
   errors_.throw_if_any();
   require_all_bound();
   errors_.throw_if_any();
   return std::move(result_);
-}
-
-// An expression without a value leaves out what it stands in; false then.
-template <typename Body>
-bool Composer::guarded(const std::string& where, const Body& body) {
-  const std::size_t depth = indices_.size();
-  try {
-    body();
-    return true;
-  } catch (const EvaluationError& error) {
-    indices_.resize(depth);
-    spend(kStepsPerError, error.offset);
-    errors_.add_once(error.offset, error.offset,
-                     error.message + (where.empty() ? "" : " (in " + where + ")"));
-    return false;
-  }
-}
-
-void Composer::spend(std::int64_t steps, Offset offset) {
-  budget_.spend(steps);
-  if (!budget_.is_spent()) return;
-  errors_.fail(offset, "expected a system that expands in at most " + std::to_string(kMostSteps) +
-                           " steps, got a larger one");
-}
-
-Value Composer::value_of(ExprId id) {
-  const Value value = evaluate(description_, id, {{}, indices_}, budget_);
-  spend(0, description_.expr(id).offset);
-  return value;
-}
-
-template <typename Body>
-void Composer::for_each_index(const std::vector<IndexRange>& ranges, std::size_t depth, const Body& body) {
-  if (depth == ranges.size()) return body();
-  const IndexRange& range = ranges[depth];
-  const Offset offset = range.name.offset;
-  const std::int64_t low = value_of(range.low).integer;
-  const std::int64_t high = value_of(range.high).integer;
-  if (low > high) return;
-  const auto distance = checked_subtract(high, low);
-  if (!distance || *distance >= kMostElements) {
-    throw EvaluationError{offset, "expected at most " + std::to_string(kMostElements) + " values of '" +
-                                      std::string(range.name.text) + "', got " + std::to_string(low) + ".." +
-                                      std::to_string(high)};
-  }
-  for (std::int64_t i = low; i <= high; ++i) {
-    spend(kStepsPerElement, offset);
-    indices_.push_back(i);
-    for_each_index(ranges, depth + 1, body);
-    indices_.pop_back();
-  }
 }
 
 void Composer::register_names() {
@@ -154,18 +95,6 @@ void Composer::register_names() {
     names_.emplace(submodel.name.text, Named{submodel.name.offset});
   }
   for (const JoinDecl& join : system.joins) names_.emplace(join.name.text, Named{join.name.offset});
-}
-
-// By the indices of the moment.
-std::string Composer::element_name(const Name& array) {
-  std::string name(array.text);
-  for (const std::int64_t index : indices_) {
-    if (index < 0) {
-      throw EvaluationError{array.offset, "expected indices of at least 0, got " + std::to_string(index)};
-    }
-    name += '_' + std::to_string(index);
-  }
-  return name;
 }
 
 // What is not in an array is registered already.
@@ -182,14 +111,14 @@ void Composer::register_element(const Name& array, bool is_array, const std::str
 }
 
 void Composer::compose_submodels(const SubmodelDecl& declaration, int index) {
-  for_each_index(declaration.ranges, 0, [&] {
-    const std::string name = element_name(declaration.name);
-    guarded(name, [&] { add_submodel(declaration, index, name); });
+  expansion_.for_each(declaration.ranges, [&] {
+    const std::string name = expansion_.element_name(declaration.name);
+    expansion_.guarded(name, [&] { add_submodel(declaration, index, name); });
   });
 }
 
 void Composer::add_submodel(const SubmodelDecl& declaration, int index, const std::string& name) {
-  if (is_left_out(declaration.condition)) return;
+  if (expansion_.is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
   if (result_.submodels.size() == static_cast<std::size_t>(kMostElements)) {
     errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " submodels, got more");
@@ -202,9 +131,9 @@ void Composer::add_submodel(const SubmodelDecl& declaration, int index, const st
   Submodel submodel;
   submodel.name = name;
   std::vector<Value> arguments;
-  for (const ExprId argument : declaration.arguments) arguments.push_back(value_of(argument));
+  for (const ExprId argument : declaration.arguments) arguments.push_back(expansion_.value_of(argument));
   const auto instance = instances_.find_or_add(declaration.type_index, std::move(arguments));
-  spend(0, offset);
+  expansion_.spend(0, offset);
   if (!instance) return;
   submodel.instance = *instance;
   set_initials(submodel, declaration);
@@ -225,21 +154,21 @@ void Composer::set_initials(Submodel& submodel, const SubmodelDecl& declaration)
   for (const Assignment& initial : declaration.initials) {
     const auto slot =
         static_cast<std::size_t>(declared[static_cast<std::size_t>(initial.variable_index)].slot);
-    const int value =
-        value_in(variables[slot].values, value_of(initial.value), description_.expr(initial.value).offset);
+    const int value = value_in(variables[slot].values, expansion_.value_of(initial.value),
+                               description_.expr(initial.value).offset);
     submodel.initial[slot] = static_cast<std::int16_t>(value);
   }
 }
 
 void Composer::compose_joins(const JoinDecl& declaration) {
-  for_each_index(declaration.ranges, 0, [&] {
-    const std::string name = element_name(declaration.name);
-    guarded(name, [&] { add_join(declaration, name); });
+  expansion_.for_each(declaration.ranges, [&] {
+    const std::string name = expansion_.element_name(declaration.name);
+    expansion_.guarded(name, [&] { add_join(declaration, name); });
   });
 }
 
 void Composer::add_join(const JoinDecl& declaration, const std::string& name) {
-  if (is_left_out(declaration.condition)) return;
+  if (expansion_.is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
   if (result_.joins.size() == static_cast<std::size_t>(kMostElements)) {
     errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " joins, got more");
@@ -249,7 +178,8 @@ void Composer::add_join(const JoinDecl& declaration, const std::string& name) {
   register_element(declaration.name, !declaration.ranges.empty(), name, -1);
   bool is_complete = true;
   for (const JoinEntryDecl& entry : declaration.entries) {
-    is_complete = guarded(join.name, [&] { add_members(join, declaration, entry); }) && is_complete;
+    is_complete =
+        expansion_.guarded(join.name, [&] { add_members(join, declaration, entry); }) && is_complete;
   }
   if (!is_complete) return;
   if (join.members.empty()) {
@@ -261,8 +191,8 @@ void Composer::add_join(const JoinDecl& declaration, const std::string& name) {
 }
 
 void Composer::add_members(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry) {
-  for_each_index(entry.ranges, 0, [&] {
-    if (!is_left_out(entry.condition)) add_member(join, declaration, entry);
+  expansion_.for_each(entry.ranges, [&] {
+    if (!expansion_.is_left_out(entry.condition)) add_member(join, declaration, entry);
   });
 }
 
@@ -270,7 +200,7 @@ void Composer::add_members(Join& join, const JoinDecl& declaration, const JoinEn
 int Composer::find_submodel(const JoinEntryDecl& entry, std::string& name) {
   name = entry.submodel.text;
   for (const ExprId id : entry.indices) {
-    const std::int64_t index = value_of(id).integer;
+    const std::int64_t index = expansion_.value_of(id).integer;
     if (index < 0) {
       throw EvaluationError{description_.expr(id).offset,
                             "expected an index of at least 0, got " + std::to_string(index)};
@@ -284,7 +214,7 @@ int Composer::find_submodel(const JoinEntryDecl& entry, std::string& name) {
 }
 
 void Composer::add_member(Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry) {
-  spend(kStepsPerElement, entry.submodel.offset);
+  expansion_.spend(kStepsPerElement, entry.submodel.offset);
   const SubmodelDecl& submodel =
       description_.system.submodels[static_cast<std::size_t>(entry.submodel_index)];
   std::string name;
@@ -349,7 +279,7 @@ void Composer::set_initial(Join& join, const JoinDecl& declaration) {
   if (!fits)
     throw EvaluationError{expr.offset,
                           "expected a value of " + to_string(join.values) + ", got another kind"};
-  join.initial = value_in(join.values, value_of(declaration.initial), expr.offset);
+  join.initial = value_in(join.values, expansion_.value_of(declaration.initial), expr.offset);
 }
 
 void Composer::require_all_bound() {

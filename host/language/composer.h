@@ -14,9 +14,7 @@
 
 namespace symfold {
 
-inline constexpr std::int64_t kMostElements = 1'000'000;  // submodels, joins, or values of one index
 inline constexpr std::size_t kMostVariables = 2'000'000;  // of all submodels
-inline constexpr std::int64_t kMostSteps = 100'000'000;
 
 // Precondition: the model is checked and has no errors. Throws ModelError.
 ComposedModel compose(std::shared_ptr<const ModelDescription> model, ErrorList& errors);

@@ -182,10 +182,8 @@ Token Lexer::symbol() {
   const std::string_view text = rest();
   for (const std::string_view candidate : kSymbols) {
     if (!text.starts_with(candidate)) continue;
-    if (candidate == "|" || candidate == "&") {
-      const std::string once(candidate);
-      return malformed(1, "expected '" + once + once + "', got '" + once + "'");
-    }
+    if (candidate == "|") return malformed(1, "expected '||', got '|'");
+    if (candidate == "&") return malformed(1, "expected '&&', got '&'");
     return take(TokenKind::kSymbol, candidate.size());
   }
   const std::size_t length = code_point_length(text);

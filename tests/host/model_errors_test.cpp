@@ -440,5 +440,21 @@ TEST(ModelErrors, KeepControlCharactersOffTheTerminal) {
       "m.sym:1:7: error: expected a token of the language, got a control character\nconst ? int\n      ^");
 }
 
+std::string replaced(std::string text, const std::string& what, const std::string& with) {
+  return text.replace(text.find(what), what.size(), with);
+}
+
+TEST(ModelErrors, AreThoseOfTheLanguageDocument) {
+  const std::string document = file_text(SYMFOLD_DOCS_DIR "/model-language.md");
+  const std::size_t start = document.find("```\n") + 4;
+  const std::string model = document.substr(start, document.find("```", start) - start);
+  EXPECT_EQ(error_of(model), "");
+  for (const std::string& text :
+       {replaced(model, "!m.up", "m.up == 0"), replaced(model, "0..N-1; }", "0..N; }")}) {
+    const std::string message = error_of(text, {}, "shop.sym");
+    EXPECT_NE(document.find("```\n" + message + "\n```\n"), std::string::npos) << message;
+  }
+}
+
 }  // namespace
 }  // namespace symfold

@@ -61,6 +61,9 @@ TEST(ModelLimits, SizeOfTheSystem) {
             "");
   EXPECT_EQ(first_message(type + "a[i : 0..1000000] : T; }"),
             "expected at most 1000000 values of 'i', got 0..1000000");
+  EXPECT_EQ(first_message(type + "a[i : 9223372036854775806..9223372036854775807] : T; join j { "
+                                 "a[i].s for i : 9223372036854775806..9223372036854775807; } }"),
+            "");
   EXPECT_EQ(first_message(type + "a[i : -9223372036854775807..N] : T; }"),
             "expected at most 1000000 values of 'i', got -9223372036854775807..3");
   EXPECT_EQ(first_message(type + "a[i : 0..1999, j : 0..999] : T; }"),

@@ -21,15 +21,18 @@ inline const std::vector<std::string>& example_names() {
 
 inline std::string example_path(const std::string& name) { return SYMFOLD_EXAMPLES_DIR "/" + name + ".sym"; }
 
-inline std::string example_text(const std::string& name) {
-  std::ifstream in(example_path(name));
+inline std::string file_text(const std::string& path) {
+  std::ifstream in(path);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
+inline std::string example_text(const std::string& name) { return file_text(example_path(name)); }
+
 // The whole message, or "" where the text is a model.
-inline std::string error_of(const std::string& text, const std::vector<ConstOverride>& overrides = {}) {
+inline std::string error_of(const std::string& text, const std::vector<ConstOverride>& overrides = {},
+                            const std::string& name = "m.sym") {
   try {
-    read_model_text("m.sym", text, overrides);
+    read_model_text(name, text, overrides);
   } catch (const ModelError& error) {
     return error.what();
   }

@@ -1,0 +1,51 @@
+#include "host/language/expansion.h"
+
+namespace symfold {
+
+namespace {
+constexpr int kStepsPerError = 200;
+}  // namespace
+
+void Expansion::spend(std::int64_t steps, Offset offset) {
+  budget_.spend(steps);
+  if (!budget_.is_spent()) return;
+  errors_.fail(offset, "expected a system that expands in at most " + std::to_string(kMostSteps) +
+                           " steps, got a larger one");
+}
+
+Value Expansion::value_of(ExprId id) {
+  const Value value = evaluate(model_, id, {{}, indices_}, budget_);
+  spend(0, model_.expr(id).offset);
+  return value;
+}
+
+std::string Expansion::element_name(const Name& array) const {
+  std::string name(array.text);
+  for (const std::int64_t index : indices_) {
+    if (index < 0) {
+      throw EvaluationError{array.offset, "expected indices of at least 0, got " + std::to_string(index)};
+    }
+    name += '_' + std::to_string(index);
+  }
+  return name;
+}
+
+Expansion::Span Expansion::span_of(const IndexRange& range) {
+  const std::int64_t low = value_of(range.low).integer;
+  const std::int64_t high = value_of(range.high).integer;
+  if (low > high) return {low, 0};
+  const auto distance = checked_subtract(high, low);
+  if (!distance || *distance >= kMostElements) {
+    throw EvaluationError{range.name.offset, "expected at most " + std::to_string(kMostElements) +
+                                                 " values of '" + std::string(range.name.text) + "', got " +
+                                                 std::to_string(low) + ".." + std::to_string(high)};
+  }
+  return {low, *distance + 1};
+}
+
+void Expansion::report(const EvaluationError& error, const std::string& where) {
+  spend(kStepsPerError, error.offset);
+  errors_.add_once(error.offset, error.offset, error.message + (where.empty() ? "" : " (in " + where + ")"));
+}
+
+}  // namespace symfold
