@@ -18,7 +18,7 @@ struct saucy_struct {
 
 namespace {
 
-constexpr std::size_t kMostImages = std::size_t{1} << 30;
+constexpr std::size_t kMostImages = std::size_t{1} << 28;
 
 Permutation dense(const SparsePermutation& moves, int n) {
   Permutation permutation(n);
@@ -30,7 +30,7 @@ Permutation dense(const SparsePermutation& moves, int n) {
 
 saucy_struct* saucy_obj::saucy_begin2(char* file_name) {
   if (file_name == nullptr) {
-    std::cerr << "expected the name of a graph file, got none" << std::endl;
+    std::cerr << "error: expected the name of a graph file, got none" << std::endl;
     return nullptr;
   }
   GraphFileResult result = read_graph_file(file_name);
@@ -45,6 +45,7 @@ void saucy_obj::saucy_init(saucy_struct*) {
   generators.clear();
   base.clear();
   orbit_lengths.clear();
+  is_complete = false;
 }
 
 void saucy_obj::saucy_search(saucy_struct* state) {
@@ -53,13 +54,14 @@ void saucy_obj::saucy_search(saucy_struct* state) {
   const std::size_t limit = n == 0 ? 0 : kMostImages / static_cast<std::size_t>(n);
   AutomorphismGroup group = find_automorphisms(state->graph, {.generators = limit});
   if (!group.is_complete) {
-    std::cerr << state->file_name << ": expected at most " << limit << " generators for " << n
+    std::cerr << state->file_name << ": error: expected at most " << limit << " generators for " << n
               << " vertices, got more" << std::endl;
     return;
   }
   for (const SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));
   base = std::move(group.base);
   orbit_lengths = std::move(group.orbit_lengths);
+  is_complete = true;
 }
 
 void saucy_obj::saucy_end(saucy_struct* state) { delete state; }

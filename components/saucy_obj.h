@@ -29,6 +29,10 @@ class saucy_obj {
   std::vector<int> base;
   std::vector<int> orbit_lengths;
 
+  // After saucy_search: true where the generators generate the whole group; false where there was no graph to
+  // search, or where the group was too large to be listed.
+  bool is_complete = false;
+
   // Reads the graph. A missing or malformed file is reported in one line on standard error, which says where
   // and what was expected, and gives null. Otherwise the caller owes the result to saucy_end.
   saucy_struct* saucy_begin2(char* file_name);
@@ -36,8 +40,8 @@ class saucy_obj {
   // Makes the state ready for a search and drops the results of an earlier one.
   void saucy_init(saucy_struct* state);
 
-  // Fills the three members; does nothing to them where state is null. A group that would need more than
-  // 2^30 images in all (4 GiB) is reported in one line on standard error and leaves them empty.
+  // Fills these members; does nothing to them where state is null. A group that would need more than
+  // 2^28 images in all (1 GiB) is reported in one line on standard error and leaves them empty.
   void saucy_search(saucy_struct* state);
 
   // Releases the state, null or not; the results stay.

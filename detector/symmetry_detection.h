@@ -195,6 +195,9 @@ class SymmetryDetection {
   // Orbit length of each point of SGSBase under the stabiliser of the points before it: their product is the
   // order of the automorphism group.
   std::vector<int> SGSOrbitLengths;
+  // Whether OrigPermutations generate the whole automorphism group and its tables were made: false where the
+  // graph file could not be searched, or the group is too large.
+  bool HasWholeGroup = false;
   // What the last WritePermFile or ReadPermFile reported; empty after a success.
   std::string PermFileError;
   // Per base slot, the index of the record that the last FindCanonicalLabel chose, -1 where it kept its

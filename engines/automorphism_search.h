@@ -17,10 +17,9 @@
 //
 // Sparse generators. As soon as a path has told the moved vertices apart, the rest may stay as it is: after a
 // refinement the new cells alone are looked at (partial_image.h), and the outcome is checked against the
-// edges of the moved vertices. So a generator costs about its support and not the graph (after the idea of P.
-// T. Darga, K. A. Sakallah and I. L. Markov, Faster symmetry discovery using sparsity of symmetries, DAC
-// 2008). Tried and dropped: descending along the first path's levels alone, which is quadratic where the
-// numbering interleaves the parts that are exchanged, as in trees numbered level by level.
+// edges of the moved vertices. So a generator costs about its support and not the graph. Tried and dropped:
+// descending along the first path's levels alone, which is quadratic where the numbering interleaves the
+// parts that are exchanged, as in trees numbered level by level.
 //
 // Example: a star with leaves 0 .. 3 around 4. First path 0, 1, 2. Level 2 finds (2 3), level 1 (1 3), level
 // 0 (0 3): the largest vertex of a class stands for it, so 3 takes part in all of them, and every leaf is two

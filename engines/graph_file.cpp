@@ -62,7 +62,7 @@ class GraphFileScanner {
   [[noreturn]] void fail(const std::string& expected, const std::string& token) const {
     std::string shown;
     for (const char c : token) shown += c >= ' ' && c <= '~' ? c : '?';
-    throw GraphFileError(name_ + ":" + std::to_string(line_) + ": " + expected + ", got " +
+    throw GraphFileError(name_ + ":" + std::to_string(line_) + ": error: " + expected + ", got " +
                          (token.empty() ? "the end of the file" : "'" + shown + "'"));
   }
 
@@ -102,13 +102,13 @@ GraphFileResult read_graph(std::istream& in, const std::string& name) {
   } catch (const GraphFileError& error) {
     return {ColouredGraph(), error.what()};
   } catch (const std::ios_base::failure&) {  // a directory, or a device that fails
-    return {ColouredGraph(), name + ": cannot be read"};
+    return {ColouredGraph(), name + ": error: cannot be read"};
   }
 }
 
 GraphFileResult read_graph_file(const std::string& name) {
   std::ifstream in(name);
-  if (!in) return {ColouredGraph(), name + ": cannot be opened for reading"};
+  if (!in) return {ColouredGraph(), name + ": error: cannot be opened for reading"};
   return read_graph(in, name);
 }
 

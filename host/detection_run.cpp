@@ -68,8 +68,8 @@ DetectionRun::DetectionRun(const ComposedModel& model, const std::string& direct
   if (!types) throw std::runtime_error(directory + "/types: error: cannot be written");
   const DetectionLog log(writes_log ? "detection.log" : "");
   timed("graph and group", [&] { detector_.FindMCG(); });
-  if (detector_.Bases.empty() && !detector_.SGSBase.empty()) {
-    throw TableLimitError("error: the model's symmetries take larger tables than can be folded with");
+  if (!detector_.HasWholeGroup) {
+    throw TableLimitError("error: the model's symmetries are too many to be listed or tabulated");
   }
   timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });

@@ -27,6 +27,7 @@ void SymmetryDetection::FindMCG_FindAut() {
   } else {
     OrigPermutations.insert(OrigPermutations.end(), generators.begin(), generators.end());
     SGSOrbitLengths = SaucyObj->orbit_lengths;
+    HasWholeGroup = SaucyObj->is_complete;
   }
   std::cout << "FindMCG_FindAut() Print OrigPermutations: Num:" << OrigPermutations.size() << std::endl;
   for (const Permutation& permutation : OrigPermutations) {

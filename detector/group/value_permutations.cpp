@@ -1,8 +1,8 @@
 // The value-permutation table: per base point, the points of its orbit under the whole group, each with the
 // permutations of its path in the Schreier tree. The points are graph-node indices.
 
+#include <algorithm>
 #include <iostream>
-#include <set>
 #include <string>
 
 #include "components/schreier_tree.h"
@@ -15,6 +15,18 @@ namespace {
 // Of all permutations of the table together: 4 GiB.
 constexpr std::size_t kMostImages = std::size_t{1} << 30;
 
+// Of the distinct points, which ascend, the first whose tree makes the table too large; -1 when it fits.
+int first_point_too_many(SchreierTree& tree, const std::vector<int>& points) {
+  std::size_t images = 0;
+  for (const int point : points) {
+    tree.SetRootValue(point);
+    tree.CreateTree(point);
+    images += tree.CountPathPermutations() * static_cast<std::size_t>(tree.GetN());
+    if (images > kMostImages) return point;
+  }
+  return -1;
+}
+
 }  // namespace
 
 // Trees are built for base points alone, in ascending order, which is the order of Bases. A table that would
@@ -24,24 +36,22 @@ void SymmetryDetection::FindMCG_FindST() {
   tree.n = static_cast<int>(GraphNodes.size());
   tree.SetPerms(SGS);
   tree.PrintPerms();
-  const std::multiset<int> base_points(SGSBase.begin(), SGSBase.end());
-  int built = -1;
-  std::size_t image_count = 0;
-  for (const int point : base_points) {
-    if (point < 0 || point >= tree.GetN()) continue;
-    Bases.push_back(point);
-    if (point == built) continue;
-    built = point;
-    tree.SetRootValue(point);
-    tree.CreateTree(point);
-    image_count += tree.CountPathPermutations() * GraphNodes.size();
-    if (image_count > kMostImages) {
-      report_refusal("expected a value-permutation table of at most " + std::to_string(kMostImages) +
-                     " images, got more at base point " + std::to_string(point));
-      DropTables();
-      return;
-    }
-    VPerms[point] = tree.GetAllPermutationsToRoot();
+  std::vector<int> points = SGSBase;
+  std::erase_if(points, [&](int point) { return point < 0 || point >= tree.GetN(); });
+  std::sort(points.begin(), points.end());
+  std::vector<int> roots = points;
+  roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
+  if (const int point = first_point_too_many(tree, roots); point >= 0) {
+    report_refusal("expected a value-permutation table of at most " + std::to_string(kMostImages) +
+                   " images, got more at base point " + std::to_string(point));
+    HasWholeGroup = false;
+    return;
+  }
+  Bases.insert(Bases.end(), points.begin(), points.end());
+  for (const int root : roots) {
+    tree.SetRootValue(root);
+    tree.CreateTree(root);
+    VPerms[root] = tree.GetAllPermutationsToRoot();
   }
 }
 

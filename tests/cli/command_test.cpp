@@ -131,7 +131,7 @@ TEST(Detect, GivesUpTablesThatDoNotFit) {
       errors,
       "symfold: expected a value-permutation table of at most 1073741824 images, got more at base point 0\n");
   EXPECT_EQ(outcome.err,
-            "symfold: error: the model's symmetries take larger tables than can be folded with\n");
+            "symfold: error: the model's symmetries are too many to be listed or tabulated\n");
 }
 
 TEST(CommandLine, RefusesWrongUse) {

@@ -34,26 +34,26 @@ TEST(GraphFile, ReadsVerticesColoursEdgesAndLoops) {
 
 TEST(GraphFile, SaysWhereAndWhatWasExpected) {
   const std::vector<std::pair<std::string, std::string>> cases = {
-      {"", "g:1: expected the number of vertices (0 to 16777216), got the end of the file"},
-      {"\n\nx", "g:3: expected the number of vertices (0 to 16777216), got 'x'"},
-      {"-1 0 1", "g:1: expected the number of vertices (0 to 16777216), got '-1'"},
-      {"16777217 0 1", "g:1: expected the number of vertices (0 to 16777216), got '16777217'"},
+      {"", "g:1: error: expected the number of vertices (0 to 16777216), got the end of the file"},
+      {"\n\nx", "g:3: error: expected the number of vertices (0 to 16777216), got 'x'"},
+      {"-1 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '-1'"},
+      {"16777217 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '16777217'"},
       {"99999999999999999999999999999999999999999999 0 1",
-       "g:1: expected the number of vertices (0 to 16777216), got '99999999999999999999999999999999'"},
-      {"3 2.5 1", "g:1: expected the number of edges (0 to 2147483647), got '2.5'"},
-      {"3", "g:1: expected the number of edges (0 to 2147483647), got the end of the file"},
-      {"0 1 0", "g:1: expected the number of edges (0), got '1'"},
-      {"3 0 0", "g:1: expected the number of colours (1 to 3), got '0'"},
-      {"3 0 4", "g:1: expected the number of colours (1 to 3), got '4'"},
-      {"0 0 1", "g:1: expected the number of colours (0), got '1'"},
-      {"3 0 2 0", "g:1: expected the first vertex of a colour (1 to 2), got '0'"},
-      {"4 0 3 2 2", "g:1: expected the first vertex of a colour (3), got '2'"},
-      {"4 0 3 3 4", "g:1: expected the first vertex of a colour (1 to 2), got '3'"},
-      {"3 1 1\n0 3", "g:2: expected an edge's other vertex (0 to 2), got '3'"},
-      {"3 2 1\n0 1\n-1 2\n", "g:3: expected an edge's vertex (0 to 2), got '-1'"},
-      {"3 2147483647 1\n0 1\n", "g:3: expected an edge's vertex (0 to 2), got the end of the file"},
-      {"3 1 1\n0 1\n2 \x01\n", "g:3: expected the end of the file, got '2'"},
-      {"3 0 1\n\xff", "g:2: expected the end of the file, got '?'"},
+       "g:1: error: expected the number of vertices (0 to 16777216), got '99999999999999999999999999999999'"},
+      {"3 2.5 1", "g:1: error: expected the number of edges (0 to 2147483647), got '2.5'"},
+      {"3", "g:1: error: expected the number of edges (0 to 2147483647), got the end of the file"},
+      {"0 1 0", "g:1: error: expected the number of edges (0), got '1'"},
+      {"3 0 0", "g:1: error: expected the number of colours (1 to 3), got '0'"},
+      {"3 0 4", "g:1: error: expected the number of colours (1 to 3), got '4'"},
+      {"0 0 1", "g:1: error: expected the number of colours (0), got '1'"},
+      {"3 0 2 0", "g:1: error: expected the first vertex of a colour (1 to 2), got '0'"},
+      {"4 0 3 2 2", "g:1: error: expected the first vertex of a colour (3), got '2'"},
+      {"4 0 3 3 4", "g:1: error: expected the first vertex of a colour (1 to 2), got '3'"},
+      {"3 1 1\n0 3", "g:2: error: expected an edge's other vertex (0 to 2), got '3'"},
+      {"3 2 1\n0 1\n-1 2\n", "g:3: error: expected an edge's vertex (0 to 2), got '-1'"},
+      {"3 2147483647 1\n0 1\n", "g:3: error: expected an edge's vertex (0 to 2), got the end of the file"},
+      {"3 1 1\n0 1\n2 \x01\n", "g:3: error: expected the end of the file, got '2'"},
+      {"3 0 1\n\xff", "g:2: error: expected the end of the file, got '?'"},
   };
   for (const auto& [text, error] : cases) {
     EXPECT_EQ(read(text).error, error) << text;
@@ -109,6 +109,7 @@ TEST_F(SaucyObjFile, GivesGeneratorsBaseAndOrbitLengthsOfTheFile) {
   EXPECT_EQ(engine.generators.front().GetN(), 7);
   EXPECT_EQ(engine.base, std::vector<int>{0});
   EXPECT_EQ(engine.orbit_lengths, std::vector<int>{2});
+  EXPECT_TRUE(engine.is_complete);
 }
 
 TEST_F(SaucyObjFile, ReportsABadFileOnceAndForgetsEarlierResults) {
@@ -116,20 +117,21 @@ TEST_F(SaucyObjFile, ReportsABadFileOnceAndForgetsEarlierResults) {
   run(engine, write("3 0 1\n"));
   EXPECT_EQ(engine.generators.size(), 2U);
   EXPECT_EQ(run(engine, write("3 1 1\n0 x\n")),
-            path_ + ":2: expected an edge's other vertex (0 to 2), got 'x'\n");
+            path_ + ":2: error: expected an edge's other vertex (0 to 2), got 'x'\n");
   EXPECT_TRUE(engine.generators.empty() && engine.base.empty() && engine.orbit_lengths.empty());
-  EXPECT_EQ(run(engine, path_ + ".missing"), path_ + ".missing: cannot be opened for reading\n");
-  EXPECT_EQ(run(engine, testing::TempDir()), testing::TempDir() + ": cannot be read\n");
+  EXPECT_EQ(run(engine, path_ + ".missing"), path_ + ".missing: error: cannot be opened for reading\n");
+  EXPECT_EQ(run(engine, testing::TempDir()), testing::TempDir() + ": error: cannot be read\n");
   testing::internal::CaptureStderr();
   EXPECT_EQ(engine.saucy_begin2(nullptr), nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "expected the name of a graph file, got none\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: expected the name of a graph file, got none\n");
 }
 
 TEST_F(SaucyObjFile, RefusesAGroupWhoseGeneratorsWouldFillTheMemory) {
   saucy_obj engine;
   EXPECT_EQ(run(engine, write("40000 0 1\n")),
-            path_ + ": expected at most 26843 generators for 40000 vertices, got more\n");
+            path_ + ": error: expected at most 6710 generators for 40000 vertices, got more\n");
   EXPECT_TRUE(engine.generators.empty());
+  EXPECT_FALSE(engine.is_complete);
 }
 
 }  // namespace
