@@ -69,8 +69,7 @@ void Checker::check_constants(const std::map<std::size_t, Value>& overrides) {
   for (std::size_t i = 0; i < model_.constants.size(); ++i) {
     ConstantDecl& constant = model_.constants[i];
     const bool is_real = constant.type == kRealType;
-    expressions_.check(constant.value, constant.type, constants_,
-                       is_real ? Division::kAllowed : Division::kRefused);
+    expressions_.check(constant.value, constant.type, constants_, is_real ? kRealUsage : kExactUsage);
     const auto found = overrides.find(i);
     constant.evaluated = found == overrides.end() ? evaluate_constant(constant) : found->second;
   }
@@ -179,7 +178,7 @@ void Checker::check_variable(const VariableDecl& variable, const Scope& scope) {
 void Checker::check_action(ActionDecl& action, const TypeDecl& type, const TypeNames& names,
                            const Scope& scope) {
   expressions_.check(action.guard, kBoolType, scope);
-  expressions_.check_number(action.rate, scope, Division::kAllowed);
+  expressions_.check_number(action.rate, scope, kRealUsage);
   std::map<std::string_view, Offset> assigned;
   for (Assignment& assignment : action.assignments) {
     const Name& target = assignment.variable;
@@ -212,9 +211,9 @@ void Checker::check_observables() {
                                               errors_.place(earlier->second));
     }
     if (observable.is_reward) {
-      expressions_.check_number(observable.value, scope, Division::kAllowed);
+      expressions_.check_number(observable.value, scope, kRewardUsage);
     } else {
-      expressions_.check(observable.value, kBoolType, scope);
+      expressions_.check(observable.value, kBoolType, scope, kLabelUsage);
     }
   }
 }

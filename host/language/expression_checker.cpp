@@ -50,15 +50,15 @@ bool ExpressionChecker::is_number(ExprId id, const StaticType& type) {
   return type.is_number();
 }
 
-void ExpressionChecker::check(ExprId id, const StaticType& wanted, const Scope& scope, Division division) {
-  const StaticType type = type_of(id, {scope, division}, wanted);
+void ExpressionChecker::check(ExprId id, const StaticType& wanted, const Scope& scope, Usage usage) {
+  const StaticType type = type_of(id, {scope, usage}, wanted);
   if (!type.is_known() || !wanted.is_known() || fits(type, wanted)) return;
   mismatch(id, describe(wanted), type);
   model_.expr(id).type = kNoType;
 }
 
-void ExpressionChecker::check_number(ExprId id, const Scope& scope, Division division) {
-  const StaticType type = type_of(id, {scope, division}, kNoType);
+void ExpressionChecker::check_number(ExprId id, const Scope& scope, Usage usage) {
+  const StaticType type = type_of(id, {scope, usage}, kNoType);
   if (!is_number(id, type)) model_.expr(id).type = kNoType;
 }
 
@@ -219,7 +219,8 @@ StaticType ExpressionChecker::type_of_conditional(const Expr& expr, const Contex
   const auto [condition, then, otherwise] = expr.operands;
   const StaticType type = type_of(condition, context, kBoolType);
   if (type.is_known() && type != kBoolType) mismatch(condition, "bool", type);
-  return common_type(types_of_pair(then, otherwise, context, hint), otherwise);
+  const StaticType common = common_type(types_of_pair(then, otherwise, context, hint), otherwise);
+  return type == kBoolType ? common : kNoType;
 }
 
 StaticType ExpressionChecker::type_of_logic(const Expr& expr, const Context& context) {
@@ -246,7 +247,7 @@ StaticType ExpressionChecker::type_of_comparison(const Expr& expr, const Context
 }
 
 StaticType ExpressionChecker::type_of_arithmetic(const Expr& expr, const Context& context) {
-  if (expr.op == Op::kDivide && context.division == Division::kRefused) {
+  if (expr.op == Op::kDivide && !context.usage.division) {
     errors_.add(expr.operator_offset, "expected 'div', got '/', which is real and for rates only");
     return kNoType;
   }
@@ -275,7 +276,7 @@ void ExpressionChecker::check_quantified_type(Quantifier& quantifier, const Cont
     return;
   }
   if (!quantifier.has_arguments) return;
-  check_arguments(quantifier.type, quantifier.type_index, quantifier.arguments, context.scope);
+  check_arguments(quantifier.type, quantifier.type_index, quantifier.arguments, context.scope.outermost());
 }
 
 void ExpressionChecker::check_arguments(const Name& type, int type_index,
@@ -289,12 +290,17 @@ void ExpressionChecker::check_arguments(const Name& type, int type_index,
     return;
   }
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    check(arguments[i], parameters[i].type, scope, Division::kAllowed);
+    check(arguments[i], parameters[i].type, scope, kRealUsage);
   }
 }
 
 StaticType ExpressionChecker::type_of_quantifier(const Expr& expr, const Context& context) {
   Quantifier& quantifier = model_.quantifiers[static_cast<std::size_t>(expr.quantifier)];
+  if (!context.usage.quantifiers) {
+    errors_.add(expr.offset,
+                "expected " + context.scope.expected() + ", got a quantifier, which labels and rewards have");
+    return kNoType;
+  }
   check_quantified_type(quantifier, context);
   if (!is_new_name(quantifier.variable, context.scope)) return kNoType;
   const bool has_type = quantifier.type_index >= 0;
@@ -303,13 +309,14 @@ StaticType ExpressionChecker::type_of_quantifier(const Expr& expr, const Context
   scope.bind(quantifier.variable.text,
              {BindingKind::kQuantified, expr.quantifier, kNoType, quantifier.variable.offset});
   const ExprId body = expr.operands[0];
-  const Context inner{scope, context.division};
+  const Context inner{scope, context.usage};
   if (expr.op == Op::kSum) {
     const StaticType type = type_of(body, inner, kNoType);
     return is_number(body, type) ? type : kNoType;
   }
   const StaticType type = type_of(body, inner, kBoolType);
   if (type.is_known() && type != kBoolType) mismatch(body, "bool", type);
+  if (type != kBoolType) return kNoType;
   return expr.op == Op::kCount ? kIntType : kBoolType;
 }
 

@@ -17,8 +17,16 @@
 
 namespace symfold {
 
-// Whether `/` may be used: where a real number is meant.
-enum class Division : std::uint8_t { kRefused, kAllowed };
+// What an expression may contain besides exact operators.
+struct Usage {
+  bool division = false;     // `/`, where a real number is meant
+  bool quantifiers = false;  // in labels and rewards
+};
+
+inline constexpr Usage kExactUsage{false, false};
+inline constexpr Usage kRealUsage{true, false};
+inline constexpr Usage kLabelUsage{false, true};
+inline constexpr Usage kRewardUsage{true, true};
 
 class ExpressionChecker {
  public:
@@ -27,10 +35,10 @@ class ExpressionChecker {
 
   // Completes the expression. Its type is `wanted` (an int where a real is wanted is fine), or else unknown
   // and there is an error in the list.
-  void check(ExprId id, const StaticType& wanted, const Scope& scope, Division division = Division::kRefused);
+  void check(ExprId id, const StaticType& wanted, const Scope& scope, Usage usage = kExactUsage);
 
   // The same for a number of either kind.
-  void check_number(ExprId id, const Scope& scope, Division division);
+  void check_number(ExprId id, const Scope& scope, Usage usage);
 
   // Puts an error into the list where the name stands for something already.
   bool is_new_name(const Name& name, const Scope& scope);
@@ -45,7 +53,7 @@ class ExpressionChecker {
  private:
   struct Context {
     const Scope& scope;
-    Division division;
+    Usage usage;
   };
 
   StaticType type_of(ExprId id, const Context& context, const StaticType& hint);

@@ -75,6 +75,9 @@ class Scope {
     return nullptr;
   }
 
+  // That of the constants.
+  const Scope& outermost() const { return outer_ == nullptr ? *this : outer_->outermost(); }
+
   // The innermost meaning wins.
   const LiteralMeaning* find_literal(std::string_view name) const {
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer_) {

@@ -411,6 +411,33 @@ reward "y" = count p : T . p.z && p;
 m.sym:6:35: error: expected '.' and a variable behind 'p'
 reward "y" = count p : T . p.z && p;
                                   ^)"},
+    {"QuantifierElsewhere",
+     R"(type T { private x : bool; [a] exists p : T . p.x -> 1 : x = !x; }
+const int n = count p : T . p.x;
+system S { a : T; }
+label "l" = exists p : T . exists q : T(p.x) . q.x;)",
+     R"(m.sym:2:15: error: expected a constant, got a quantifier, which labels and rewards have
+const int n = count p : T . p.x;
+              ^
+m.sym:1:32: error: expected a constant, a parameter, a variable or a literal, got a quantifier, which labels and rewards have
+type T { private x : bool; [a] exists p : T . p.x -> 1 : x = !x; }
+                               ^
+m.sym:4:39: error: expected 0 arguments of 'T' (declared at 1:6), got 1
+label "l" = exists p : T . exists q : T(p.x) . q.x;
+                                      ^)"},
+    {"ErrorsInsideConstants",
+     R"(const int N = (M > 0 ? 1 : 2);
+const int K = (1 ? 1 : 2) + (true || 5 ? 1 : 0);
+system S { })",
+     R"(m.sym:1:16: error: expected a constant, got the name 'M', unknown here
+const int N = (M > 0 ? 1 : 2);
+               ^
+m.sym:2:16: error: expected bool, got int
+const int K = (1 ? 1 : 2) + (true || 5 ? 1 : 0);
+               ^
+m.sym:2:38: error: expected bool, got int
+const int K = (1 ? 1 : 2) + (true || 5 ? 1 : 0);
+                                     ^)"},
     {"UnreachableDivision",
      R"(type T { private x : [0..3]; shared s : bool; }
 system S { if (1 div 0 == 1) a : T; })",
