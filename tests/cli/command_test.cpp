@@ -39,38 +39,45 @@ nlohmann::json detect(const std::string& example, const std::vector<std::string>
 
 // Every example has the group that its first comment tells.
 TEST(Examples, HaveTheirGroupOrders) {
-  const struct {
-    const char* name;
+  struct Example {
+    std::string name;
     std::vector<std::string> constants;
-    const char* order;
-  } cases[] = {
-      {"philosophers", {}, "5"},
-      {"philosophers", {"N=3"}, "3"},
-      {"philosophers", {"N=40"}, "40"},
-      {"star", {"N=1"}, "1"},
-      {"star", {"N=6"}, "720"},
-      {"star", {"N=30"}, "265252859812191058636308480000000"},
-      {"wreath", {"M=2", "K=3"}, "72"},
-      {"wreath", {"M=4", "K=2"}, "384"},
-      {"wreath", {"M=3", "K=5"}, "10368000"},
-      {"torus", {"W=3", "H=3"}, "9"},
-      {"torus", {"W=4", "H=6"}, "24"},
-      {"hypercube", {"d=1"}, "2"},
-      {"hypercube", {"d=3"}, "8"},
-      {"hypercube", {"d=5"}, "32"},
-      {"tandem", {}, "1"},
-      {"clients_servers", {"K=3", "M=2"}, "12"},
-      {"clients_servers", {"K=4", "M=5"}, "2880"},
-      {"arms", {"N=3"}, "6"},
-      {"arms", {"N=8"}, "16"},
-      {"complete", {"K=3"}, "6"},
-      {"complete", {"K=6"}, "720"},
-      {"two_speeds", {"N=7"}, "144"},
+    int submodels, joins;
+    std::string order;
   };
-  for (const auto& c : cases) {
+  std::vector<Example> examples = {
+      {"philosophers", {}, 5, 5, "5"},
+      {"philosophers", {"N=3"}, 3, 3, "3"},
+      {"philosophers", {"N=40"}, 40, 40, "40"},
+      {"star", {"N=1"}, 1, 1, "1"},
+      {"star", {"N=6"}, 6, 1, "720"},
+      {"star", {"N=30"}, 30, 1, "265252859812191058636308480000000"},
+      {"wreath", {}, 8, 3, "72"},
+      {"wreath", {"M=4", "K=2"}, 12, 5, "384"},
+      {"wreath", {"M=3", "K=5"}, 18, 4, "10368000"},
+      {"torus", {}, 9, 18, "9"},
+      {"torus", {"W=4", "H=6"}, 24, 48, "24"},
+      {"tandem", {}, 6, 5, "1"},
+      {"clients_servers", {}, 11, 5, "12"},
+      {"clients_servers", {"K=4", "M=5"}, 29, 9, "2880"},
+      {"arms", {"N=3"}, 9, 6, "6"},
+      {"arms", {"N=8"}, 24, 16, "16"},
+      {"complete", {}, 9, 6, "6"},
+      {"complete", {"K=6"}, 36, 12, "720"},
+      {"two_speeds", {"N=7"}, 8, 1, "144"},
+  };
+  for (int d = 1; d <= 8; ++d) {
+    const int nodes = 1 << d;
+    const int joins = d * nodes / 2 + (8 - d) * nodes;
+    examples.push_back({"hypercube", {"d=" + std::to_string(d)}, nodes, joins, std::to_string(nodes)});
+  }
+  for (const Example& example : examples) {
+    SCOPED_TRACE(example.name + " " + ::testing::PrintToString(example.constants));
     const TempDir dir;
-    const nlohmann::json result = detect(c.name, c.constants);
-    EXPECT_EQ(result["group_order"], c.order) << c.name << " " << ::testing::PrintToString(c.constants);
+    const nlohmann::json result = detect(example.name, example.constants);
+    EXPECT_EQ(result["submodels"], example.submodels);
+    EXPECT_EQ(result["joins"], example.joins);
+    EXPECT_EQ(result["group_order"], example.order);
     EXPECT_TRUE(result["is_sound"]) << result["unsound_reason"];
     for (const char* file : {"types", "model_comp_graph", "mcg.viz", "detection.log", "permutations"}) {
       EXPECT_TRUE(std::filesystem::exists(std::string("run/") + file)) << file;
@@ -130,8 +137,7 @@ TEST(Detect, GivesUpTablesThatDoNotFit) {
   EXPECT_EQ(
       errors,
       "symfold: expected a value-permutation table of at most 1073741824 images, got more at base point 0\n");
-  EXPECT_EQ(outcome.err,
-            "symfold: error: the model's symmetries are too many to be listed or tabulated\n");
+  EXPECT_EQ(outcome.err, "symfold: error: the model's symmetries are too many to be listed or tabulated\n");
 }
 
 TEST(CommandLine, RefusesWrongUse) {
