@@ -61,7 +61,7 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
   try {
     return command();
   } catch (const ModelError& error) {
-    streams.err << error.what();
+    streams.err << error.what() << "\n";
     return kModelError;
   } catch (const TableLimitError& error) {
     streams.err << "symfold: " << error.what() << "\n";
