@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
@@ -24,6 +25,8 @@ namespace {
 constexpr std::size_t kPrintedGenerators = 20;
 constexpr std::size_t kPrintedOrbits = 20;
 constexpr std::size_t kPrintedNames = 12;
+constexpr std::size_t kPrintedCycles = 12;
+constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
 // The exact group order, in decimal.
 std::string group_order(const std::vector<int>& orbit_lengths) {
@@ -83,7 +86,8 @@ long peak_memory() {
   return usage.ru_maxrss * 1024L;
 }
 
-Report make_report(const ComposedModel& model, DetectionRun& run) {
+// The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
+Report make_report(const ComposedModel& model, DetectionRun& run, bool is_whole) {
   SymmetryDetection& detector = run.detector();
   Report report{};
   report.submodels = model.submodels.size();
@@ -94,7 +98,8 @@ Report make_report(const ComposedModel& model, DetectionRun& run) {
   for (const Permutation& generator : detector.OrigPermutations) {
     if (generator.IsIdentity()) continue;
     if (report.generator_count++ < kPrintedGenerators) {
-      report.generators.push_back(named_cycles(detector, generator));
+      report.generators.push_back(named_cycles(detector, generator, is_whole ? kAll : kPrintedNames,
+                                               is_whole ? kAll : kPrintedCycles));
     }
   }
   report.order = group_order(detector.SGSOrbitLengths);
@@ -117,7 +122,7 @@ void print_orbits(std::ostream& out, const char* kind, const std::vector<std::ve
   for (std::size_t i = 0; i < std::min(orbits.size(), kPrintedOrbits); ++i) {
     out << " ";
     for (std::size_t j = 0; j < std::min(orbits[i].size(), kPrintedNames); ++j) out << " " << orbits[i][j];
-    if (orbits[i].size() > kPrintedNames) out << " ... (" << orbits[i].size() << ")";
+    if (orbits[i].size() > kPrintedNames) out << " ... " << orbits[i].size();
     out << "\n";
   }
   if (orbits.size() > kPrintedOrbits) out << "  ... and " << orbits.size() - kPrintedOrbits << " more\n";
@@ -197,7 +202,7 @@ int run_detect(const DetectOptions& options, const Streams& streams) {
   const std::string directory =
       options.directory.empty() ? default_directory(options.model) : options.directory;
   DetectionRun run(model, directory, !options.no_log);
-  Report report = make_report(model, run);
+  Report report = make_report(model, run, options.json);
   report.model = options.model;
   report.directory = directory;
   report.phases.insert(report.phases.begin(), {"read", reading.count()});

@@ -1,5 +1,6 @@
 #include "host/symmetry_names.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -30,18 +31,23 @@ void walk_cycles(const Permutation& permutation, IsWanted is_wanted, Visit visit
 
 }  // namespace
 
-std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator) {
+std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator,
+                         std::size_t most_names, std::size_t most_cycles) {
   std::string text;
+  std::size_t count = 0;
   const auto node = [&](int point) -> const ModelCompGraphNode& {
     return detector.GraphNodes[static_cast<std::size_t>(point)];
   };
   walk_cycles(
       generator, [&](int point) { return node(point).PrivateOrJoin; },
       [&](const std::vector<int>& cycle) {
-        if (cycle.size() == 1) return;
-        for (std::size_t i = 0; i < cycle.size(); ++i) text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
-        text += ')';
+        if (cycle.size() == 1 || ++count > most_cycles) return;
+        for (std::size_t i = 0; i < std::min(cycle.size(), most_names); ++i) {
+          text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
+        }
+        text += cycle.size() > most_names ? " ... " + std::to_string(cycle.size()) + ")" : ")";
       });
+  if (count > most_cycles) text += " ... " + std::to_string(count) + " cycles";
   return text.empty() ? "()" : text;
 }
 

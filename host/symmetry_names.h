@@ -12,8 +12,11 @@
 namespace symfold {
 
 // A generator of the automorphism group in disjoint cycles of submodel and join names, in graph-node order:
-// "(phil_0 phil_1 phil_2)(fork_0 fork_1 fork_2)". Each join has one node: one shared variable.
-std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator);
+// "(phil_0 phil_1 phil_2)(fork_0 fork_1 fork_2)". Each join has one node: one shared variable. Of a cycle at
+// most `most_names` names are given, and then "... N" with their number; likewise at most `most_cycles`
+// cycles.
+std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator,
+                         std::size_t most_names, std::size_t most_cycles);
 
 // The orbits of the submodels and of the joins under the whole group, fixed ones included; in graph-node
 // order.

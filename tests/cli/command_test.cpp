@@ -111,6 +111,16 @@ TEST(Detect, TellsWhatAPersonWantsToKnow) {
             "3\nphil_0 Philosopher\nphil_1 Philosopher\nphil_2 Philosopher\n");
 }
 
+TEST(Detect, ShortensWhatIsLong) {
+  const TempDir dir;
+  const std::string ring = run({"detect", kExamples + "/philosophers.sym", "--const", "N=40"}).out;
+  EXPECT_NE(ring.find(" phil_10 phil_11 ... 40)(fork_0 "), std::string::npos) << ring;
+  const std::string grid = run({"detect", kExamples + "/torus.sym", "--const", "W=5", "--const", "H=5"}).out;
+  EXPECT_NE(grid.find(" ... 15 cycles\n"), std::string::npos) << grid;
+  const std::string star = run({"detect", kExamples + "/star.sym", "--const", "N=60"}).out;
+  EXPECT_NE(star.find("\n  ... and 39 more\n"), std::string::npos) << star;
+}
+
 TEST(Detect, ReadsStandardInputAndReportsModelErrors) {
   const TempDir dir;
   EXPECT_EQ(run({"detect", "-"}, "type T { private x : bool; }\nsystem S { t : T; }\n").code, kOk);
