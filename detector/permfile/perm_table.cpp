@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <climits>
+#include <ios>
 
 #include "detector/partitions/bijection.h"
 
@@ -116,6 +117,8 @@ std::string read_perm_table(std::istream& in, const std::string& name, PermTable
     Reader(in, table).read();
   } catch (const Fault& fault) {
     return name + ":" + std::to_string(fault.line) + ": error: " + fault.message;
+  } catch (const std::ios_base::failure&) {  // a device that fails
+    return name + ": error: cannot be read";
   }
   return "";
 }
