@@ -63,7 +63,7 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
   } catch (const ModelError& error) {
     streams.err << error.what() << "\n";
     return kModelError;
-  } catch (const TableLimitError& error) {
+  } catch (const GroupLimitError& error) {
     streams.err << "symfold: " << error.what() << "\n";
     return kLimitReached;
   } catch (const std::logic_error& error) {

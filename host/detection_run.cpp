@@ -69,7 +69,8 @@ DetectionRun::DetectionRun(const ComposedModel& model, const std::string& direct
   const DetectionLog log(writes_log ? "detection.log" : "");
   timed("graph and group", [&] { detector_.FindMCG(); });
   if (!detector_.HasWholeGroup) {
-    throw TableLimitError("error: the model's symmetries are too many to be listed or tabulated");
+    throw GroupLimitError(
+        "error: the symmetry group could not be listed or tabulated, as the line above says");
   }
   timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });

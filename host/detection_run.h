@@ -18,8 +18,8 @@ struct DetectionPhase {
   double seconds;
 };
 
-// The symmetries found are too many for tables to fold with.
-class TableLimitError : public std::runtime_error {
+// The symmetry group could not be listed, or its tables are too large; the detector has reported which.
+class GroupLimitError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
