@@ -94,15 +94,7 @@ Graph random_symmetric_graph(unsigned seed) {
 TEST(AutomorphismSearch, AgreesWithAllPermutationsOnRandomGraphsOfUpToEightVertices) {
   for (unsigned seed = 0; seed < 2000 && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
-    const Graph graph = random_symmetric_graph(seed);
-    const oracle::Group group = oracle::all_automorphisms(graph);
-    if (group.size() < 400) {
-      expect_automorphisms(graph);
-      continue;
-    }
-    const AutomorphismGroup found = find_automorphisms(graph_of(graph));
-    SCOPED_TRACE(graph.file_text());
-    EXPECT_EQ(oracle::closure(graph.n, images_of(graph.n, found.generators)), group);
+    expect_automorphisms(random_symmetric_graph(seed));
   }
 }
 
