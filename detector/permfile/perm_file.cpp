@@ -15,19 +15,12 @@
 namespace symfold {
 namespace {
 
-void write_list(std::ostream& out, const std::vector<int>& numbers, std::size_t count) {
+// A line of `count` numbers, each followed by a blank.
+template <class NumberAt>
+void write_list(std::ostream& out, std::size_t count, NumberAt number_at) {
   std::string line;
   for (std::size_t i = 0; i < count; ++i) {
-    line += std::to_string(numbers[i]);
-    line += ' ';
-  }
-  out << line << "\n";
-}
-
-void write_permutation(std::ostream& out, const Permutation& permutation, std::size_t count) {
-  std::string line;
-  for (std::size_t i = 0; i < count; ++i) {
-    line += std::to_string(permutation[static_cast<int>(i)]);
+    line += std::to_string(number_at(i));
     line += ' ';
   }
   out << line << "\n";
@@ -38,7 +31,9 @@ void write_base(std::ostream& out, int base, const std::vector<ValPerms>& record
   out << base << "\n" << records.size() << "\n";
   for (const ValPerms& record : records) {
     out << record.Value << "\n" << record.Perms.size() << "\n";
-    for (const Permutation& permutation : record.Perms) write_permutation(out, permutation, partition_count);
+    for (const Permutation& permutation : record.Perms) {
+      write_list(out, partition_count, [&](std::size_t i) { return permutation[static_cast<int>(i)]; });
+    }
   }
 }
 
@@ -60,8 +55,12 @@ std::string write_whole_file(const std::string& name, Write write) {
     if (!is_direct) fs::remove(written_name, error);
     return name + ": error: cannot be written: " + reason;
   }
-  if (!is_direct) fs::rename(written_name, name, error);
-  return error && !is_direct ? name + ": error: cannot be written: " + error.message() : "";
+  if (is_direct) return "";
+  fs::rename(written_name, name, error);
+  if (!error) return "";
+  const std::string reason = error.message();
+  fs::remove(written_name, error);
+  return name + ": error: cannot be written: " + reason;
 }
 
 void print_base(int base, const std::vector<ValPerms>& records) {
@@ -84,16 +83,14 @@ void SymmetryDetection::WritePermFile(std::string& name) {
       }
     }
   }
-  PermFileError = is_sound ? write_whole_file(name,
-                                              [&](std::ostream& out) {
-                                                out << partition_count << "\n";
-                                                write_list(out, PartitionInfo, partition_count);
-                                                write_list(out, CumPartitionInfo, partition_count);
-                                                out << Bases.size() << "\n";
-                                                for (const int base : Bases) {
-                                                  write_base(out, base, VPerms[base], partition_count);
-                                                }
-                                              })
+  const auto write = [&](std::ostream& out) {
+    out << partition_count << "\n";
+    write_list(out, partition_count, [this](std::size_t i) { return PartitionInfo[i]; });
+    write_list(out, partition_count, [this](std::size_t i) { return CumPartitionInfo[i]; });
+    out << Bases.size() << "\n";
+    for (const int base : Bases) write_base(out, base, VPerms[base], partition_count);
+  };
+  PermFileError = is_sound ? write_whole_file(name, write)
                            : name + ": error: not written: expected tables of " +
                                  std::to_string(partition_count) + " partitions";
   if (!PermFileError.empty()) report_refusal(PermFileError);
