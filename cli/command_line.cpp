@@ -15,6 +15,15 @@
 namespace symfold {
 namespace {
 
+void add_model_input(CLI::App& app, ModelInput& input) {
+  app.add_option("MODEL", input.model, "Model file; - is standard input")->required();
+  app.add_option("--const", input.constants, "Replace a constant, for instance --const N=8")
+      ->allow_extra_args(false)
+      ->check([](const std::string& text) {
+        return text.find('=') == std::string::npos ? "expected NAME=VALUE, got " + text : std::string();
+      });
+}
+
 // The subcommands with their options; `command` becomes the one that was chosen.
 struct Program {
   explicit Program(const Streams& streams) {
@@ -22,12 +31,7 @@ struct Program {
     app.set_version_flag("--version", SYMFOLD_VERSION);
 
     CLI::App* detect_app = app.add_subcommand("detect", "Find the symmetries of a model");
-    detect_app->add_option("MODEL", detect.model, "Model file; - is standard input")->required();
-    detect_app->add_option("--const", detect.constants, "Replace a constant, for instance --const N=8")
-        ->allow_extra_args(false)
-        ->check([](const std::string& text) {
-          return text.find('=') == std::string::npos ? "expected NAME=VALUE, got " + text : std::string();
-        });
+    add_model_input(*detect_app, detect.input);
     detect_app->add_option("-o,--output", detect.directory,
                            "Run directory (default: the model's name, .symfold)");
     detect_app->add_flag("--no-log", detect.no_log, "Do not write detection.log");

@@ -1,10 +1,6 @@
 #include "cli/detect_command.h"
 
-#include <sys/resource.h>
-
-#include <boost/multiprecision/cpp_int.hpp>
 #include <chrono>
-#include <filesystem>
 #include <iomanip>
 #include <iostream>
 #include <limits>
@@ -12,11 +8,10 @@
 #include <sstream>
 #include <utility>
 
-#include "cli/counted.h"
 #include "cli/exit_codes.h"
+#include "cli/figures.h"
 #include "host/detection_log.h"
 #include "host/detection_run.h"
-#include "host/model_reader.h"
 #include "host/symmetry_names.h"
 
 namespace symfold {
@@ -28,27 +23,9 @@ constexpr std::size_t kPrintedNames = 12;
 constexpr std::size_t kPrintedCycles = 12;
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
-// The exact group order, in decimal.
-std::string group_order(const std::vector<int>& orbit_lengths) {
-  boost::multiprecision::cpp_int order = 1;
-  for (const int length : orbit_lengths) order *= length;
-  return order.str();
-}
-
 std::string hexadecimal(const std::vector<unsigned char>& bytes) {
   std::ostringstream text;
   for (const unsigned char byte : bytes) text << std::hex << std::setw(2) << std::setfill('0') << int{byte};
-  return text.str();
-}
-
-std::string duration(double seconds) {
-  std::ostringstream text;
-  text << std::fixed;
-  if (seconds < 1) {
-    text << std::setprecision(1) << seconds * 1000 << " ms";
-  } else {
-    text << std::setprecision(2) << seconds << " s";
-  }
   return text.str();
 }
 
@@ -65,7 +42,7 @@ struct Report {
   std::string initial_state, initial_label;  // hexadecimal
   std::string unsound_reason;
   std::vector<DetectionPhase> phases;
-  long peak_bytes;
+  std::size_t peak_bytes;
 };
 
 std::string label_of(SymmetryDetection& detector, std::vector<unsigned char> state) {
@@ -78,12 +55,6 @@ std::string label_of(SymmetryDetection& detector, std::vector<unsigned char> sta
   detector.Cleanup();
   detector.CleanStaticMembers();
   return hexadecimal(label);
-}
-
-long peak_memory() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss * 1024L;
 }
 
 // The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
@@ -152,7 +123,7 @@ void print_report(std::ostream& out, const Report& report) {
   out << "time ";
   for (const DetectionPhase& phase : report.phases)
     out << " " << phase.name << " " << duration(phase.seconds) << ",";
-  out << " peak memory " << report.peak_bytes / (1 << 20) << " MiB\n"
+  out << " peak memory " << mebibytes(report.peak_bytes) << "\n"
       << "files  " << report.directory << "\n";
 }
 
@@ -178,32 +149,17 @@ void print_json(std::ostream& out, const Report& report) {
   out << json.dump(2) << "\n";
 }
 
-std::vector<ConstOverride> as_overrides(const std::vector<std::string>& constants) {
-  std::vector<ConstOverride> overrides;
-  for (const std::string& text : constants) {
-    const auto equals = text.find('=');
-    overrides.push_back({text.substr(0, equals), text.substr(equals + 1)});
-  }
-  return overrides;
-}
-
-std::string default_directory(const std::string& model) {
-  return (model == "-" ? "model" : std::filesystem::path(model).stem().string()) + ".symfold";
-}
-
 }  // namespace
 
 int run_detect(const DetectOptions& options, const Streams& streams) {
   const auto start = std::chrono::steady_clock::now();
-  const std::vector<ConstOverride> constants = as_overrides(options.constants);
-  const ComposedModel model = options.model == "-" ? read_model(streams.in, "standard input", constants)
-                                                   : read_model(options.model, constants);
+  const ComposedModel model = read_input(options.input, streams);
   const std::chrono::duration<double> reading = std::chrono::steady_clock::now() - start;
   const std::string directory =
-      options.directory.empty() ? default_directory(options.model) : options.directory;
+      options.directory.empty() ? options.input.stem() + ".symfold" : options.directory;
   DetectionRun run(model, directory, !options.no_log);
   Report report = make_report(model, run, options.json);
-  report.model = options.model;
+  report.model = options.input.model;
   report.directory = directory;
   report.phases.insert(report.phases.begin(), {"read", reading.count()});
   if (options.json) {

@@ -4,16 +4,15 @@
 #define SYMFOLD_CLI_DETECT_COMMAND_H
 
 #include <string>
-#include <vector>
 
+#include "cli/model_input.h"
 #include "cli/streams.h"
 
 namespace symfold {
 
 struct DetectOptions {
-  std::string model;                   // "-" is standard input
-  std::vector<std::string> constants;  // each NAME=VALUE
-  std::string directory;               // empty: named after the model
+  ModelInput input;
+  std::string directory;  // empty: named after the model
   bool no_log = false;
   bool json = false;
 };

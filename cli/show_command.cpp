@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/counted.h"
 #include "cli/exit_codes.h"
+#include "cli/figures.h"
 #include "host/state_labeller.h"
 
 namespace symfold {

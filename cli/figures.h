@@ -1,0 +1,29 @@
+// Figures as people read them.
+
+#ifndef SYMFOLD_CLI_FIGURES_H
+#define SYMFOLD_CLI_FIGURES_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace symfold {
+
+// "1 join", "2 joins".
+std::string counted(std::size_t count, const std::string& noun);
+
+// "0.4 ms", "2.50 s".
+std::string duration(double seconds);
+
+// "4 MiB".
+std::string mebibytes(std::size_t bytes);
+
+// The exact order of a group, in decimal: the product of its chain's orbit lengths.
+std::string group_order(const std::vector<int>& orbit_lengths);
+
+// The most memory that the process has held so far, in bytes.
+std::size_t peak_memory();
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_CLI_FIGURES_H
