@@ -3,6 +3,7 @@
 #include <iostream>
 #include <new>
 
+#include "detector/labelling/move_plan.h"
 #include "detector/partitions/byte_sizes.h"
 #include "detector/symmetry_detection.h"
 

@@ -30,6 +30,7 @@
 
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,8 @@
 #include "components/saucy_obj.h"
 
 namespace symfold {
+
+class MovePlan;
 
 class SymmetryDetection {
  public:
@@ -117,8 +120,10 @@ class SymmetryDetection {
 
   // Writes the canonical label of `state` to `out` (TotalStateSize bytes each, may be the same) and, unless
   // perm is null, the num_partitions entries of P1 P2 ... Pk (entry y is P1[P2[...Pk[y]...]]), Pi being the
-  // permutation chosen at base i. Allocates nothing; its cost is the sum of the orbit lengths times the
-  // state's size.
+  // permutation chosen at base i. Afterwards af_current_state and af_best_state hold the label too, and
+  // af_best_perm these entries (the identity where perm is null). Allocates nothing. Cost: a few nanoseconds
+  // per record of the tables ConvertSTLToStatic found; tables with permutations that are no bijections
+  // between partitions of equal size cost a pass over the state per record.
   void FindCanonicalLabel(void* state, void* out, short* perm);
 
   // Writes to `witness` the permutation of the num_partitions partitions that carries the state of the last
@@ -215,8 +220,15 @@ class SymmetryDetection {
   void MovePartitions(const Permutation& permutation, const PartitionLayout& layout);
   void ApplyRecords(const void* state, const ValPerms* records, int record_count, int value,
                     const PartitionLayout& layout, void* out);
+  bool PlanApplies() const;
+  void SearchByPlan(const void* state, bool composes);
+  void SearchStepByStep(const void* state, bool composes);
+  void FindLastPermutation(int step);
   void ComposeBestPerm();
   void DropTables();
+
+  // Made by ConvertSTLToStatic where it can express the static tables.
+  std::unique_ptr<MovePlan> plan_;
 };
 
 }  // namespace symfold

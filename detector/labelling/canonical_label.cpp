@@ -1,12 +1,17 @@
 // The canonical label search: greedy, base by base. For each base point every stored permutation of its orbit
 // is tried on the current state; the largest image, bytes in memcmp order, goes on to the next base.
 //
-// Cost per state: one pass over the state per orbit point of every base. Nothing is allocated.
+// Two roads lead to the same label. The plan (move_plan.h) takes tables of bijections between partitions of
+// equal size, as detection makes them. Step by step go all others: every image is made, at the cost of a pass
+// over the state, and an entry that leads outside the state ends the process. Nothing is allocated on either.
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 
+#include "detector/labelling/move_plan.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -37,6 +42,38 @@ void SymmetryDetection::FindCanonicalLabel(void* state, void* out, short* perm) 
   const auto state_size = static_cast<std::size_t>(TotalStateSize);
   const auto perm_size = static_cast<std::size_t>(num_partitions) * sizeof(short);
   std::memcpy(af_best_perm, af_identity_perm, perm_size);
+  if (PlanApplies()) {
+    SearchByPlan(state, perm != nullptr);
+  } else {
+    SearchStepByStep(state, perm != nullptr);
+  }
+  std::memcpy(out, af_current_state, state_size);
+  if (perm != nullptr) std::memcpy(perm, af_best_perm, perm_size);
+}
+
+// The plan answers for the tables that it was made from; whoever changed what the search reads gets the
+// search step by step, with its checks. So does whoever asks for more partitions than a short can number.
+bool SymmetryDetection::PlanApplies() const {
+  return plan_ != nullptr && plan_->state_size() == TotalStateSize &&
+         plan_->partition_count() == num_partitions && num_partitions <= SHRT_MAX &&
+         std::equal(Bases.begin(), Bases.end(), static_bases, static_bases + num_bases);
+}
+
+void SymmetryDetection::SearchByPlan(const void* state, bool composes) {
+  plan_->start(static_cast<const unsigned char*>(state));
+  for (int i = 0; i < num_bases; ++i) {
+    af_choice[i] = plan_->advance(static_cast<std::size_t>(i));
+    if (!composes || af_choice[i] < 0) continue;
+    FindLastPermutation(i);
+    ComposeBestPerm();
+  }
+  std::memcpy(af_current_state, plan_->current(), static_cast<std::size_t>(TotalStateSize));
+  std::memcpy(af_best_state, plan_->current(), static_cast<std::size_t>(TotalStateSize));
+}
+
+void SymmetryDetection::SearchStepByStep(const void* state, bool composes) {
+  const auto state_size = static_cast<std::size_t>(TotalStateSize);
+  const auto perm_size = static_cast<std::size_t>(num_partitions) * sizeof(short);
   std::memcpy(af_current_state, state, state_size);
   std::memcpy(af_best_state, state, state_size);
   for (int i = 0; i < num_bases; ++i) {
@@ -49,14 +86,25 @@ void SymmetryDetection::FindCanonicalLabel(void* state, void* out, short* perm) 
       FindNewState_static(af_current_state, base, af_orbit_copy[j], af_new_state);
       if (std::memcmp(af_new_state, af_best_state, state_size) <= 0) continue;
       std::memcpy(af_best_state, af_new_state, state_size);
-      if (perm != nullptr) std::memcpy(af_temp_best_perm, af_new_perm, perm_size);
+      if (composes) std::memcpy(af_temp_best_perm, af_new_perm, perm_size);
       af_choice[i] = j;
     }
     std::memcpy(af_current_state, af_best_state, state_size);
-    if (perm != nullptr) ComposeBestPerm();
+    if (composes) ComposeBestPerm();
   }
-  std::memcpy(out, af_current_state, state_size);
-  if (perm != nullptr) std::memcpy(perm, af_best_perm, perm_size);
+}
+
+// af_temp_best_perm: the inverse of the permutation that the choice at base `step` applies last.
+void SymmetryDetection::FindLastPermutation(int step) {
+  const int slot = FindBaseSlot(static_bases[step]);
+  const int value = static_vperms[slot][af_choice[step]].Value;
+  for (int j = static_num_vperms[slot]; j-- > 0;) {
+    const ValPerms& record = static_vperms[slot][j];
+    if (record.Value != value || record.Perms.empty()) continue;
+    const int* last = record.Perms.back().GetP();
+    for (int c = 0; c < num_partitions; ++c) af_temp_best_perm[last[c]] = static_cast<short>(c);
+    return;
+  }
 }
 
 void SymmetryDetection::ComposeBestPerm() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "detector/labelling/move_plan.h"
 #include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
@@ -39,6 +40,13 @@ void SymmetryDetection::ConvertSTLToStatic() {
   af_orbit_copy = new int[longest_orbit];
   af_choice = new int[Bases.size()];
   std::fill_n(af_choice, Bases.size(), -1);
+  std::vector<std::span<const ValPerms>> records_of_base;
+  for (int i = 0; i < num_bases; ++i) {
+    const int slot = FindBaseSlot(static_bases[i]);
+    records_of_base.emplace_back(static_vperms[slot], static_cast<std::size_t>(static_num_vperms[slot]));
+  }
+  plan_ = MovePlan::make(records_of_base, {static_partition_sizes, partition_count},
+                         {static_partition_offsets, partition_count});
 }
 
 void SymmetryDetection::PrintStaticMembers() {
@@ -71,6 +79,7 @@ void SymmetryDetection::CleanStaticMembers() {
     *array = nullptr;
   }
   num_bases = 0;
+  plan_.reset();
 }
 
 }  // namespace symfold

@@ -1,0 +1,218 @@
+// Moves of bytes in place of permutations of partitions.
+//
+// Idea. Between two states of one search step only the order of partitions differs, so an image is the state
+// read in another order. A move writes that order down as pieces: up to byte `end` of the image, byte b is
+// byte b + shift of the state. Neighbours with one shift are one piece, so a rotation has two pieces, however
+// many partitions it turns, and an exchange of two partitions at most five. Four partitions of 2 bytes:
+//
+//   state  aa bb cc dd      rotated by one     bb cc dd aa   pieces (6, +2) (8, -6)
+//                           first two swapped  bb aa cc dd   pieces (2, +2) (4, -2) (8, 0)
+//
+// To find the larger of two images, walk their pieces side by side: bytes that both take from the same place
+// are equal unread, the others are compared eight at a time, up to the first difference. The largest image is
+// made only when its step is over.
+//
+// Most images lose at once. All moves of a step leave the bytes before the step's first byte alone, so each
+// image's head, the bytes from there on as far as two pieces of every move reach but at most eight, is one
+// number put together from two loads; only equal heads make the walk necessary.
+//
+// Loads and stores take whole words. Where they read or write past a piece, the surplus is masked or
+// overwritten by the next piece, and past the state it falls into the room around the buffers.
+//
+// Cost per state: a few nanoseconds per record, and the bytes of one state per base that changes it.
+//
+// Tried and dropped: keeping the moved partitions only, with destination, source and length, and comparing on
+// the union of two such lists. It needs three cases at every boundary where pieces without gaps need none.
+
+#include "detector/labelling/move_plan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <numeric>
+
+#include "detector/partitions/bijection.h"
+
+namespace symfold {
+namespace {
+
+constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+constexpr int kWord = 8;           // bytes compared at once
+constexpr std::size_t kRoom = 16;  // bytes copied at once
+
+// Eight bytes as a number that is ordered as memcmp orders them.
+std::uint64_t load_word(const unsigned char* bytes) {
+  std::uint64_t word = 0;
+  for (int i = 0; i < kWord; ++i) word = word << 8 | bytes[i];
+  return word;
+}
+
+// The mask of the first `bytes` bytes of a word.
+std::uint64_t leading(int bytes) { return bytes == 0 ? 0 : ~std::uint64_t{0} << 8 * (kWord - bytes); }
+
+// Whether the partitions follow each other without gaps from byte 0 on, and end within an int.
+bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
+  std::int64_t end = 0;
+  for (std::size_t c = 0; c < sizes.size(); ++c) {
+    if (sizes[c] < 0 || offsets[c] != end) return false;
+    end += sizes[c];
+    if (end > INT32_MAX) return false;
+  }
+  return true;
+}
+
+bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes) {
+  if (permutation.GetN() != static_cast<int>(sizes.size()) || !is_bijection(permutation)) return false;
+  for (std::size_t c = 0; c < sizes.size(); ++c) {
+    if (sizes[c] != sizes[static_cast<std::size_t>(permutation.GetP()[c])]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPerms>>& records_of_base,
+                                         std::span<const int> sizes, std::span<const int> offsets) {
+  if (!is_tiling(sizes, offsets)) return nullptr;
+  std::unique_ptr<MovePlan> plan(
+      new MovePlan(std::accumulate(sizes.begin(), sizes.end(), 0), static_cast<int>(sizes.size())));
+  for (const std::span<const ValPerms> records : records_of_base) {
+    if (!plan->add_step(records, sizes, offsets)) return nullptr;
+  }
+  return plan;
+}
+
+MovePlan::MovePlan(int state_size, int partition_count)
+    : state_size_(state_size), partition_count_(partition_count), staying_{state_size, 0} {
+  const std::size_t stride = static_cast<std::size_t>(state_size) + 2 * kRoom;
+  buffers_.resize(2 * stride);
+  current_ = buffers_.data() + kRoom;
+  next_ = current_ + stride;
+}
+
+// All records of a value act together, so only the first of them is a move of its own.
+bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> sizes,
+                        std::span<const int> offsets) {
+  std::map<int, std::vector<std::size_t>> records_of_value;
+  for (std::size_t j = 0; j < records.size(); ++j) records_of_value[records[j].Value].push_back(j);
+  Step step{moves_.size(), moves_.size(), state_size_, 0};
+  std::vector<int> sources(sizes.size());
+  std::vector<int> moved(sizes.size());
+  for (std::size_t j = 0; j < records.size(); ++j) {
+    const std::vector<std::size_t>& together = records_of_value[records[j].Value];
+    if (together.front() != j) continue;
+    std::iota(sources.begin(), sources.end(), 0);
+    for (const std::size_t k : together) {
+      for (const Permutation& permutation : records[k].Perms) {
+        if (!keeps_sizes(permutation, sizes)) return false;
+        for (std::size_t c = 0; c < sizes.size(); ++c) {
+          moved[static_cast<std::size_t>(permutation.GetP()[c])] = sources[c];
+        }
+        sources.swap(moved);
+      }
+    }
+    add_move(static_cast<int>(j), sources, sizes, offsets);
+    if (pieces_.size() * sizeof(Piece) + moves_.size() * (sizeof(Move) + sizeof(Head)) > kMostBytes)
+      return false;
+  }
+  step.end_move = moves_.size();
+  add_heads(step);
+  steps_.push_back(step);
+  return true;
+}
+
+// `sources`: per partition of the image, the partition of the state that lands there. A move of one piece
+// moves nothing and can never win.
+void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
+                        std::span<const int> offsets) {
+  const std::size_t first_piece = pieces_.size();
+  for (std::size_t d = 0; d < sources.size(); ++d) {
+    if (sizes[d] == 0) continue;
+    const int shift = offsets[static_cast<std::size_t>(sources[d])] - offsets[d];
+    if (pieces_.size() == first_piece || pieces_.back().shift != shift) pieces_.push_back({0, shift});
+    pieces_.back().end = offsets[d] + sizes[d];
+  }
+  if (pieces_.size() <= first_piece + 1) {
+    pieces_.resize(first_piece);
+  } else {
+    moves_.push_back({static_cast<std::uint32_t>(first_piece), record});
+  }
+}
+
+// Every move begins at the step's first byte from now on.
+void MovePlan::add_heads(Step& step) {
+  const auto moves = std::span(moves_).subspan(step.first_move, step.end_move - step.first_move);
+  for (const Move& move : moves) {
+    const Piece& first = pieces_[move.first_piece];
+    step.first_byte = std::min(step.first_byte, first.shift == 0 ? first.end : 0);
+  }
+  int length = kWord;
+  for (Move& move : moves) {
+    if (pieces_[move.first_piece].end == step.first_byte) ++move.first_piece;
+    const Piece& first = pieces_[move.first_piece];
+    const Piece& second = pieces_[move.first_piece + 1];
+    length = std::min(length, second.end - step.first_byte);
+    heads_.push_back({first.shift, second.shift, leading(std::min(kWord, first.end - step.first_byte))});
+  }
+  step.head_surplus = 8 * (kWord - length);
+}
+
+void MovePlan::start(const unsigned char* state) {
+  std::memcpy(current_, state, static_cast<std::size_t>(state_size_));
+}
+
+std::uint64_t MovePlan::head_of(const Head& head, const Step& step) const {
+  const unsigned char* at = current_ + step.first_byte;
+  const std::uint64_t first = load_word(at + head.first_shift) & head.first_mask;
+  const std::uint64_t second = load_word(at + head.second_shift) & ~head.first_mask;
+  return (first | second) >> step.head_surplus;
+}
+
+int MovePlan::advance(std::size_t index) {
+  const Step& step = steps_[index];
+  int winner = -1;
+  const Piece* best = &staying_;
+  std::uint64_t best_head = head_of({0, 0, 0}, step);
+  for (std::size_t m = step.first_move; m < step.end_move; ++m) {
+    const std::uint64_t head = head_of(heads_[m], step);
+    if (head < best_head) continue;
+    const Piece* pieces = &pieces_[moves_[m].first_piece];
+    if (head == best_head && !is_greater(pieces, best, step.first_byte)) continue;
+    winner = moves_[m].record;
+    best = pieces;
+    best_head = head;
+  }
+  if (winner >= 0) apply(best, step.first_byte);
+  return winner;
+}
+
+bool MovePlan::is_greater(const Piece* a, const Piece* b, int position) const {
+  while (position < state_size_) {
+    const int end = std::min(a->end, b->end);
+    if (a->shift != b->shift) {
+      for (; position < end; position += kWord) {
+        const int surplus = 8 * std::max(0, kWord - (end - position));
+        const std::uint64_t word_a = load_word(current_ + position + a->shift) >> surplus;
+        const std::uint64_t word_b = load_word(current_ + position + b->shift) >> surplus;
+        if (word_a != word_b) return word_a > word_b;
+      }
+    }
+    position = end;
+    a += a->end == end;
+    b += b->end == end;
+  }
+  return false;
+}
+
+void MovePlan::apply(const Piece* pieces, int first_byte) {
+  std::memcpy(next_, current_, static_cast<std::size_t>(first_byte));
+  for (int position = first_byte; position < state_size_; ++pieces) {
+    for (; position < pieces->end; position += static_cast<int>(kRoom)) {
+      std::memcpy(next_ + position, current_ + position + pieces->shift, kRoom);
+    }
+    position = pieces->end;
+  }
+  std::swap(current_, next_);
+}
+
+}  // namespace symfold
