@@ -28,6 +28,7 @@ struct ValueSet {
   int high = 1;
   std::shared_ptr<const std::vector<std::string>> literals;  // of an enumeration only
 
+  std::size_t size() const { return static_cast<std::size_t>(high - low) + 1; }
   bool contains(std::int64_t value) const { return value >= low && value <= high; }
 };
 
@@ -52,6 +53,11 @@ struct TypeInstance {
   std::vector<Value> arguments;
   std::vector<Variable> private_variables;  // in order of declaration, like VariableDecl::slot
   std::vector<Variable> shared_variables;
+
+  const ValueSet& values_of(const VariableDecl& variable) const {
+    const auto slot = static_cast<std::size_t>(variable.slot);
+    return (variable.is_shared ? shared_variables : private_variables)[slot].values;
+  }
 
   int byte_size() const { return kBytesPerVariable * static_cast<int>(private_variables.size()); }
 };

@@ -1,8 +1,5 @@
 #include "host/language/evaluator.h"
 
-#include <algorithm>
-#include <cmath>
-#include <optional>
 #include <stdexcept>
 
 namespace symfold {
@@ -18,8 +15,6 @@ class Evaluation {
  private:
   Value operand(const Expr& expr, std::size_t i) const { return value_of(expr.operands[i]); }
   Value reference(const Expr& expr) const;
-  Value integer_operation(const Expr& expr, std::int64_t a, std::int64_t b) const;
-  Value real_operation(const Expr& expr, double a, double b) const;
   Value arithmetic(const Expr& expr) const;
   Value unary(const Expr& expr) const;
   Value comparison(const Expr& expr) const;
@@ -28,35 +23,6 @@ class Evaluation {
   const Environment& environment_;
   Budget& budget_;
 };
-
-Value checked(const Expr& expr, std::optional<std::int64_t> result) {
-  if (!result) throw EvaluationError{expr.operator_offset, "expected a result in the range of a 64-bit int"};
-  return Value::of_int(*result);
-}
-
-Value checked(const Expr& expr, double result) {
-  if (!std::isfinite(result))
-    throw EvaluationError{expr.operator_offset, "expected a result in the range of a real"};
-  return Value::of_real(result);
-}
-
-template <typename Number>
-bool compare(Op op, Number a, Number b) {
-  switch (op) {
-    case Op::kEqual:
-      return a == b;
-    case Op::kNotEqual:
-      return a != b;
-    case Op::kLess:
-      return a < b;
-    case Op::kLessEqual:
-      return a <= b;
-    case Op::kGreater:
-      return a > b;
-    default:
-      return a >= b;
-  }
-}
 
 Value Evaluation::value_of(ExprId id) const {
   budget_.spend(1);
@@ -100,10 +66,8 @@ Value Evaluation::reference(const Expr& expr) const {
 Value Evaluation::unary(const Expr& expr) const {
   const Value value = operand(expr, 0);
   if (expr.op == Op::kNot) return Value::of_bool(!value.is_true());
-  if (value.scalar == Scalar::kReal)
-    return Value::of_real(expr.op == Op::kNegate ? -value.real : std::abs(value.real));
-  if (expr.op == Op::kAbs && value.integer >= 0) return value;
-  return checked(expr, checked_subtract(0, value.integer));
+  if (value.scalar == Scalar::kReal) return Value::of_real(apply(expr.op, value.real, expr.operator_offset));
+  return Value::of_int(apply(expr.op, value.integer, expr.operator_offset));
 }
 
 Value Evaluation::comparison(const Expr& expr) const {
@@ -117,47 +81,10 @@ Value Evaluation::comparison(const Expr& expr) const {
 Value Evaluation::arithmetic(const Expr& expr) const {
   const Value a = operand(expr, 0);
   const Value b = operand(expr, 1);
-  if (expr.type.scalar == Scalar::kReal) return real_operation(expr, a.as_real(), b.as_real());
-  return integer_operation(expr, a.integer, b.integer);
-}
-
-Value Evaluation::real_operation(const Expr& expr, double a, double b) const {
-  switch (expr.op) {
-    case Op::kAdd:
-      return checked(expr, a + b);
-    case Op::kSubtract:
-      return checked(expr, a - b);
-    case Op::kMultiply:
-      return checked(expr, a * b);
-    case Op::kDivide:
-      if (b == 0) throw EvaluationError{expr.operator_offset, "division by zero"};
-      return checked(expr, a / b);
-    case Op::kMin:
-      return Value::of_real(std::min(a, b));
-    default:
-      return Value::of_real(std::max(a, b));
+  if (expr.type.scalar == Scalar::kReal) {
+    return Value::of_real(apply(expr.op, a.as_real(), b.as_real(), expr.operator_offset));
   }
-}
-
-Value Evaluation::integer_operation(const Expr& expr, std::int64_t a, std::int64_t b) const {
-  const bool divides = expr.op == Op::kDivideDown || expr.op == Op::kRemainder;
-  if (divides && b == 0) throw EvaluationError{expr.operator_offset, "division by zero"};
-  switch (expr.op) {
-    case Op::kAdd:
-      return checked(expr, checked_add(a, b));
-    case Op::kSubtract:
-      return checked(expr, checked_subtract(a, b));
-    case Op::kMultiply:
-      return checked(expr, checked_multiply(a, b));
-    case Op::kDivideDown:
-      return checked(expr, checked_divide_down(a, b));
-    case Op::kRemainder:
-      return Value::of_int(remainder_of_divide_down(a, b));
-    case Op::kMin:
-      return Value::of_int(std::min(a, b));
-    default:
-      return Value::of_int(std::max(a, b));
-  }
+  return Value::of_int(apply(expr.op, a.integer, b.integer, expr.operator_offset));
 }
 
 }  // namespace

@@ -5,17 +5,11 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 
+#include "host/language/arithmetic.h"
 #include "host/language/model_description.h"
 
 namespace symfold {
-
-// Where an expression has no value, and why.
-struct EvaluationError {
-  Offset offset = 0;
-  std::string message;
-};
 
 // The work that one model may ask for, so that no text of ours runs for ever.
 class Budget {

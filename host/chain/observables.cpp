@@ -1,0 +1,134 @@
+#include "host/chain/observables.h"
+
+#include <algorithm>
+
+#include "host/chain/state_text.h"
+
+namespace symfold {
+namespace {
+
+// Entries of all quantifiers' tables together, 8 bytes each.
+constexpr std::size_t kMostRemembered = std::size_t{1} << 23;
+
+bool equal(const Value& a, const Value& b) {
+  return a.scalar == Scalar::kReal || b.scalar == Scalar::kReal ? a.as_real() == b.as_real()
+                                                                : a.integer == b.integer;
+}
+
+}  // namespace
+
+Observables::Observables(const ComposedModel& model, const StateLayout& layout,
+                         const LocalStates& local_states)
+    : model_(model), layout_(layout), local_states_(local_states), compiler_(*model.description) {
+  for (const ObservableDecl& declaration : model.description->observables) {
+    std::vector<int> around;
+    Program program =
+        compiler_.compile(declaration.value, declaration.is_reward ? kRealType : kBoolType, around,
+                          [&](ExprId quantifier) { return add_quantifier(quantifier, around); });
+    (declaration.is_reward ? rewards_ : labels_)
+        .push_back({std::string(declaration.name.text), std::move(program)});
+  }
+}
+
+// Compiles a quantifier that stands inside those `around` it.
+std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int>& around) {
+  const Expr& expr = model_.description->expr(id);
+  const ExprId body = expr.operands[0];
+  const StaticType& type = model_.description->expr(body).type;
+  QuantifierLoop loop{expr.op,
+                      type == kRealType,
+                      around.size(),
+                      expr.offset,
+                      range_of(model_.description->quantifiers[static_cast<std::size_t>(expr.quantifier)]),
+                      {},
+                      around.empty(),
+                      {},
+                      {},
+                      {}};
+  around.push_back(expr.quantifier);
+  loop.body = compiler_.compile(body, type, around, [&](ExprId inner) {
+    loop.is_remembered = false;
+    return add_quantifier(inner, around);
+  });
+  around.pop_back();
+  if (local_states_.total() * (quantifiers_.size() + 1) > kMostRemembered) loop.is_remembered = false;
+  if (loop.is_remembered) {
+    loop.known.resize(local_states_.total());
+    loop.is_known.resize(local_states_.total());
+  }
+  quantifiers_.push_back(std::move(loop));
+  return static_cast<std::uint32_t>(quantifiers_.size() - 1);
+}
+
+std::vector<std::uint32_t> Observables::range_of(const Quantifier& quantifier) const {
+  std::vector<Value> arguments;
+  Budget budget(kMostExpressions);
+  for (const ExprId argument : quantifier.arguments) {
+    arguments.push_back(evaluate(*model_.description, argument, {}, budget));
+  }
+  std::vector<bool> is_in_range;
+  for (const TypeInstance& instance : model_.instances) {
+    is_in_range.push_back(instance.type == quantifier.type_index &&
+                          (!quantifier.has_arguments || std::equal(arguments.begin(), arguments.end(),
+                                                                   instance.arguments.begin(), equal)));
+  }
+  std::vector<std::uint32_t> submodels;
+  for (std::size_t s = 0; s < model_.submodels.size(); ++s) {
+    if (is_in_range[static_cast<std::size_t>(model_.submodels[s].instance)]) {
+      submodels.push_back(static_cast<std::uint32_t>(s));
+    }
+  }
+  return submodels;
+}
+
+Cell Observables::value_in(const Observable& observable, const std::int16_t* state,
+                           const std::uint32_t* local) {
+  local_ = local;
+  Frames frames(state, this);
+  try {
+    return evaluate(observable.value, frames);
+  } catch (const EvaluationError& error) {
+    fail_in_state(model_, layout_, error, '"' + observable.name + '"', state);
+  }
+}
+
+Cell Observables::value_of(std::uint32_t quantifier, Frames& frames) {
+  QuantifierLoop& loop = quantifiers_[quantifier];
+  if (loop.op == Op::kSum && loop.is_real) return real_sum(loop, frames);
+  const bool decides = loop.op == Op::kExists;  // the body's value that ends exists and forall
+  std::int64_t sum = 0;
+  for (const std::uint32_t submodel : loop.submodels) {
+    const std::int64_t value = body_value(loop, submodel, frames).integer;
+    if (loop.op == Op::kSum || loop.op == Op::kCount) {
+      sum = apply(Op::kAdd, sum, value, loop.offset);
+    } else if ((value != 0) == decides) {
+      return Cell{.integer = value};
+    }
+  }
+  return Cell{.integer = loop.op == Op::kForAll ? 1 : sum};
+}
+
+Cell Observables::real_sum(QuantifierLoop& loop, Frames& frames) {
+  loop.summands.clear();
+  for (const std::uint32_t submodel : loop.submodels) {
+    loop.summands.push_back(body_value(loop, submodel, frames).real);
+  }
+  std::sort(loop.summands.begin(), loop.summands.end());
+  double sum = 0;
+  for (const double summand : loop.summands) sum = apply(Op::kAdd, sum, summand, loop.offset);
+  return Cell{.real = sum};
+}
+
+Cell Observables::body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames) {
+  const std::uint32_t local = loop.is_remembered ? local_[submodel] : LocalStates::kNone;
+  if (local != LocalStates::kNone && loop.is_known[local]) return loop.known[local];
+  frames.set(loop.frame, layout_.slots_of(submodel));
+  const Cell value = evaluate(loop.body, frames);
+  if (local != LocalStates::kNone) {
+    loop.known[local] = value;
+    loop.is_known[local] = true;
+  }
+  return value;
+}
+
+}  // namespace symfold

@@ -1,0 +1,81 @@
+#include "host/chain/program.h"
+
+namespace symfold {
+namespace {
+
+Cell cell(std::int64_t value) { return Cell{.integer = value}; }
+Cell cell(double value) { return Cell{.real = value}; }
+
+Cell unary(const Instruction& instruction, Cell a, Offset offset) {
+  switch (instruction.opcode) {
+    case Opcode::kToReal:
+      return cell(static_cast<double>(a.integer));
+    case Opcode::kNot:
+      return cell(std::int64_t{a.integer == 0});
+    case Opcode::kUnaryInt:
+      return cell(apply(instruction.op, a.integer, offset));
+    default:
+      return cell(apply(instruction.op, a.real, offset));
+  }
+}
+
+Cell binary(const Instruction& instruction, Cell a, Cell b, Offset offset) {
+  switch (instruction.opcode) {
+    case Opcode::kBinaryInt:
+      return cell(apply(instruction.op, a.integer, b.integer, offset));
+    case Opcode::kBinaryReal:
+      return cell(apply(instruction.op, a.real, b.real, offset));
+    case Opcode::kCompareInt:
+      return cell(std::int64_t{compare(instruction.op, a.integer, b.integer)});
+    default:
+      return cell(std::int64_t{compare(instruction.op, a.real, b.real)});
+  }
+}
+
+// Whether a conditional jump is taken; pops the condition where it is not needed any more.
+bool jumps(Opcode opcode, std::int64_t condition, std::size_t& depth) {
+  const bool is_taken = (condition != 0) == (opcode == Opcode::kSkipIfTrue);
+  if (!is_taken || opcode == Opcode::kJumpUnless) --depth;
+  return is_taken;
+}
+
+}  // namespace
+
+Cell evaluate(const Program& program, Frames& frames) {
+  std::array<Cell, kDeepestExpression + 1> stack;
+  std::size_t depth = 0;
+  for (std::size_t i = 0; i < program.instructions.size(); ++i) {
+    const Instruction& instruction = program.instructions[i];
+    switch (instruction.opcode) {
+      case Opcode::kConstant:
+        stack[depth++] = program.constants[instruction.argument];
+        break;
+      case Opcode::kLoad:
+        stack[depth++] = cell(frames.value(instruction.frame, instruction.argument));
+        break;
+      case Opcode::kQuantify:
+        stack[depth++] = frames.quantifiers().value_of(instruction.argument, frames);
+        break;
+      case Opcode::kJump:
+        i = instruction.argument - 1;
+        break;
+      case Opcode::kJumpUnless:
+      case Opcode::kSkipIfFalse:
+      case Opcode::kSkipIfTrue:
+        if (jumps(instruction.opcode, stack[depth - 1].integer, depth)) i = instruction.argument - 1;
+        break;
+      case Opcode::kToReal:
+      case Opcode::kNot:
+      case Opcode::kUnaryInt:
+      case Opcode::kUnaryReal:
+        stack[depth - 1] = unary(instruction, stack[depth - 1], program.offsets[i]);
+        break;
+      default:
+        --depth;
+        stack[depth - 1] = binary(instruction, stack[depth - 1], stack[depth], program.offsets[i]);
+    }
+  }
+  return stack[0];
+}
+
+}  // namespace symfold

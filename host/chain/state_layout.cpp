@@ -1,0 +1,67 @@
+#include "host/chain/state_layout.h"
+
+#include <bit>
+#include <unordered_map>
+#include <utility>
+
+namespace symfold {
+
+// Slots are handed to the detector as the bytes that they are in memory.
+static_assert(std::endian::native == std::endian::little);
+
+StateLayout::StateLayout(const ComposedModel& model) {
+  std::vector<Partition> partitions;
+  for (std::size_t i = 0; i < model.submodels.size(); ++i) partitions.push_back({false, i});
+  for (std::size_t i = 0; i < model.joins.size(); ++i) partitions.push_back({true, i});
+  place(model, partitions);
+}
+
+StateLayout::StateLayout(const ComposedModel& model, const std::vector<std::string>& order) {
+  std::unordered_map<std::string_view, Partition> named;
+  for (std::size_t i = 0; i < model.submodels.size(); ++i) named[model.submodels[i].name] = {false, i};
+  for (std::size_t i = 0; i < model.joins.size(); ++i) named[model.joins[i].name] = {true, i};
+  std::vector<Partition> partitions;
+  for (const std::string& name : order) partitions.push_back(named.at(name));
+  place(model, partitions);
+}
+
+std::uint32_t StateLayout::add_variable(std::string name, const ValueSet& values, int initial) {
+  variables_.push_back({std::move(name), values});
+  initial_state_.push_back(static_cast<std::int16_t>(initial));
+  return static_cast<std::uint32_t>(variables_.size() - 1);
+}
+
+void StateLayout::place(const ComposedModel& model, const std::vector<Partition>& partitions) {
+  std::vector<std::uint32_t> first_private(model.submodels.size());
+  std::vector<std::vector<std::uint32_t>> shared(model.submodels.size());
+  for (std::size_t i = 0; i < model.submodels.size(); ++i) {
+    shared[i].resize(model.instance_of(model.submodels[i]).shared_variables.size());
+  }
+  for (const Partition& partition : partitions) {
+    if (partition.is_join) {
+      const Join& join = model.joins[partition.index];
+      const std::uint32_t slot = add_variable(join.name, join.values, join.initial);
+      for (const JoinMember& member : join.members) {
+        shared[static_cast<std::size_t>(member.submodel)][static_cast<std::size_t>(member.variable)] = slot;
+      }
+      continue;
+    }
+    const Submodel& submodel = model.submodels[partition.index];
+    const std::vector<Variable>& variables = model.instance_of(submodel).private_variables;
+    first_private[partition.index] = static_cast<std::uint32_t>(variables_.size());
+    for (std::size_t v = 0; v < variables.size(); ++v) {
+      add_variable(submodel.name + '.' + variables[v].name, variables[v].values, submodel.initial[v]);
+    }
+  }
+  for (std::size_t i = 0; i < model.submodels.size(); ++i) {
+    first_slots_.push_back(slots_.size());
+    const TypeDecl& type = model.description->type(model.instance_of(model.submodels[i]).type);
+    for (const VariableDecl& variable : type.variables) {
+      const auto position = static_cast<std::size_t>(variable.slot);
+      slots_.push_back(variable.is_shared ? shared[i][position]
+                                          : first_private[i] + static_cast<std::uint32_t>(position));
+    }
+  }
+}
+
+}  // namespace symfold

@@ -1,0 +1,92 @@
+// The set of the states that an exploration has reached, each stored once and numbered as they come.
+//
+// States lie packed in an arena of chunks, in the order of their numbers, without padding. An open-addressing
+// index with linear probing has an entry of 8 bytes for each: the state's number and 32 bits of its hash. The
+// hash bits spare most looks into the arena, but full states are compared before two are taken for one.
+//
+// The index is at most 85 % full and grows by half, so it costs 8/0.85 = 9.4 to 14.1 bytes a state. To grow,
+// it is dropped and filled anew by a walk through the arena, so that there are never two indexes at a time.
+// Near the end of the memory allowed it grows only as far as the arena can still follow.
+
+#ifndef SYMFOLD_HOST_CHAIN_STATE_STORE_H
+#define SYMFOLD_HOST_CHAIN_STATE_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "host/chain/markov_chain.h"
+#include "host/chain/state_packing.h"
+
+namespace symfold {
+
+class StateStore {
+ public:
+  enum class Outcome : std::uint8_t { kNew, kKnown, kTooManyStates, kOutOfMemory };
+
+  struct Found {
+    StateId id;  // where the outcome is kNew or kKnown
+    Outcome outcome;
+  };
+
+  explicit StateStore(const StatePacking& packing);
+
+  // Room for `most_states` states and, arena and index together, `most_bytes` bytes. Where more is held
+  // already, no state is added any more.
+  void set_limits(std::size_t most_states, std::size_t most_bytes);
+
+  std::size_t size() const { return size_; }
+
+  // What arena and index take, in bytes.
+  std::size_t memory() const { return chunks_.size() * chunk_bytes() + index_.size() * sizeof(Entry); }
+
+  std::uint64_t hash(const std::uint64_t* words) const;
+
+  // Fetches the part of the index where a state of this hash is.
+  void prefetch(std::uint64_t hash) const { __builtin_prefetch(&index_[home(hash)]); }
+
+  // The number of the state, added where it is new. `hash` is that of the words.
+  Found insert(const std::uint64_t* words, std::uint64_t hash);
+
+  void read(StateId id, std::uint64_t* words) const;
+
+ private:
+  struct Entry {
+    StateId id;
+    std::uint32_t hash_bits;
+  };
+
+  static constexpr StateId kEmpty = std::numeric_limits<StateId>::max();
+  static constexpr std::size_t kMostStates = kEmpty;
+  static constexpr std::size_t kMostBytes = std::size_t{1} << 56;
+
+  // The upper half of the hash, scaled to the index's size; the lower half is stored.
+  std::size_t home(std::uint64_t hash) const { return ((hash >> 32) * index_.size()) >> 32; }
+  std::size_t chunk_states() const { return std::size_t{1} << chunk_shift_; }
+  std::size_t chunk_bytes() const { return byte_count_ * chunk_states() + sizeof(std::uint64_t); }
+  unsigned char* place(StateId id) const {
+    return chunks_[id >> chunk_shift_].get() + (id & (chunk_states() - 1)) * byte_count_;
+  }
+  bool equals(StateId id, const std::uint64_t* words) const;
+  bool make_room();
+  bool grow_index();
+  void rebuild_index(std::size_t entry_count);
+  void put(const Entry& entry, std::size_t position);
+
+  std::size_t word_count_;
+  std::size_t byte_count_;
+  std::uint64_t last_word_mask_;
+  unsigned chunk_shift_;
+  std::size_t most_states_ = kMostStates;
+  std::size_t most_bytes_ = kMostBytes;
+  std::size_t size_ = 0;
+  std::size_t index_room_ = 0;  // states that the index can hold
+  std::vector<std::unique_ptr<unsigned char[]>> chunks_;
+  std::vector<Entry> index_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_CHAIN_STATE_STORE_H

@@ -1,0 +1,99 @@
+// What a composed model does: the actions that are enabled in a state, with their rates and effects.
+
+#ifndef SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
+#define SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "host/chain/local_states.h"
+#include "host/chain/program_compiler.h"
+#include "host/chain/state_layout.h"
+#include "host/composed_model.h"
+
+namespace symfold {
+
+// A new value for a variable of the submodel that acts.
+struct Write {
+  std::uint32_t variable;  // in the order of declaration
+  std::int16_t value;
+};
+
+// Actions are compiled once for each type instance. The first time that a submodel is seen in a local state,
+// the actions enabled there are evaluated, and remembered for all submodels of the instance; from then on a
+// submodel costs the numbering of its local state and one look-up. Submodels of too many local states are
+// evaluated anew each time.
+//
+// An action's writes are made in the order of its text: of two variables that one join binds, the later one's
+// value stays.
+class TransitionSystem {
+ public:
+  // Keeps references to all three. Throws ModelError where the compiled actions are too large.
+  TransitionSystem(const ComposedModel& model, const StateLayout& layout, const LocalStates& local_states);
+
+  std::size_t submodel_count() const { return model_.submodels.size(); }
+
+  // Calls visit(rate, writes, slots) for every enabled action of positive rate: the writes go to
+  // slots[write.variable]. Submodels in the model's order, actions in that of their type. `local` is what
+  // LocalStates::locate says of the state. Throws ModelError where a rate is negative or infinite, a value
+  // outside its set, or an expression without value. Allocates nothing for a local state seen before.
+  template <class Visit>
+  void for_each_action(const std::int16_t* state, const std::uint32_t* local, Visit visit) {
+    for (std::size_t s = 0; s < submodel_count(); ++s) {
+      const Range events = events_of(s, state, local[s]);
+      for (std::uint32_t e = events.begin; e < events.end; ++e) {
+        const Event& event = events_[e];
+        visit(event.rate, std::span(writes_.data() + event.writes.begin, writes_.data() + event.writes.end),
+              layout_.slots_of(s));
+      }
+    }
+  }
+
+ private:
+  struct Range {
+    std::uint32_t begin;
+    std::uint32_t end;
+  };
+  struct Event {
+    double rate;
+    Range writes;
+  };
+  struct CompiledWrite {
+    std::uint32_t variable;
+    ValueSet values;
+    Offset offset;
+    Program value;
+  };
+  struct CompiledAction {
+    const ActionDecl* declaration;
+    Offset rate_offset;
+    Program guard;
+    Program rate;
+    std::vector<CompiledWrite> writes;
+  };
+
+  static constexpr std::uint32_t kUnknown = UINT32_MAX;
+
+  CompiledAction compile(ProgramCompiler& compiler, const ActionDecl& action, const TypeInstance& instance);
+  Range events_of(std::size_t submodel, const std::int16_t* state, std::uint32_t local) {
+    if (local != LocalStates::kNone && known_[local].begin != kUnknown) return known_[local];
+    return evaluate_events(submodel, state, local);
+  }
+  Range evaluate_events(std::size_t submodel, const std::int16_t* state, std::uint32_t local);
+  void evaluate_action(const CompiledAction& action, Frames& frames);
+
+  const ComposedModel& model_;
+  const StateLayout& layout_;
+  std::vector<std::vector<CompiledAction>> actions_;  // by instance
+  std::vector<Range> known_;                          // by local state, into events_
+  std::vector<Event> events_;
+  std::vector<Write> writes_;
+  // What lies behind these belongs to a local state that is not remembered.
+  std::uint32_t remembered_events_ = 0;
+  std::uint32_t remembered_writes_ = 0;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
