@@ -7,6 +7,7 @@
 
 #include "cli/detect_command.h"
 #include "cli/exit_codes.h"
+#include "cli/explore_command.h"
 #include "cli/label_command.h"
 #include "cli/show_command.h"
 #include "host/detection_run.h"
@@ -25,8 +26,8 @@ void add_model_input(CLI::App& app, ModelInput& input) {
 }
 
 // The subcommands with their options; `command` becomes the one that was chosen.
-struct Program {
-  explicit Program(const Streams& streams) {
+struct Commands {
+  explicit Commands(const Streams& streams) {
     app.require_subcommand(1);
     app.set_version_flag("--version", SYMFOLD_VERSION);
 
@@ -38,6 +39,26 @@ struct Program {
     detect_app->add_flag("--json", detect.json, "Print the results as one JSON object");
     detect_app->callback(
         [this, streams] { command = [this, streams] { return run_detect(detect, streams); }; });
+
+    CLI::App* explore_app =
+        app.add_subcommand("explore", "Explore the state space of a model, folded or not");
+    add_model_input(*explore_app, explore.input);
+    CLI::Option* symmetry =
+        explore_app->add_option("--symmetry", explore.symmetry, "off, or fast: fold by canonical labels")
+            ->check(CLI::IsMember({"off", "fast"}));
+    explore_app->add_flag("--compare", explore.compare, "Explore both and print them side by side")
+        ->excludes(symmetry);
+    explore_app->add_option("--max-states", explore.most_states, "Stop at so many states");
+    explore_app->add_option("--max-memory", explore.most_memory, "Stop at so many bytes, for instance 500M")
+        ->transform(CLI::AsSizeValue(false));
+    explore_app->add_option("--time-limit", explore.most_seconds, "Stop after so many seconds")
+        ->check(CLI::NonNegativeNumber);
+    explore_app->add_option("-o,--output", explore.directory,
+                            "Run directory of the detection (default: the model's name, .symfold)");
+    explore_app->add_flag("--quiet", explore.quiet, "No progress");
+    explore_app->add_flag("--json", explore.json, "Print the results as one JSON object");
+    explore_app->callback(
+        [this, streams] { command = [this, streams] { return run_explore(explore, streams); }; });
 
     CLI::App* label_app = app.add_subcommand("label", "Map states to their canonical labels");
     label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model")->required();
@@ -56,6 +77,7 @@ struct Program {
 
   CLI::App app{"symfold finds the symmetries of composed models and folds their state spaces", "symfold"};
   DetectOptions detect;
+  ExploreOptions explore;
   LabelOptions label;
   ShowOptions show;
   std::function<int()> command;
@@ -70,6 +92,9 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
   } catch (const GroupLimitError& error) {
     streams.err << "symfold: " << error.what() << "\n";
     return kLimitReached;
+  } catch (const UnsoundSymmetryError& error) {
+    streams.err << "symfold: " << error.what() << "\n";
+    return kCheckFailed;
   } catch (const std::logic_error& error) {
     streams.err << "symfold: internal error: " << error.what() << "\n";
     return kInternalError;
@@ -85,13 +110,13 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
 }  // namespace
 
 int run_command_line(int argc, const char* const* argv, const Streams& streams) {
-  Program program(streams);
+  Commands commands(streams);
   try {
-    program.app.parse(argc, argv);
+    commands.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return program.app.exit(error, streams.out, streams.err) == 0 ? kOk : kUsage;
+    return commands.app.exit(error, streams.out, streams.err) == 0 ? kOk : kUsage;
   }
-  return run_chosen(program.command, streams);
+  return run_chosen(commands.command, streams);
 }
 
 }  // namespace symfold

@@ -5,13 +5,15 @@
 #include <iostream>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <sstream>
 #include <utility>
 
 #include "cli/exit_codes.h"
 #include "cli/figures.h"
-#include "host/detection_log.h"
+#include "host/chain/state_layout.h"
 #include "host/detection_run.h"
+#include "host/label_search.h"
 #include "host/symmetry_names.h"
 
 namespace symfold {
@@ -23,9 +25,13 @@ constexpr std::size_t kPrintedNames = 12;
 constexpr std::size_t kPrintedCycles = 12;
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
-std::string hexadecimal(const std::vector<unsigned char>& bytes) {
+// The state's bytes.
+std::string hexadecimal(const std::vector<std::int16_t>& state) {
   std::ostringstream text;
-  for (const unsigned char byte : bytes) text << std::hex << std::setw(2) << std::setfill('0') << int{byte};
+  text << std::hex << std::setfill('0');
+  for (const std::byte byte : std::as_bytes(std::span(state))) {
+    text << std::setw(2) << std::to_integer<int>(byte);
+  }
   return text.str();
 }
 
@@ -44,18 +50,6 @@ struct Report {
   std::vector<DetectionPhase> phases;
   std::size_t peak_bytes;
 };
-
-std::string label_of(SymmetryDetection& detector, std::vector<unsigned char> state) {
-  std::vector<unsigned char> label(state.size());
-  const DetectionLog silent("");
-  detector.num_partitions = static_cast<int>(detector.PartitionInfo.size());
-  detector.Initialize();
-  detector.ConvertSTLToStatic();
-  detector.FindCanonicalLabel(state.data(), label.data(), nullptr);
-  detector.Cleanup();
-  detector.CleanStaticMembers();
-  return hexadecimal(label);
-}
 
 // The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
 Report make_report(const ComposedModel& model, DetectionRun& run, bool is_whole) {
@@ -79,9 +73,10 @@ Report make_report(const ComposedModel& model, DetectionRun& run, bool is_whole)
   report.partitions = detector.PartitionInfo.size();
   report.unsound_reason = run.unsound_reason();
   if (run.is_sound()) {
-    const std::vector<unsigned char> state = run.initial_state(model);
+    std::vector<std::int16_t> state = StateLayout(model, detector.SSOrder).initial_state();
     report.initial_state = hexadecimal(state);
-    report.initial_label = label_of(detector, state);
+    LabelSearch(detector).find(state.data(), state.data());
+    report.initial_label = hexadecimal(state);
   }
   report.phases = run.phases();
   report.peak_bytes = peak_memory();

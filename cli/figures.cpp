@@ -1,8 +1,10 @@
 #include "cli/figures.h"
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <boost/multiprecision/cpp_int.hpp>
+#include <fstream>
 #include <iomanip>
 #include <sstream>
 
@@ -12,16 +14,23 @@ std::string counted(std::size_t count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-std::string duration(double seconds) {
+std::string fixed(double number, int digits) {
   std::ostringstream text;
-  text << std::fixed;
-  if (seconds < 1) {
-    text << std::setprecision(1) << seconds * 1000 << " ms";
-  } else {
-    text << std::setprecision(2) << seconds << " s";
-  }
+  text << std::fixed << std::setprecision(digits) << number;
   return text.str();
 }
+
+std::string duration(double seconds) {
+  return seconds < 1 ? fixed(seconds * 1000, 1) + " ms" : fixed(seconds, 2) + " s";
+}
+
+std::string grouped(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  return text;
+}
+
+std::string percentage(double share) { return fixed(share * 100, 1) + " %"; }
 
 std::string mebibytes(std::size_t bytes) { return std::to_string(bytes >> 20) + " MiB"; }
 
@@ -29,6 +38,15 @@ std::string group_order(const std::vector<int>& orbit_lengths) {
   boost::multiprecision::cpp_int order = 1;
   for (const int length : orbit_lengths) order *= length;
   return order.str();
+}
+
+// The second number of statm: resident pages (proc(5)). 0 where there is no such file.
+std::size_t current_memory() {
+  std::ifstream statm("/proc/self/statm");
+  std::size_t total = 0;
+  std::size_t resident = 0;
+  statm >> total >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 std::size_t peak_memory() {

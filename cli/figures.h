@@ -18,10 +18,20 @@ std::string duration(double seconds);
 // "4 MiB".
 std::string mebibytes(std::size_t bytes);
 
+// "1,234,567".
+std::string grouped(std::size_t number);
+
+// "12.5 %" of a share of 0.125.
+std::string percentage(double share);
+
+// With so many digits behind the point.
+std::string fixed(double number, int digits);
+
 // The exact order of a group, in decimal: the product of its chain's orbit lengths.
 std::string group_order(const std::vector<int>& orbit_lengths);
 
-// The most memory that the process has held so far, in bytes.
+// The memory that the process holds, and the most that it has held so far, in bytes.
+std::size_t current_memory();
 std::size_t peak_memory();
 
 }  // namespace symfold

@@ -10,6 +10,7 @@ struct Streams {
   std::istream& in;
   std::ostream& out;
   std::ostream& err;
+  bool err_is_terminal = false;
 };
 
 }  // namespace symfold

@@ -42,12 +42,6 @@ void remove_old_files(const std::string& directory) {
   }
 }
 
-void append_bytes(std::vector<unsigned char>& state, int value) {
-  const auto bits = static_cast<unsigned>(value);
-  state.push_back(static_cast<unsigned char>(bits & 255));
-  state.push_back(static_cast<unsigned char>(bits >> 8 & 255));
-}
-
 }  // namespace
 
 template <class Step>
@@ -80,6 +74,10 @@ DetectionRun::DetectionRun(const ComposedModel& model, const std::string& direct
   if (!detector_.PermFileError.empty()) throw std::runtime_error(directory + "/" + detector_.PermFileError);
 }
 
+void DetectionRun::require_sound() const {
+  if (!is_sound()) throw UnsoundSymmetryError("error: the symmetries found do not hold: " + unsound_reason_);
+}
+
 void DetectionRun::make_tables(const ComposedModel& model) {
   std::unordered_map<std::string, int> bytes;
   for (const Submodel& submodel : model.submodels) {
@@ -94,21 +92,6 @@ void DetectionRun::make_tables(const ComposedModel& model) {
   detector_.AdjustPermutations();
   detector_.AdjustPartitionInfo();
   detector_.TrimPermutations();
-}
-
-std::vector<unsigned char> DetectionRun::initial_state(const ComposedModel& model) const {
-  std::unordered_map<std::string, std::vector<unsigned char>> stretches;
-  for (const Submodel& submodel : model.submodels) {
-    auto& stretch = stretches[submodel.name];
-    for (const int value : submodel.initial) append_bytes(stretch, value);
-  }
-  for (const Join& join : model.joins) append_bytes(stretches[join.name], join.initial);
-  std::vector<unsigned char> state;
-  for (const std::string& name : detector_.SSOrder) {
-    const auto& stretch = stretches.at(name);
-    state.insert(state.end(), stretch.begin(), stretch.end());
-  }
-  return state;
 }
 
 }  // namespace symfold

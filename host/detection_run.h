@@ -24,6 +24,12 @@ class GroupLimitError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The symmetries found cannot be trusted for folding.
+class UnsoundSymmetryError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // Runs detection and leaves the files types, model_comp_graph, mcg.viz, permutations and, if wanted,
 // detection.log. States are laid out in graph-node order, so that base order and byte order agree. The
 // process works in the run directory while the constructor runs.
@@ -42,10 +48,10 @@ class DetectionRun {
   bool is_sound() const { return unsound_reason_.empty(); }
   const std::string& unsound_reason() const { return unsound_reason_; }
 
-  const std::vector<DetectionPhase>& phases() const { return phases_; }
+  // Throws UnsoundSymmetryError with the reason.
+  void require_sound() const;
 
-  // The initial state of the model, DetermineTotalStateSize() bytes.
-  std::vector<unsigned char> initial_state(const ComposedModel& model) const;
+  const std::vector<DetectionPhase>& phases() const { return phases_; }
 
  private:
   void make_tables(const ComposedModel& model);

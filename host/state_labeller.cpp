@@ -35,22 +35,9 @@ StateLabeller::StateLabeller(const std::string& perm_file) {
   if (!detector_.PermFileError.empty()) throw std::runtime_error(detector_.PermFileError);
   std::string report;
   if (!detector_.VerifySymmetries(report)) throw std::runtime_error(name + ": error: " + report);
-  detector_.num_partitions = static_cast<int>(detector_.PartitionInfo.size());
-  detector_.Initialize();
-  detector_.ConvertSTLToStatic();
-  input_.resize(static_cast<std::size_t>(state_size()));
-  image_.resize(input_.size());
+  search_.emplace(detector_);
+  image_.resize(static_cast<std::size_t>(state_size()));
   witness_.resize(static_cast<std::size_t>(partition_count()));
-}
-
-StateLabeller::~StateLabeller() {
-  detector_.Cleanup();
-  detector_.CleanStaticMembers();
-}
-
-void StateLabeller::label(const unsigned char* state, unsigned char* label) {
-  std::copy_n(state, input_.size(), input_.begin());
-  detector_.FindCanonicalLabel(input_.data(), label, nullptr);
 }
 
 const std::vector<short>& StateLabeller::checked_witness(const unsigned char* state,

@@ -3,10 +3,12 @@
 #ifndef SYMFOLD_HOST_STATE_LABELLER_H
 #define SYMFOLD_HOST_STATE_LABELLER_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "detector/symmetry_detection.h"
+#include "host/label_search.h"
 
 namespace symfold {
 
@@ -15,16 +17,13 @@ class StateLabeller {
  public:
   // Reads and checks the file. Throws std::runtime_error with one line that says what is wrong and where.
   explicit StateLabeller(const std::string& perm_file);
-  ~StateLabeller();
-  StateLabeller(const StateLabeller&) = delete;
-  StateLabeller& operator=(const StateLabeller&) = delete;
 
   int state_size() const { return detector_.TotalStateSize; }
   int partition_count() const { return detector_.num_partitions; }
   const SymmetryDetection& detector() const { return detector_; }
 
   // Writes the canonical label of `state` to `label`, state_size() bytes each.
-  void label(const unsigned char* state, unsigned char* label);
+  void label(const unsigned char* state, unsigned char* label) { search_->find(state, label); }
 
   // The permutation of the partitions that carries the state labelled last onto its label. Applies it to
   // `state` and compares with `label`; throws std::logic_error where they differ.
@@ -32,7 +31,7 @@ class StateLabeller {
 
  private:
   SymmetryDetection detector_;
-  std::vector<unsigned char> input_;
+  std::optional<LabelSearch> search_;  // once the tables are checked
   std::vector<unsigned char> image_;
   std::vector<short> witness_;
 };

@@ -1,6 +1,7 @@
 // Detected permutations against the composed model itself, by code that knows nothing of graphs.
 
 #include "host/detection_run.h"
+#include "host/chain/state_layout.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -57,7 +58,7 @@ TEST(DetectionRun, StoresSymmetriesOfTheModelForEveryExample) {
         expect_symmetry(joins, types, record.Perms[0]);
       }
     }
-    EXPECT_EQ(static_cast<int>(run.initial_state(model).size()),
+    EXPECT_EQ(static_cast<int>(2 * StateLayout(model, detector.SSOrder).slot_count()),
               detector.CumPartitionInfo.back() + detector.PartitionInfo.back());
   }
   std::filesystem::remove_all(directory);

@@ -1,0 +1,41 @@
+// What an exploration has found, for a person and as JSON.
+
+#ifndef SYMFOLD_CLI_EXPLORATION_REPORT_H
+#define SYMFOLD_CLI_EXPLORATION_REPORT_H
+
+#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "host/chain/exploration.h"
+
+namespace symfold {
+
+struct ExplorationResult {
+  std::string symmetry;     // "off" or "fast"
+  std::string group_order;  // in decimal; empty without folding
+  Ending ending;
+  ExplorationFigures figures;
+  std::vector<std::string> labels;  // their names
+  double detection_seconds = 0;
+  std::size_t peak_memory = 0;  // of the process so far, in bytes
+
+  double seconds() const { return detection_seconds + figures.seconds; }
+  bool is_complete() const { return ending == Ending::kComplete; }
+};
+
+// How many times fewer states `folded` has than `full`; 0 unless both are complete.
+double reduction(const ExplorationResult& full, const ExplorationResult& folded);
+
+// A table with a column for each of one or two results, the full one first.
+void print_results(std::ostream& out, const std::vector<ExplorationResult>& results);
+
+// What was reached where a limit or an interrupt ended an exploration: "stopped at the limit of memory: ...".
+std::string ending_text(const ExplorationResult& result);
+
+nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& results);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_CLI_EXPLORATION_REPORT_H
