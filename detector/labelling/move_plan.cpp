@@ -27,6 +27,7 @@
 #include "detector/labelling/move_plan.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <map>
 #include <numeric>
@@ -42,9 +43,8 @@ constexpr std::size_t kRoom = 16;  // bytes copied at once
 
 // Eight bytes as a number that is ordered as memcmp orders them.
 std::uint64_t load_word(const unsigned char* bytes) {
-  std::uint64_t word = 0;
-  for (int i = 0; i < kWord; ++i) word = word << 8 | bytes[i];
-  return word;
+  const auto at = [bytes](int i) { return std::uint64_t{bytes[i]} << 8 * (kWord - 1 - i); };
+  return at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);
 }
 
 // The mask of the first `bytes` bytes of a word.
@@ -83,8 +83,10 @@ std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPe
 }
 
 MovePlan::MovePlan(int state_size, int partition_count)
-    : state_size_(state_size), partition_count_(partition_count), staying_{state_size, 0} {
+    : state_size_(state_size), partition_count_(partition_count) {
   const std::size_t stride = static_cast<std::size_t>(state_size) + 2 * kRoom;
+  pieces_.push_back({state_size, 0});
+  staying_ = {0, state_size, 0, 0, 0, 0, -1};
   buffers_.resize(2 * stride);
   current_ = buffers_.data() + kRoom;
   next_ = current_ + stride;
@@ -95,7 +97,6 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
                         std::span<const int> offsets) {
   std::map<int, std::vector<std::size_t>> records_of_value;
   for (std::size_t j = 0; j < records.size(); ++j) records_of_value[records[j].Value].push_back(j);
-  Step step{moves_.size(), moves_.size(), state_size_, 0};
   std::vector<int> sources(sizes.size());
   std::vector<int> moved(sizes.size());
   for (std::size_t j = 0; j < records.size(); ++j) {
@@ -112,12 +113,9 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
       }
     }
     add_move(static_cast<int>(j), sources, sizes, offsets);
-    if (pieces_.size() * sizeof(Piece) + moves_.size() * (sizeof(Move) + sizeof(Head)) > kMostBytes)
-      return false;
+    if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > kMostBytes) return false;
   }
-  step.end_move = moves_.size();
-  add_heads(step);
-  steps_.push_back(step);
+  end_of_step_.push_back(moves_.size());
   return true;
 }
 
@@ -134,59 +132,59 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
   }
   if (pieces_.size() <= first_piece + 1) {
     pieces_.resize(first_piece);
-  } else {
-    moves_.push_back({static_cast<std::uint32_t>(first_piece), record});
+    return;
   }
-}
-
-// Every move begins at the step's first byte from now on.
-void MovePlan::add_heads(Step& step) {
-  const auto moves = std::span(moves_).subspan(step.first_move, step.end_move - step.first_move);
-  for (const Move& move : moves) {
-    const Piece& first = pieces_[move.first_piece];
-    step.first_byte = std::min(step.first_byte, first.shift == 0 ? first.end : 0);
-  }
-  int length = kWord;
-  for (Move& move : moves) {
-    if (pieces_[move.first_piece].end == step.first_byte) ++move.first_piece;
-    const Piece& first = pieces_[move.first_piece];
-    const Piece& second = pieces_[move.first_piece + 1];
-    length = std::min(length, second.end - step.first_byte);
-    heads_.push_back({first.shift, second.shift, leading(std::min(kWord, first.end - step.first_byte))});
-  }
-  step.head_surplus = 8 * (kWord - length);
+  const bool starts_later = pieces_[first_piece].shift == 0;
+  const int first_byte = starts_later ? pieces_[first_piece].end : 0;
+  const std::size_t start = starts_later ? first_piece + 1 : first_piece;
+  const Piece& first = pieces_[start];
+  const Piece& second = pieces_[start + 1];
+  const int head_length = std::min(kWord, second.end - first_byte);
+  moves_.push_back({leading(std::min(kWord, first.end - first_byte)), first_byte, first.shift, second.shift,
+                    8 * (kWord - head_length), static_cast<std::uint32_t>(first_piece), record});
 }
 
 void MovePlan::start(const unsigned char* state) {
   std::memcpy(current_, state, static_cast<std::size_t>(state_size_));
 }
 
-std::uint64_t MovePlan::head_of(const Head& head, const Step& step) const {
-  const unsigned char* at = current_ + step.first_byte;
-  const std::uint64_t first = load_word(at + head.first_shift) & head.first_mask;
-  const std::uint64_t second = load_word(at + head.second_shift) & ~head.first_mask;
-  return (first | second) >> step.head_surplus;
+std::uint64_t MovePlan::head_of(const Move& move) const {
+  const unsigned char* at = current_ + move.first_byte;
+  const std::uint64_t first = load_word(at + move.first_shift) & move.first_mask;
+  const std::uint64_t second = load_word(at + move.second_shift) & ~move.first_mask;
+  return first | second;
 }
 
-int MovePlan::advance(std::size_t index) {
-  const Step& step = steps_[index];
-  int winner = -1;
-  const Piece* best = &staying_;
-  std::uint64_t best_head = head_of({0, 0, 0}, step);
-  for (std::size_t m = step.first_move; m < step.end_move; ++m) {
-    const std::uint64_t head = head_of(heads_[m], step);
-    if (head < best_head) continue;
-    const Piece* pieces = &pieces_[moves_[m].first_piece];
-    if (head == best_head && !is_greater(pieces, best, step.first_byte)) continue;
-    winner = moves_[m].record;
-    best = pieces;
+int MovePlan::advance(std::size_t step) {
+  const Move* best = &staying_;
+  std::uint64_t best_head = 0;
+  const Move* const end = moves_.data() + end_of_step_[step];
+  for (const Move* move = step == 0 ? moves_.data() : moves_.data() + end_of_step_[step - 1]; move != end; ++move) {
+    const std::uint64_t head = head_of(*move);
+    if (!beats(*move, head, *best, best_head)) continue;
+    best = move;
     best_head = head;
   }
-  if (winner >= 0) apply(best, step.first_byte);
-  return winner;
+  if (best != &staying_) apply(*best);
+  return best->record;
 }
 
-bool MovePlan::is_greater(const Piece* a, const Piece* b, int position) const {
+inline bool MovePlan::beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const {
+  if (move.first_byte <= best.first_byte) {
+    const int lead = best.first_byte - move.first_byte;
+    const int surplus = std::max(move.head_surplus, lead == 0 ? best.head_surplus : 8 * (kWord - lead));
+    const std::uint64_t rival = lead == 0 ? best_head : load_word(current_ + move.first_byte);
+    if (((head ^ rival) >> surplus) != 0) return head > rival;
+  }
+  return is_larger(move, best);
+}
+
+bool MovePlan::is_larger(const Move& move, const Move& best) const {
+  int position = std::min(move.first_byte, best.first_byte);
+  const Piece* a = &pieces_[move.first_piece];
+  const Piece* b = &pieces_[best.first_piece];
+  a += a->end == position;
+  b += b->end == position;
   while (position < state_size_) {
     const int end = std::min(a->end, b->end);
     if (a->shift != b->shift) {
@@ -204,13 +202,13 @@ bool MovePlan::is_greater(const Piece* a, const Piece* b, int position) const {
   return false;
 }
 
-void MovePlan::apply(const Piece* pieces, int first_byte) {
-  std::memcpy(next_, current_, static_cast<std::size_t>(first_byte));
-  for (int position = first_byte; position < state_size_; ++pieces) {
-    for (; position < pieces->end; position += static_cast<int>(kRoom)) {
-      std::memcpy(next_ + position, current_ + position + pieces->shift, kRoom);
+void MovePlan::apply(const Move& move) {
+  const Piece* piece = &pieces_[move.first_piece];
+  for (int position = 0; position < state_size_; ++piece) {
+    for (; position < piece->end; position += static_cast<int>(kRoom)) {
+      std::memcpy(next_ + position, current_ + position + piece->shift, kRoom);
     }
-    position = pieces->end;
+    position = piece->end;
   }
   std::swap(current_, next_);
 }

@@ -44,42 +44,34 @@ class MovePlan {
     int end;
     int shift;
   };
-  // The image's first bytes: `first_mask` from `first_shift` further, the others from `second_shift` further.
-  struct Head {
+  // One image of the state. Its bytes before `first_byte` are the state's. Its head is the next 64 -
+  // `head_surplus` bits: `first_mask` from `first_shift` further, the others from `second_shift` further.
+  struct Move {
+    std::uint64_t first_mask;
+    int first_byte;
     int first_shift;
     int second_shift;
-    std::uint64_t first_mask;
-  };
-  struct Move {
+    int head_surplus;
     std::uint32_t first_piece;
     int record;
-  };
-  // The moves of one base. All bytes before `first_byte` stay, and heads are told apart by their
-  // 64 - `head_surplus` highest bits.
-  struct Step {
-    std::size_t first_move;
-    std::size_t end_move;
-    int first_byte;
-    int head_surplus;
   };
 
   MovePlan(int state_size, int partition_count);
   bool add_step(std::span<const ValPerms> records, std::span<const int> sizes, std::span<const int> offsets);
   void add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
                 std::span<const int> offsets);
-  void add_heads(Step& step);
-  std::uint64_t head_of(const Head& head, const Step& step) const;
-  bool is_greater(const Piece* a, const Piece* b, int position) const;
-  void apply(const Piece* pieces, int first_byte);
+  std::uint64_t head_of(const Move& move) const;
+  bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
+  bool is_larger(const Move& a, const Move& b) const;
+  void apply(const Move& move);
 
   int state_size_;
   int partition_count_;
-  Piece staying_;              // the one piece of the move that moves nothing
-  std::vector<Piece> pieces_;  // move after move, each up to the end of the state
-  std::vector<Move> moves_;    // base after base
-  std::vector<Head> heads_;    // one per move
-  std::vector<Step> steps_;
-  std::vector<unsigned char> buffers_;  // the current state and the next one, with room around each
+  Move staying_;                    // moves nothing
+  std::vector<Piece> pieces_;             // move after move, each up to the end of the state
+  std::vector<Move> moves_;               // base after base
+  std::vector<std::size_t> end_of_step_;  // per base, where its moves end
+  std::vector<unsigned char> buffers_;    // the current state and the next one, with room around each
   unsigned char* current_;
   unsigned char* next_;
 };
