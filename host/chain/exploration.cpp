@@ -16,6 +16,14 @@ std::size_t grown_capacity(const std::vector<Element>& elements, std::size_t cou
   return std::max(elements.size() + count, elements.capacity() + elements.capacity() / 2);
 }
 
+// A loop, since a packed state is often a single word, for which a call of memcmp is long.
+bool differ(const std::vector<std::uint64_t>& a, const std::uint64_t* b) {
+  for (const std::uint64_t word : a) {
+    if (word != *b++) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, LabelSearch* search,
@@ -89,7 +97,7 @@ void Exploration::add_successor(double rate, std::span<const Write> writes, cons
   std::uint64_t* const words = new_successor_words();
   std::copy(words_.begin(), words_.end(), words);
   for (const Write& write : writes) packing_.set(words, slots[write.variable], write.value);
-  const bool is_changed = !std::equal(words_.begin(), words_.end(), words);
+  const bool is_changed = differ(words_, words);
   if (search_ != nullptr && is_changed) {
     std::copy(values_.begin(), values_.end(), image_.begin());
     for (const Write& write : writes) image_[slots[write.variable]] = write.value;
@@ -104,6 +112,7 @@ void Exploration::add_successor(double rate, std::span<const Write> writes, cons
 // Leaves in row_ an entry for each successor.
 bool Exploration::insert_successors() {
   row_.clear();
+  for (const Successor& successor : successors_) store_.prefetch_state(successor.hash);
   for (std::size_t i = 0; i < successors_.size(); ++i) {
     const auto [id, outcome] =
         store_.insert(successor_words_.data() + i * packing_.word_count(), successors_[i].hash);

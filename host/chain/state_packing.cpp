@@ -22,12 +22,20 @@ StatePacking::StatePacking(const std::vector<ChainVariable>& variables) {
                        static_cast<std::uint8_t>(std::min(used, kWordBits - 1))});
     used += width;
   }
+  for (std::size_t word = 0, slot = 0; word < word_count_; ++word) {
+    while (slot < fields_.size() && fields_[slot].word == word) ++slot;
+    word_ends_.push_back(slot);
+  }
   byte_count_ = std::max<std::size_t>((word_count_ - 1) * 8 + (used + 7) / 8, 1);
 }
 
 void StatePacking::pack(const std::int16_t* values, std::uint64_t* words) const {
-  std::fill_n(words, word_count_, std::uint64_t{0});
-  for (const Field& field : fields_) words[field.word] |= bits(field, *values++) << field.shift;
+  std::size_t slot = 0;
+  for (const std::size_t end : word_ends_) {
+    std::uint64_t word = 0;
+    for (; slot < end; ++slot) word |= bits(fields_[slot], values[slot]) << fields_[slot].shift;
+    *words++ = word;
+  }
 }
 
 void StatePacking::unpack(const std::uint64_t* words, std::int16_t* values) const {

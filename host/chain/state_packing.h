@@ -43,7 +43,8 @@ class StatePacking {
     return static_cast<std::uint64_t>(value - field.low);
   }
 
-  std::vector<Field> fields_;  // by slot
+  std::vector<Field> fields_;           // by slot
+  std::vector<std::size_t> word_ends_;  // by word, into fields_
   std::size_t word_count_ = 1;
   std::size_t byte_count_ = 1;
 };

@@ -66,29 +66,29 @@ bool StateStore::equals(StateId id, const std::uint64_t* words) const {
 StateStore::Found StateStore::insert(const std::uint64_t* words, std::uint64_t hash) {
   const auto hash_bits = static_cast<std::uint32_t>(hash);
   std::size_t position = home(hash);
-  for (; index_[position].id != kEmpty; position = position + 1 == index_.size() ? 0 : position + 1) {
+  for (; index_[position].id != kEmpty; position = next(position)) {
     const Entry& entry = index_[position];
     if (entry.hash_bits == hash_bits && equals(entry.id, words)) return {entry.id, Outcome::kKnown};
   }
   if (size_ >= most_states_) return {0, Outcome::kTooManyStates};
-  const std::size_t index_before = index_room_;
-  if (!make_room()) return {0, Outcome::kOutOfMemory};
-  if (index_room_ != index_before) position = home(hash);
+  if (size_ == index_room_) {
+    if (!grow_index()) return {0, Outcome::kOutOfMemory};
+    position = free_entry(hash);
+  }
+  if (size_ == chunks_.size() * chunk_states() && !add_chunk()) return {0, Outcome::kOutOfMemory};
   const auto id = static_cast<StateId>(size_++);
   std::memcpy(place(id), words, 8 * word_count_);
-  put({id, hash_bits}, position);
+  index_[position] = {id, hash_bits};
   return {id, Outcome::kNew};
 }
 
-// From the position on, the next free entry.
-void StateStore::put(const Entry& entry, std::size_t position) {
-  while (index_[position].id != kEmpty) position = position + 1 == index_.size() ? 0 : position + 1;
-  index_[position] = entry;
+std::size_t StateStore::free_entry(std::uint64_t hash) const {
+  std::size_t position = home(hash);
+  while (index_[position].id != kEmpty) position = next(position);
+  return position;
 }
 
-bool StateStore::make_room() {
-  if (size_ == index_room_ && !grow_index()) return false;
-  if (size_ < chunks_.size() * chunk_states()) return true;
+bool StateStore::add_chunk() {
   if (memory() + chunk_bytes() > most_bytes_) return false;
   chunks_.push_back(std::make_unique<unsigned char[]>(chunk_bytes()));
   return true;
@@ -112,7 +112,7 @@ void StateStore::rebuild_index(std::size_t entry_count) {
     const auto id = static_cast<StateId>(i);
     read(id, words.data());
     const std::uint64_t state_hash = hash(words.data());
-    put({id, static_cast<std::uint32_t>(state_hash)}, home(state_hash));
+    index_[free_entry(state_hash)] = {id, static_cast<std::uint32_t>(state_hash)};
   }
 }
 

@@ -47,6 +47,12 @@ class StateStore {
   // Fetches the part of the index where a state of this hash is.
   void prefetch(std::uint64_t hash) const { __builtin_prefetch(&index_[home(hash)]); }
 
+  // Fetches the state that the index has for this hash, if any; to be called once the index is there.
+  void prefetch_state(std::uint64_t hash) const {
+    const Entry& entry = index_[home(hash)];
+    if (entry.id != kEmpty) __builtin_prefetch(place(entry.id));
+  }
+
   // The number of the state, added where it is new. `hash` is that of the words.
   Found insert(const std::uint64_t* words, std::uint64_t hash);
 
@@ -70,10 +76,11 @@ class StateStore {
     return chunks_[id >> chunk_shift_].get() + (id & (chunk_states() - 1)) * byte_count_;
   }
   bool equals(StateId id, const std::uint64_t* words) const;
-  bool make_room();
+  std::size_t next(std::size_t position) const { return position + 1 == index_.size() ? 0 : position + 1; }
+  std::size_t free_entry(std::uint64_t hash) const;
+  bool add_chunk();
   bool grow_index();
   void rebuild_index(std::size_t entry_count);
-  void put(const Entry& entry, std::size_t position);
 
   std::size_t word_count_;
   std::size_t byte_count_;
