@@ -104,8 +104,8 @@ bool StateStore::grow_index() {
 }
 
 void StateStore::rebuild_index(std::size_t entry_count) {
-  index_ = {};
-  index_.resize(entry_count, Entry{kEmpty, 0});
+  std::vector<Entry>().swap(index_);  // an assignment would keep the memory
+  index_.assign(entry_count, Entry{kEmpty, 0});
   index_room_ = room_of(entry_count);
   std::vector<std::uint64_t> words(word_count_);
   for (std::size_t i = 0; i < size_; ++i) {
