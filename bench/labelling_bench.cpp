@@ -12,64 +12,84 @@ namespace symfold {
 namespace {
 
 const std::vector<Family> kFamilies = {
-    {"star", {"N=20"}},           {"star", {"N=100"}},
-    {"philosophers", {"N=12"}},   {"philosophers", {"N=100"}},
-    {"arms", {"N=20"}},           {"torus", {"W=10", "H=10"}},
-    {"wreath", {"M=10", "K=10"}}, {"hypercube", {"d=6"}},
-    {"complete", {"K=8"}},        {"clients_servers", {"K=5", "M=5"}},
+    {"star", {"N=5"}},
+    {"star", {"N=20"}},
+    {"star", {"N=100"}},
+    {"philosophers", {"N=12"}},
+    {"philosophers", {"N=100"}},
+    {"arms", {"N=4"}},
+    {"arms", {"N=20"}},
+    {"torus", {"W=4", "H=4"}},
+    {"torus", {"W=10", "H=10"}},
+    {"wreath", {"M=3", "K=4"}},
+    {"wreath", {"M=10", "K=10"}},
+    {"hypercube", {"d=3"}},
+    {"hypercube", {"d=6"}},
+    {"complete", {"K=4"}},
+    {"complete", {"K=8"}},
+    {"clients_servers", {"K=3", "M=3"}},
+    {"clients_servers", {"K=5", "M=5"}},
+    {"clients_servers", {"K=10", "M=10"}},
 };
 
-// A thousand states whose variables hold one of `values` values.
-std::vector<std::string> random_states(const SymmetryDetection& detector, unsigned values) {
-  std::mt19937 random(1);
-  std::vector<std::string> states(1000);
-  for (std::string& state : states) {
-    state.resize(static_cast<std::size_t>(detector.TotalStateSize));
-    for (std::size_t i = 0; i < state.size(); i += 2) state[i] = static_cast<char>(random() % values);
-  }
-  return states;
-}
-
-void detector_label(benchmark::State& state, const Family& family) {
-  ExampleRun example(family);
-  SymmetryDetection& detector = example.run().detector();
-  {
+// A family's detector, ready to label, and a thousand states whose variables hold one of `values` values.
+class Labelling {
+ public:
+  Labelling(const Family& family, unsigned values) : example_(family), states_(1000) {
     const DetectionLog silent("");
-    detector.num_partitions = static_cast<int>(detector.PartitionInfo.size());
-    detector.Initialize();
-    detector.ConvertSTLToStatic();
+    detector().num_partitions = static_cast<int>(detector().PartitionInfo.size());
+    detector().Initialize();
+    detector().ConvertSTLToStatic();
+    std::mt19937 random(1);
+    for (std::string& state : states_) {
+      state.resize(static_cast<std::size_t>(detector().TotalStateSize));
+      for (std::size_t i = 0; i < state.size(); i += 2) state[i] = static_cast<char>(random() % values);
+    }
   }
-  std::vector<std::string> states = random_states(detector, 4);
-  std::string label(states[0].size(), '\0');
-  std::size_t next = 0;
+  ~Labelling() {
+    detector().Cleanup();
+    detector().CleanStaticMembers();
+  }
+  Labelling(const Labelling&) = delete;
+  Labelling& operator=(const Labelling&) = delete;
+
+  SymmetryDetection& detector() { return example_.run().detector(); }
+  std::string& next_state() { return states_[next_++ % states_.size()]; }
+
+ private:
+  ExampleRun example_;
+  std::vector<std::string> states_;
+  std::size_t next_ = 0;
+};
+
+void detector_labels(benchmark::State& state, const Family& family, unsigned values) {
+  Labelling labelling(family, values);
+  SymmetryDetection& detector = labelling.detector();
+  std::string label(static_cast<std::size_t>(detector.TotalStateSize), '\0');
   for (auto _ : state) {
-    detector.FindCanonicalLabel(states[next++ % states.size()].data(), label.data(), nullptr);
+    detector.FindCanonicalLabel(labelling.next_state().data(), label.data(), nullptr);
     benchmark::DoNotOptimize(label.data());
   }
-  state.counters["bytes"] = detector.TotalStateSize;
-  detector.Cleanup();
-  detector.CleanStaticMembers();
+  state.counters["partitions"] = detector.num_partitions;
 }
 
-void literal_labels(benchmark::State& state, const Family& family) {
-  ExampleRun example(family);
-  SymmetryDetection& detector = example.run().detector();
-  detector.DetermineTotalStateSize();
+void literal_labels(benchmark::State& state, const Family& family, unsigned values) {
+  Labelling labelling(family, values);
+  SymmetryDetection& detector = labelling.detector();
   LabelTables tables{detector.PartitionInfo, {}};
   for (const int base : detector.Bases) tables.records.emplace_back(base, detector.VPerms[base]);
-  const std::vector<std::string> states = random_states(detector, 4);
-  std::size_t next = 0;
-  for (auto _ : state)
-    benchmark::DoNotOptimize(literal_label(tables, states[next++ % states.size()]).state.data());
+  for (auto _ : state) benchmark::DoNotOptimize(literal_label(tables, labelling.next_state()).state.data());
 }
 
 const bool kRegistered = [] {
   for (const Family& family : kFamilies) {
-    const std::string title = family.title();
-    benchmark::RegisterBenchmark(("detector/" + title).c_str(), detector_label, family)
-        ->Unit(benchmark::kMicrosecond);
-    benchmark::RegisterBenchmark(("literal/" + title).c_str(), literal_labels, family)
-        ->Unit(benchmark::kMicrosecond);
+    for (const unsigned values : {2U, 4U}) {
+      const std::string title = family.title() + "/" + std::to_string(values) + " values";
+      benchmark::RegisterBenchmark(("detector/" + title).c_str(), detector_labels, family, values)
+          ->Unit(benchmark::kMicrosecond);
+      benchmark::RegisterBenchmark(("literal/" + title).c_str(), literal_labels, family, values)
+          ->Unit(benchmark::kMicrosecond);
+    }
   }
   return true;
 }();

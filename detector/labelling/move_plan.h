@@ -62,16 +62,16 @@ class MovePlan {
                 std::span<const int> offsets);
   std::uint64_t head_of(const Move& move) const;
   bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
-  bool is_larger(const Move& a, const Move& b) const;
+  bool is_larger(const Move& a, const Move& b, int position) const;
   void apply(const Move& move);
 
   int state_size_;
   int partition_count_;
-  Move staying_;                    // moves nothing
-  std::vector<Piece> pieces_;             // move after move, each up to the end of the state
-  std::vector<Move> moves_;               // base after base
-  std::vector<std::size_t> end_of_step_;  // per base, where its moves end
-  std::vector<unsigned char> buffers_;    // the current state and the next one, with room around each
+  Move staying_;                            // moves nothing
+  std::vector<Piece> pieces_;               // move after move, each up to the end of the state
+  std::vector<Move> moves_;                 // base after base
+  std::vector<std::size_t> first_of_step_;  // per base, its first move; at the end their number
+  std::vector<unsigned char> buffers_;      // the current state and the next one, with room around each
   unsigned char* current_;
   unsigned char* next_;
 };

@@ -1,7 +1,9 @@
 #include "tests/detector/support.h"
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -113,6 +115,22 @@ std::string label_of(SymmetryDetection& detector, std::string state, std::vector
   if (perm != nullptr) perm->resize(static_cast<std::size_t>(detector.num_partitions));
   detector.FindCanonicalLabel(state.data(), label.data(), perm == nullptr ? nullptr : perm->data());
   return label;
+}
+
+void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state) {
+  const LiteralLabel expected = literal_label(tables, state);
+  std::vector<short> perm;
+  ASSERT_EQ(label_of(detector, state, &perm), expected.state);
+  ASSERT_EQ(perm, expected.perm);
+  std::vector<short> witness(tables.sizes.size());
+  detector.FindWitness(witness.data());
+  ASSERT_EQ(witness, expected.witness);
+  ASSERT_EQ(moved(tables.sizes, {witness.begin(), witness.end()}, state), expected.state);
+  ASSERT_EQ(label_of(detector, state), expected.state) << "without a permutation";
+  for (const unsigned char* member : {detector.af_current_state, detector.af_best_state}) {
+    ASSERT_TRUE(std::equal(expected.state.begin(), expected.state.end(), member,
+                           [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+  }
 }
 
 }  // namespace symfold

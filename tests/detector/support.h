@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "detector/symmetry_detection.h"
+#include "tests/oracles/literal_labeller.h"
 
 namespace symfold {
 
@@ -74,6 +75,10 @@ void stop_labelling(SymmetryDetection& detector);
 
 // The label of a state, bytes as text; optionally the composed permutation.
 std::string label_of(SymmetryDetection& detector, std::string state, std::vector<short>* perm = nullptr);
+
+// Expects the label of a state, its permutation, its witness and the member arrays to be those of the literal
+// search on the same tables.
+void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state);
 
 }  // namespace symfold
 

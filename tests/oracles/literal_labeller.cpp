@@ -20,20 +20,25 @@ bool is_greater(const std::string& a, const std::string& b) {
   return std::memcmp(a.data(), b.data(), a.size()) > 0;
 }
 
-}  // namespace
-
-// Where the sizes differ, later moves overwrite what earlier ones wrote, as in a buffer.
-std::string moved(const std::vector<int>& sizes, const std::vector<int>& permutation,
-                  const std::string& state) {
+// Where the sizes differ, later moves overwrite what earlier ones wrote, and what none writes stays in `out`.
+void move_into(std::string& out, const std::vector<int>& sizes, const std::vector<int>& permutation,
+               const std::string& state) {
   std::vector<std::size_t> offsets(sizes.size() + 1, 0);
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     offsets[c + 1] = offsets[c] + static_cast<std::size_t>(sizes[c]);
   }
-  std::string result = state;
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     const auto size = static_cast<std::size_t>(sizes[c]);
-    result.replace(offsets[static_cast<std::size_t>(permutation[c])], size, state.substr(offsets[c], size));
+    out.replace(offsets[static_cast<std::size_t>(permutation[c])], size, state.substr(offsets[c], size));
   }
+}
+
+}  // namespace
+
+std::string moved(const std::vector<int>& sizes, const std::vector<int>& permutation,
+                  const std::string& state) {
+  std::string result = state;
+  move_into(result, sizes, permutation, state);
   return result;
 }
 
@@ -41,6 +46,7 @@ LiteralLabel literal_label(const LabelTables& tables, const std::string& state) 
   const std::size_t n = tables.sizes.size();
   std::string current = state;
   std::string best = state;
+  std::string buffer(state.size(), '\0');
   std::vector<int> composed = identity(n);
   std::vector<int> witness = identity(n);
   for (const auto& [base, records] : tables.records) {
@@ -54,7 +60,8 @@ LiteralLabel literal_label(const LabelTables& tables, const std::string& state) 
         if (record.Value != orbit_point.Value) continue;
         for (const Permutation& permutation : record.Perms) {
           last = images_of(permutation);
-          candidate = moved(tables.sizes, last, candidate);
+          move_into(buffer, tables.sizes, last, candidate);
+          candidate = buffer;
           for (int& image : all) image = last[static_cast<std::size_t>(image)];
         }
       }

@@ -22,6 +22,7 @@ struct LiteralLabel {
   std::vector<short> witness;  // the permutation that carries the state onto its label
 };
 
+// Bytes that no move of a pass writes are those of the passes before, at first zero.
 LiteralLabel literal_label(const LabelTables& tables, const std::string& state);
 
 // The state whose partition permutation[c] is partition c of this one.
