@@ -1,0 +1,21 @@
+// The formats of exported chains, one function each; docs/file-formats.md describes them.
+
+#ifndef SYMFOLD_HOST_EXPORT_FORMATS_H
+#define SYMFOLD_HOST_EXPORT_FORMATS_H
+
+#include "host/chain/markov_chain.h"
+#include "host/new_file.h"
+
+namespace symfold {
+
+// PRISM's explicit files: transitions, values of the variables, labels.
+void write_tra(const MarkovChain& chain, NewFile& out);
+void write_sta(const MarkovChain& chain, NewFile& out);
+void write_lab(const MarkovChain& chain, NewFile& out);
+
+// PRISM's file of one state reward, the chain's reward `index`.
+void write_srew(const MarkovChain& chain, std::size_t index, NewFile& out);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_EXPORT_FORMATS_H

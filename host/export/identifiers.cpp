@@ -1,0 +1,129 @@
+#include "host/export/identifiers.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace symfold {
+namespace {
+
+// The reserved words of the PRISM language (PRISM manual, "Modules And Variables") and the built-in label
+// `deadlock`, in byte order.
+constexpr auto kReserved = std::to_array<std::string_view>({"A",
+                                                            "C",
+                                                            "E",
+                                                            "F",
+                                                            "G",
+                                                            "I",
+                                                            "P",
+                                                            "Pmax",
+                                                            "Pmin",
+                                                            "R",
+                                                            "Rmax",
+                                                            "Rmin",
+                                                            "S",
+                                                            "U",
+                                                            "W",
+                                                            "X",
+                                                            "bool",
+                                                            "clock",
+                                                            "const",
+                                                            "ctmc",
+                                                            "deadlock",
+                                                            "double",
+                                                            "dtmc",
+                                                            "endinit",
+                                                            "endinvariant",
+                                                            "endmodule",
+                                                            "endobservables",
+                                                            "endrewards",
+                                                            "endsystem",
+                                                            "false",
+                                                            "filter",
+                                                            "formula",
+                                                            "func",
+                                                            "global",
+                                                            "init",
+                                                            "int",
+                                                            "invariant",
+                                                            "label",
+                                                            "max",
+                                                            "mdp",
+                                                            "min",
+                                                            "module",
+                                                            "nondeterministic",
+                                                            "observable",
+                                                            "observables",
+                                                            "of",
+                                                            "pomdp",
+                                                            "popta",
+                                                            "prob",
+                                                            "probabilistic",
+                                                            "pta",
+                                                            "rate",
+                                                            "rewards",
+                                                            "stochastic",
+                                                            "system",
+                                                            "true"});
+static_assert(std::is_sorted(kReserved.begin(), kReserved.end()));
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+bool is_word_character(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || is_digit(c) || c == '_';
+}
+
+std::string identifier_of(std::string_view name) {
+  std::string word;
+  bool is_after_gap = false;
+  for (const char c : name) {
+    if (is_word_character(c)) {
+      if (is_after_gap && !word.empty()) word += '_';
+      word += c;
+    }
+    is_after_gap = !is_word_character(c);
+  }
+  if (word.empty() || is_digit(word.front())) word.insert(0, "_");
+  if (std::binary_search(kReserved.begin(), kReserved.end(), word)) word += '_';
+  return word;
+}
+
+template <class Named>
+std::vector<std::string> identifiers_of(const std::vector<Named>& all) {
+  std::vector<std::string> names;
+  for (const Named& named : all) names.push_back(named.name);
+  return solver_identifiers(names);
+}
+
+}  // namespace
+
+// The next number of a word that is taken only grows: a thousand equal words need no more than a thousand
+// steps.
+std::vector<std::string> solver_identifiers(const std::vector<std::string>& names) {
+  std::vector<std::string> identifiers;
+  std::unordered_set<std::string> taken;
+  std::unordered_map<std::string, int> next_numbers;
+  for (const std::string& name : names) {
+    const std::string word = identifier_of(name);
+    std::string identifier = word;
+    for (int& number = next_numbers.try_emplace(word, 2).first->second; !taken.insert(identifier).second;) {
+      identifier = word + "_" + std::to_string(number++);
+    }
+    identifiers.push_back(std::move(identifier));
+  }
+  return identifiers;
+}
+
+std::vector<std::string> variable_identifiers(const MarkovChain& chain) {
+  return identifiers_of(chain.variables);
+}
+
+std::vector<std::string> label_identifiers(const MarkovChain& chain) { return identifiers_of(chain.labels); }
+
+std::vector<std::string> reward_identifiers(const MarkovChain& chain) {
+  return identifiers_of(chain.rewards);
+}
+
+}  // namespace symfold

@@ -1,0 +1,68 @@
+// An output file that nobody ever sees half of.
+
+#ifndef SYMFOLD_HOST_NEW_FILE_H
+#define SYMFOLD_HOST_NEW_FILE_H
+
+#include <charconv>
+#include <concepts>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace symfold {
+
+// Written beside its place under the name NAME.partial, and renamed to NAME by commit(); without a commit the
+// destructor removes it. What exists and is no regular file (a device, a pipe) is written directly. Text
+// gathers in a buffer of constant size. Throws std::runtime_error "NAME: error: cannot be written: REASON".
+class NewFile {
+ public:
+  explicit NewFile(std::string name);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  // Texts and characters as they are, integers in decimal, doubles in the fewest digits that read back to the
+  // same double ("0.1", "1e-300", "inf"), whatever the locale.
+  template <class... Parts>
+  void append(const Parts&... parts) {
+    (put(parts), ...);
+  }
+
+  // The file's contents reach the disk before its name does. To be called once, after the last append.
+  void commit();
+
+ private:
+  static constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+  static constexpr std::size_t kLongestNumber = 32;  // a double takes at most 24 characters
+
+  void put(std::string_view text);
+  void put(char c) {
+    make_room(1);
+    buffer_[used_++] = c;
+  }
+  template <class Number>
+  requires std::integral<Number> || std::same_as<Number, double>
+  void put(Number number) {
+    make_room(kLongestNumber);
+    char* const start = buffer_.get() + used_;
+    used_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestNumber, number).ptr - start);
+  }
+
+  void make_room(std::size_t size) {
+    if (kBufferSize - used_ < size) flush();
+  }
+  void flush();
+  [[noreturn]] void fail(int error) const;
+
+  std::string name_;
+  bool is_direct_;
+  std::string written_name_;
+  std::unique_ptr<char[]> buffer_;
+  std::size_t used_ = 0;
+  int descriptor_ = -1;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_NEW_FILE_H
