@@ -1,26 +1,38 @@
 #include "host/export/chain_export.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 #include <stdexcept>
+#include <string_view>
 
 #include "host/export/formats.h"
-#include "host/export/looped_rows.h"
+#include "host/export/matrix_rows.h"
 
 namespace symfold {
 namespace {
 
 using Write = void (*)(const MarkovChain&, NewFile&);
 
-struct SingleFileFormat {
+struct Format {
   const char* ending;
-  Write write;
+  Write write = nullptr;  // of a format with one file for every chain
+  std::size_t most_states = std::numeric_limits<std::size_t>::max();
 };
 
-// The formats with one file for every chain.
-constexpr SingleFileFormat kSingleFileFormats[] = {
+// Layout programs need minutes for a drawing of more states, and nobody sees anything in it.
+constexpr std::size_t kMostDrawnStates = 5000;
+
+constexpr Format kFormats[] = {
+    {".all"},
     {".tra", write_tra},
     {".sta", write_sta},
     {".lab", write_lab},
+    {".srew"},
+    {".drn", write_drn},
+    {".mtx", write_mtx},
+    {".aut", write_aut},
+    {".dot", write_dot, kMostDrawnStates},
 };
 
 std::string ending_of(const std::string& path) {
@@ -28,11 +40,11 @@ std::string ending_of(const std::string& path) {
   return dot == std::string::npos || path[dot] == '/' ? "" : path.substr(dot);
 }
 
-Write writer_for(const std::string& ending) {
-  for (const SingleFileFormat& format : kSingleFileFormats) {
-    if (format.ending == ending) return format.write;
-  }
-  return nullptr;
+const Format* find_format(const std::string& path) {
+  const std::string ending = ending_of(path);
+  const auto* const found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                         [&](const Format& format) { return format.ending == ending; });
+  return found == std::end(kFormats) ? nullptr : found;
 }
 
 class ChainFiles {
@@ -70,36 +82,42 @@ class ChainFiles {
   throw std::runtime_error(path + ": error: " + message);
 }
 
+const Format& require_format(const MarkovChain& chain, const std::string& path) {
+  const Format* const format = find_format(path);
+  if (format == nullptr) refuse(path, "expected a name that ends in one of " + export_endings());
+  if (chain.matrix.state_count() > format->most_states) {
+    refuse(path, "expected a chain of at most " + std::to_string(format->most_states) +
+                     " states for this format, got " + std::to_string(chain.matrix.state_count()));
+  }
+  return *format;
+}
+
 }  // namespace
 
-const std::vector<std::string>& export_endings() {
-  static const std::vector<std::string> endings = {".all", ".tra", ".sta", ".lab", ".srew"};
+std::string export_endings() {
+  std::string endings;
+  for (const Format& format : kFormats) endings += (endings.empty() ? "" : ", ") + std::string(format.ending);
   return endings;
 }
 
-bool is_export_format(const std::string& path) {
-  const std::vector<std::string>& endings = export_endings();
-  return std::find(endings.begin(), endings.end(), ending_of(path)) != endings.end();
-}
+bool is_export_format(const std::string& path) { return find_format(path) != nullptr; }
 
 std::vector<std::string> write_chain(const MarkovChain& chain, const std::string& path) {
-  const std::string ending = ending_of(path);
-  const std::string stem = path.substr(0, path.size() - ending.size());
+  const Format& format = require_format(chain, path);
+  const std::string stem = path.substr(0, path.size() - std::strlen(format.ending));
   ChainFiles files(chain);
-  if (const Write write = writer_for(ending); write != nullptr) {
-    files.add(path, write);
-  } else if (ending == ".all") {
-    for (const char* part : {".tra", ".sta", ".lab"}) files.add(stem + part, writer_for(part));
-    files.add_rewards(stem);
-  } else if (ending == ".srew" && chain.rewards.empty()) {
-    refuse(path, "expected a model with rewards for this format, got none");
-  } else if (ending == ".srew") {
-    files.add_rewards(stem);
-  } else {
-    std::string endings;
-    for (const std::string& known : export_endings()) endings += (endings.empty() ? "" : ", ") + known;
-    refuse(path, "expected a name that ends in one of " + endings);
+  if (format.write != nullptr) {
+    files.add(path, format.write);
+    return files.names();
   }
+  if (format.ending == std::string_view(".all")) {
+    files.add(stem + ".tra", write_tra);
+    files.add(stem + ".sta", write_sta);
+    files.add(stem + ".lab", write_lab);
+  } else if (chain.rewards.empty()) {
+    refuse(path, "expected a model with rewards for this format, got none");
+  }
+  files.add_rewards(stem);
   return files.names();
 }
 
@@ -109,7 +127,7 @@ bool needs_ctmc_switch(const MarkovChain& chain) {
   int count = 0;
   bool has_rate_above_one = false;
   for (StateId state = 0; state < chain.matrix.state_count() && count < kTransitionsLookedAt; ++state) {
-    for_each_looped_entry(chain.matrix, state, [&](StateId, double rate) {
+    for_each_in_looped_row(chain.matrix, state, [&](StateId, double rate) {
       has_rate_above_one = has_rate_above_one || (count < kTransitionsLookedAt && rate > 1);
       ++count;
     });

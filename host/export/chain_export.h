@@ -10,8 +10,8 @@
 
 namespace symfold {
 
-// The endings that write_chain knows, each with its dot, in the order of the documents.
-const std::vector<std::string>& export_endings();
+// The endings that write_chain knows, for people: ".all, .tra, .sta, ...".
+std::string export_endings();
 
 // Whether the path has one of these endings.
 bool is_export_format(const std::string& path);

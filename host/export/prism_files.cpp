@@ -4,7 +4,7 @@
 
 #include "host/export/formats.h"
 #include "host/export/identifiers.h"
-#include "host/export/looped_rows.h"
+#include "host/export/matrix_rows.h"
 
 namespace symfold {
 namespace {
@@ -27,7 +27,7 @@ void write_tra(const MarkovChain& chain, NewFile& out) {
   const RateMatrix& matrix = chain.matrix;
   out.append(matrix.state_count(), ' ', looped_entry_count(matrix), '\n');
   for (StateId state = 0; state < matrix.state_count(); ++state) {
-    for_each_looped_entry(
+    for_each_in_looped_row(
         matrix, state, [&](StateId target, double rate) { out.append(state, ' ', target, ' ', rate, '\n'); });
   }
 }
