@@ -7,8 +7,8 @@
 namespace symfold {
 namespace {
 
-constexpr std::size_t kFirstIndex = 1024;             // entries
-constexpr std::size_t kChunk = std::size_t{1} << 18;  // bytes, about
+constexpr std::size_t kFirstIndex = 64;  // entries
+constexpr std::size_t kChunk = std::size_t{1} << 13;  // bytes, about
 
 // The index is full at 85 %.
 constexpr std::size_t room_of(std::size_t entry_count) { return entry_count / 20 * 17; }
