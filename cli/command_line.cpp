@@ -57,8 +57,14 @@ struct Commands {
                             "Run directory of the detection (default: the model's name, .symfold)");
     explore_app->add_flag("--quiet", explore.quiet, "No progress");
     explore_app->add_flag("--json", explore.json, "Print the results as one JSON object");
-    explore_app->callback(
-        [this, streams] { command = [this, streams] { return run_explore(explore, streams); }; });
+    explore_app->add_option("--export", explore.exports, "Write the chain; the ending names the format")
+        ->allow_extra_args(false);
+    explore_app->callback([this, streams] {
+      if (const std::string conflict = conflict_in(explore); !conflict.empty()) {
+        throw CLI::ValidationError(conflict);
+      }
+      command = [this, streams] { return run_explore(explore, streams); };
+    });
 
     CLI::App* label_app = app.add_subcommand("label", "Map states to their canonical labels");
     label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model")->required();

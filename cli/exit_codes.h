@@ -11,7 +11,8 @@ enum ExitCode : int {
   kModelError = 3,    // the model file
   kBadFile = 4,       // any other file: corrupt, unreadable, or not to be written
   kLimitReached = 5,  // more than can be held
-  kInternalError = 70
+  kInternalError = 70,
+  kInterrupted = 130  // by Ctrl-C, which the shell too reports so
 };
 
 }  // namespace symfold

@@ -54,8 +54,8 @@ std::vector<Row> count_rows(const std::vector<ExplorationResult>& results) {
 
 std::vector<Row> cost_rows(const std::vector<ExplorationResult>& results) {
   return {
-      row("seconds", results, [](const auto& result) { return fixed(result.seconds(), 3); }),
-      row("  of detection", results, [](const auto& result) { return fixed(result.detection_seconds, 3); }),
+      row("time", results, [](const auto& result) { return duration(result.seconds()); }),
+      row("  of detection", results, [](const auto& result) { return duration(result.detection_seconds); }),
       row("states per second", results,
           [](const auto& result) { return grouped(static_cast<std::size_t>(states_per_second(result))); }),
       row("bytes per state", results,
@@ -78,6 +78,12 @@ void print_table(std::ostream& out, const std::vector<Row>& rows) {
     }
     out << "\n";
   }
+}
+
+void print_range_cells(std::ostream& out, const std::vector<std::string>& cells) {
+  constexpr std::array<int, 6> kWidths = {6, 16, 16, 11, 11, 11};
+  for (std::size_t i = 0; i < cells.size(); ++i) out << std::setw(kWidths[i]) << cells[i];
+  out << std::endl;
 }
 
 const char* name_of(Ending ending) {
@@ -104,6 +110,23 @@ void print_results(std::ostream& out, const std::vector<ExplorationResult>& resu
   const double factor = reduction(results.front(), folded);
   if (results.size() == 2 && factor > 0) out << fixed(factor, 2) << " times, ";
   out << "at most " << folded.group_order << " times, the order of the symmetry group\n";
+}
+
+void print_range_head(std::ostream& out, const std::string& parameter) {
+  print_range_cells(out, {parameter, "full", "folded", "reduction", "full in", "folded in"});
+}
+
+void print_range_row(std::ostream& out, long value, const std::vector<ExplorationResult>& results) {
+  std::vector<std::string> cells{std::to_string(value), "-", "-", "-", "-", "-"};
+  for (const ExplorationResult& result : results) {
+    if (!result.is_complete()) continue;
+    const std::size_t column = result.symmetry == "off" ? 1 : 2;
+    cells[column] = grouped(result.figures.states);
+    cells[column + 3] = duration(result.seconds());
+  }
+  const double factor = results.empty() ? 0 : reduction(results.front(), results.back());
+  if (results.size() == 2 && factor > 0) cells[3] = fixed(factor, 2);
+  print_range_cells(out, cells);
 }
 
 std::string ending_text(const ExplorationResult& result) {

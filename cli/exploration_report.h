@@ -31,6 +31,10 @@ double reduction(const ExplorationResult& full, const ExplorationResult& folded)
 // A table with a column for each of one or two results, the full one first.
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results);
 
+// The same for a range of a parameter's values: a line for each, as soon as it is known.
+void print_range_head(std::ostream& out, const std::string& parameter);
+void print_range_row(std::ostream& out, long value, const std::vector<ExplorationResult>& results);
+
 // What was reached where a limit or an interrupt ended an exploration: "stopped at the limit of memory: ...".
 std::string ending_text(const ExplorationResult& result);
 

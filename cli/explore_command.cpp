@@ -11,8 +11,10 @@
 #include "cli/exploration_report.h"
 #include "cli/figures.h"
 #include "cli/interrupt.h"
+#include "cli/parameter_range.h"
 #include "cli/progress_line.h"
 #include "host/detection_run.h"
+#include "host/export/chain_export.h"
 
 namespace symfold {
 namespace {
@@ -33,20 +35,6 @@ class Folding {
   std::optional<LabelSearch> search_;
 };
 
-// NAME=low..high
-struct ParameterRange {
-  std::string name;
-  long low;
-  long high;
-};
-
-// One value of the parameter, or the one model where there is no range.
-struct Point {
-  long value = 0;
-  std::vector<ExplorationResult>
-      results;  // of the full state space, of the folded one, or both in this order
-};
-
 class ExploreRun {
  public:
   ExploreRun(const ExploreOptions& options, const Streams& streams) : options_(options), streams_(streams) {}
@@ -54,16 +42,20 @@ class ExploreRun {
   int run();
 
  private:
-  std::vector<std::string> symmetries() const;
-  Point explore_point(const ModelInput& input);
+  int explore_one();
+  int explore_range(const ParameterRange& range);
+  std::vector<ExplorationResult> explore_model(const ModelInput& input, bool wants_full, bool wants_folded);
   ExplorationResult explore(const ComposedModel& model, const std::string& symmetry);
   ExplorationLimits limits() const;
   void export_chain(Exploration& exploration);
+  void print_files();
+  int report_endings(const std::vector<ExplorationResult>& results);
 
   const ExploreOptions& options_;
   const Streams& streams_;
   InterruptWatch interrupts_;
-  std::vector<std::string> written_;
+  std::vector<std::string> files_;  // written
+  bool needs_ctmc_switch_ = false;
 };
 
 double seconds_since(std::chrono::steady_clock::time_point start) {
@@ -109,35 +101,106 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, const std::str
   return result;
 }
 
-void ExploreRun::export_chain(Exploration&) {}
+void ExploreRun::export_chain(Exploration& exploration) {
+  const MarkovChain chain = exploration.take_chain();
+  needs_ctmc_switch_ = needs_ctmc_switch(chain);
+  for (const std::string& name : options_.exports) {
+    for (std::string& file : write_chain(chain, name)) files_.push_back(std::move(file));
+  }
+}
 
 // The folded state space first: it is the smaller one, and the peak of memory only rises.
-Point ExploreRun::explore_point(const ModelInput& input) {
+std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input, bool wants_full,
+                                                         bool wants_folded) {
   const ComposedModel model = read_input(input, streams_);
-  Point point;
-  if (options_.compare || options_.symmetry != "off") point.results.push_back(explore(model, "fast"));
-  if ((options_.compare || options_.symmetry == "off") && !interrupts_.is_interrupted()) {
-    point.results.insert(point.results.begin(), explore(model, "off"));
+  std::vector<ExplorationResult> results;
+  if (wants_folded) results.push_back(explore(model, "fast"));
+  if (wants_full && !interrupts_.is_interrupted()) results.insert(results.begin(), explore(model, "off"));
+  return results;
+}
+
+// Says what was not completed; the exit code.
+int ExploreRun::report_endings(const std::vector<ExplorationResult>& results) {
+  int code = kOk;
+  for (const ExplorationResult& result : results) {
+    if (result.is_complete()) continue;
+    streams_.err << "symfold: " << ending_text(result) << "\n";
+    code = std::max<int>(code, result.ending == Ending::kInterrupted ? kInterrupted : kLimitReached);
   }
-  return point;
+  return code;
+}
+
+void ExploreRun::print_files() {
+  for (const std::string& file : files_) streams_.out << "file  " << file << "\n";
+  const bool has_matrix = std::any_of(files_.begin(), files_.end(),
+                                      [](const std::string& file) { return file.ends_with(".tra"); });
+  if (has_matrix && needs_ctmc_switch_) {
+    streams_.out
+        << "all rates are at most 1: open the .tra file with prism -ctmc, or it is taken for a DTMC\n";
+  }
+}
+
+int ExploreRun::explore_one() {
+  const std::vector<ExplorationResult> results =
+      explore_model(options_.input, options_.wants_full(), options_.wants_folded());
+  if (options_.json) {
+    nlohmann::ordered_json json = {{"model", options_.input.model}};
+    json.update(results_json(results));
+    json["files"] = files_;
+    streams_.out << json.dump(2) << "\n";
+  } else {
+    streams_.out << options_.input.model << "\n";
+    print_results(streams_.out, results);
+    print_files();
+  }
+  return report_endings(results);
+}
+
+// A symmetry whose exploration was not complete is left out from then on: larger models take more.
+int ExploreRun::explore_range(const ParameterRange& range) {
+  bool wants_full = options_.wants_full();
+  bool wants_folded = options_.wants_folded();
+  int code = kOk;
+  nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
+  if (!options_.json) print_range_head(streams_.out, range.name);
+  for (long value = range.low; value <= range.high && (wants_full || wants_folded); ++value) {
+    const std::vector<ExplorationResult> results =
+        explore_model(range.at(options_.input, value), wants_full, wants_folded);
+    if (options_.json) {
+      json["points"].push_back({{range.name, value}});
+      json["points"].back().update(results_json(results));
+    } else {
+      print_range_row(streams_.out, value, results);
+    }
+    code = std::max(code, report_endings(results));
+    if (code == kInterrupted) break;
+    for (const ExplorationResult& result : results) {
+      if (!result.is_complete()) (result.symmetry == "off" ? wants_full : wants_folded) = false;
+    }
+  }
+  if (options_.json) streams_.out << json.dump(2) << "\n";
+  return code;
 }
 
 int ExploreRun::run() {
-  const Point point = explore_point(options_.input);
-  if (options_.json) {
-    nlohmann::ordered_json json = {{"model", options_.input.model}};
-    json.update(results_json(point.results));
-    streams_.out << json.dump(2) << "\n";
-  } else {
-    print_results(streams_.out, point.results);
-  }
-  for (const ExplorationResult& result : point.results) {
-    if (!result.is_complete()) streams_.err << "symfold: " << ending_text(result) << "\n";
-  }
-  return kOk;
+  const std::vector<ParameterRange> ranges = find_ranges(options_.input);
+  return ranges.empty() ? explore_one() : explore_range(ranges[0]);
 }
 
 }  // namespace
+
+std::string conflict_in(const ExploreOptions& options) {
+  const std::size_t ranges = find_ranges(options.input).size();
+  if (ranges > 1) return "expected one range of a constant's values, got " + std::to_string(ranges);
+  if (ranges == 1 && options.input.model == "-")
+    return "a range of a constant's values needs a model in a file";
+  if (ranges == 1 && !options.exports.empty()) return "--export is for one chain, not for a range of them";
+  for (const std::string& name : options.exports) {
+    if (!is_export_format(name))
+      return "--export " + name + ": expected one of the endings " + export_endings();
+  }
+  return "";
+}
 
 int run_explore(const ExploreOptions& options, const Streams& streams) {
   return ExploreRun(options, streams).run();

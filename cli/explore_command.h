@@ -15,7 +15,7 @@ namespace symfold {
 struct ExploreOptions {
   ModelInput input;               // at most one constant may be a range, NAME=3..10: a run for each value
   std::string symmetry = "fast";  // or "off"
-  bool compare = false;           // both, one after the other
+  bool compare = false;           // both, side by side
   std::size_t most_states = std::numeric_limits<std::size_t>::max();
   std::size_t most_memory = std::numeric_limits<std::size_t>::max();  // bytes, of the whole process
   double most_seconds = std::numeric_limits<double>::infinity();      // of each exploration
@@ -24,7 +24,13 @@ struct ExploreOptions {
   std::string plot;                  // file for the curves of a range
   bool quiet = false;
   bool json = false;
+
+  bool wants_full() const { return compare || symmetry == "off"; }
+  bool wants_folded() const { return compare || symmetry != "off"; }
 };
+
+// What does not go together in the options; empty where all is well.
+std::string conflict_in(const ExploreOptions& options);
 
 // kLimitReached or kInterrupted when an exploration was not complete: what was reached is printed, and no
 // chain is exported.
