@@ -1,9 +1,9 @@
 // Moves of bytes in place of permutations of partitions.
 //
-// Idea. An image is the state read in another order. A move writes that order down as pieces: up to byte `end`
-// of the image, byte b is byte b + shift of the state. Neighbours with one shift are one piece, so a rotation
-// has two pieces, however many partitions it turns, and an exchange of two partitions at most five. Four
-// partitions of 2 bytes:
+// Idea. An image is the state read in another order. A move writes that order down as pieces: up to byte
+// `end` of the image, byte b is byte b + shift of the state. Neighbours with one shift are one piece, so a
+// rotation has two pieces, however many partitions it turns, and an exchange of two partitions at most five.
+// Four partitions of 2 bytes:
 //
 //   state  aa bb cc dd      rotated by one     bb cc dd aa   pieces (6, +2) (8, -6)
 //                           first two swapped  bb aa cc dd   pieces (2, +2) (4, -2) (8, 0)
@@ -24,9 +24,10 @@
 // base that changes it. Memory: 8 bytes per piece and 32 per move.
 //
 // Tried and dropped: making the best image whenever it changes and comparing with its bytes. That walks one
-// list of pieces in place of two, but reads all that both leave in place: star N=100 on two values took 243 us
-// for 83, and every improvement in a ring costs a copy. Also dropped: one head position per base, the first byte
-// that any of its moves moves; for base points that move earlier ones too, nearly all heads were then equal.
+// list of pieces in place of two, but reads all that both leave in place: star N=100 on two values took 243
+// us for 83, and every improvement in a ring costs a copy. Also dropped: one head position per base, the
+// first byte that any of its moves moves; for base points that move earlier ones too, nearly all heads were
+// then equal.
 
 #include "detector/labelling/move_plan.h"
 
@@ -142,12 +143,12 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
   }
   const bool starts_later = pieces_[first_piece].shift == 0;
   const int first_byte = starts_later ? pieces_[first_piece].end : 0;
-  const std::size_t start = starts_later ? first_piece + 1 : first_piece;
-  const Piece& first = pieces_[start];
-  const Piece& second = pieces_[start + 1];
-  const int head_length = std::min(kWord, second.end - first_byte);
-  moves_.push_back({leading(std::min(kWord, first.end - first_byte)), first_byte, first.shift, second.shift,
-                    8 * (kWord - head_length), static_cast<std::uint32_t>(first_piece), record});
+  const Piece* first = &pieces_[first_piece + (starts_later ? 1 : 0)];
+  const Piece* second = first->end - first_byte < kWord ? first + 1 : first;
+  const int first_length = std::min(kWord, first->end - first_byte);
+  const int length = std::min(kWord, second->end - first_byte);
+  moves_.push_back({leading(first_length), first_byte, first->shift, second->shift, 8 * (kWord - length),
+                    static_cast<std::uint32_t>(first_piece), record});
 }
 
 void MovePlan::start(const unsigned char* state) {

@@ -133,11 +133,12 @@ TEST(CanonicalLabel, TakesPartitionsInAnyOrder) {
 }
 
 TEST(CanonicalLabel, FailsOnEntriesThatLeadOutsideTheState) {
-  const auto run = [](const Ints& sizes, const Ints& images, int state_size) {
+  const auto run = [](const Ints& sizes, const Ints& images, int state_size, int base = 0) {
     SymmetryDetection detector;
     set_tables(detector, {sizes, {{0, {record(1, {images})}}}});
     start_labelling(detector);
     detector.TotalStateSize = state_size;
+    detector.Bases = {base};
     std::cout.rdbuf(std::cerr.rdbuf());
     label_of(detector, std::string(16, 'x'));
   };
@@ -147,13 +148,8 @@ TEST(CanonicalLabel, FailsOnEntriesThatLeadOutsideTheState) {
   EXPECT_EXIT(run({2, 2}, {1}, 4), exits, "^ERROR: moveToIndex: -1\n$");
   EXPECT_EXIT(run({4, 2}, {1, 0}, 6), exits, "^ERROR: moveToIndex: 1\n$");
   EXPECT_EXIT(run({4, -2}, {0, 1}, 2), exits, "^ERROR: moveToIndex: 0\n$");
-  EXPECT_EXIT(
-      {
-        SymmetryDetection detector;
-        std::cout.rdbuf(std::cerr.rdbuf());
-        detector.FindOrbit_static(3, nullptr);
-      },
-      exits, "^Base index not found.\n$");
+  EXPECT_EXIT(run({2, 2}, {1, 0}, 3), exits, "^ERROR: moveToIndex: 1\n$");
+  EXPECT_EXIT(run({2, 2}, {1, 0}, 4, 3), exits, "^Base index not found.\n$");
 }
 
 TEST(StaticTables, AreASnapshotThatIsPrintedAndReleased) {
