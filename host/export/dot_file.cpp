@@ -29,8 +29,8 @@ void write_state(const MarkovChain& chain, StateId state, std::span<const std::i
     out.append(i == 0 ? "" : "\\n", variable.name, " = ", value_text(variable.values, values[i]));
   }
   out.append('"');
-  if (state == 0) out.append(", penwidth=2");
   if (chain.matrix.is_deadlock(state)) out.append(", peripheries=2");
+  if (state == 0) out.append(", penwidth=2");
   out.append("];\n");
 }
 

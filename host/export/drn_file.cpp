@@ -27,7 +27,7 @@ void write_state(const MarkovChain& chain, StateId state, const std::vector<std:
   out.append("state ", state, " !",
              is_deadlock ? kLoopRate : std::accumulate(rates.begin(), rates.end(), 0.0));
   for (std::size_t i = 0; i < chain.rewards.size(); ++i) {
-    out.append(i == 0 ? " [" : ", ", chain.rewards[i].values[state]);
+    out.append(i == 0 ? " [" : ",", chain.rewards[i].values[state]);
   }
   if (!chain.rewards.empty()) out.append(']');
   if (state == 0) out.append(" init");

@@ -1,7 +1,5 @@
 #include "host/export/identifiers.h"
 
-#include <algorithm>
-#include <array>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -10,64 +8,16 @@ namespace symfold {
 namespace {
 
 // The reserved words of the PRISM language (PRISM manual, "Modules And Variables") and the built-in label
-// `deadlock`, in byte order.
-constexpr auto kReserved = std::to_array<std::string_view>({"A",
-                                                            "C",
-                                                            "E",
-                                                            "F",
-                                                            "G",
-                                                            "I",
-                                                            "P",
-                                                            "Pmax",
-                                                            "Pmin",
-                                                            "R",
-                                                            "Rmax",
-                                                            "Rmin",
-                                                            "S",
-                                                            "U",
-                                                            "W",
-                                                            "X",
-                                                            "bool",
-                                                            "clock",
-                                                            "const",
-                                                            "ctmc",
-                                                            "deadlock",
-                                                            "double",
-                                                            "dtmc",
-                                                            "endinit",
-                                                            "endinvariant",
-                                                            "endmodule",
-                                                            "endobservables",
-                                                            "endrewards",
-                                                            "endsystem",
-                                                            "false",
-                                                            "filter",
-                                                            "formula",
-                                                            "func",
-                                                            "global",
-                                                            "init",
-                                                            "int",
-                                                            "invariant",
-                                                            "label",
-                                                            "max",
-                                                            "mdp",
-                                                            "min",
-                                                            "module",
-                                                            "nondeterministic",
-                                                            "observable",
-                                                            "observables",
-                                                            "of",
-                                                            "pomdp",
-                                                            "popta",
-                                                            "prob",
-                                                            "probabilistic",
-                                                            "pta",
-                                                            "rate",
-                                                            "rewards",
-                                                            "stochastic",
-                                                            "system",
-                                                            "true"});
-static_assert(std::is_sorted(kReserved.begin(), kReserved.end()));
+// `deadlock`, each between blanks.
+constexpr std::string_view kReserved =
+    " A C E F G I P Pmax Pmin R Rmax Rmin S U W X bool clock const ctmc deadlock double dtmc endinit "
+    "endinvariant endmodule endobservables endrewards endsystem false filter formula func global init int "
+    "invariant label max mdp min module nondeterministic observable observables of pomdp popta prob "
+    "probabilistic pta rate rewards stochastic system true ";
+
+bool is_reserved(const std::string& word) {
+  return kReserved.find(" " + word + " ") != std::string_view::npos;
+}
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
@@ -86,7 +36,7 @@ std::string identifier_of(std::string_view name) {
     is_after_gap = !is_word_character(c);
   }
   if (word.empty() || is_digit(word.front())) word.insert(0, "_");
-  if (std::binary_search(kReserved.begin(), kReserved.end(), word)) word += '_';
+  if (is_reserved(word)) word += '_';
   return word;
 }
 
