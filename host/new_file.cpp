@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -38,13 +37,12 @@ NewFile::~NewFile() {
   if (!is_direct_) ::unlink(written_name_.c_str());
 }
 
-void NewFile::put(std::string_view text) {
+void NewFile::put_in_pieces(std::string_view text) {
   while (!text.empty()) {
     make_room(1);
-    const std::size_t count = std::min(text.size(), kBufferSize - used_);
-    std::memcpy(buffer_.get() + used_, text.data(), count);
-    used_ += count;
-    text.remove_prefix(count);
+    const std::string_view piece = text.substr(0, kBufferSize - used_);
+    put(piece);
+    text.remove_prefix(piece.size());
   }
 }
 

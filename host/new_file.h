@@ -6,6 +6,7 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -36,7 +37,11 @@ class NewFile {
   static constexpr std::size_t kBufferSize = std::size_t{1} << 20;
   static constexpr std::size_t kLongestNumber = 32;  // a double takes at most 24 characters
 
-  void put(std::string_view text);
+  void put(std::string_view text) {
+    if (text.size() > kBufferSize - used_) return put_in_pieces(text);
+    std::memcpy(buffer_.get() + used_, text.data(), text.size());
+    used_ += text.size();
+  }
   void put(char c) {
     make_room(1);
     buffer_[used_++] = c;
@@ -49,6 +54,7 @@ class NewFile {
     used_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestNumber, number).ptr - start);
   }
 
+  void put_in_pieces(std::string_view text);
   void make_room(std::size_t size) {
     if (kBufferSize - used_ < size) flush();
   }
