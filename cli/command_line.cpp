@@ -59,6 +59,8 @@ struct Commands {
     explore_app->add_flag("--json", explore.json, "Print the results as one JSON object");
     explore_app->add_option("--export", explore.exports, "Write the chain; the ending names the format")
         ->allow_extra_args(false);
+    explore_app->add_option("--plot", explore.plot,
+                            "Write the numbers of states over a range of values, --const N=3..10, as SVG");
     explore_app->callback([this, streams] {
       if (const std::string conflict = conflict_in(explore); !conflict.empty()) {
         throw CLI::ValidationError(conflict);

@@ -15,6 +15,7 @@
 #include "cli/progress_line.h"
 #include "host/detection_run.h"
 #include "host/export/chain_export.h"
+#include "host/plot/growth_plot.h"
 
 namespace symfold {
 namespace {
@@ -57,6 +58,14 @@ class ExploreRun {
   std::vector<std::string> files_;  // written
   bool needs_ctmc_switch_ = false;
 };
+
+GrowthPoint growth_point(long value, const std::vector<ExplorationResult>& results) {
+  GrowthPoint point{value, {}, {}};
+  for (const ExplorationResult& result : results) {
+    if (result.is_complete()) (result.symmetry == "off" ? point.full : point.folded) = result.figures.states;
+  }
+  return point;
+}
 
 double seconds_since(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -161,6 +170,7 @@ int ExploreRun::explore_range(const ParameterRange& range) {
   bool wants_full = options_.wants_full();
   bool wants_folded = options_.wants_folded();
   int code = kOk;
+  GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
   if (!options_.json) print_range_head(streams_.out, range.name);
   for (long value = range.low; value <= range.high && (wants_full || wants_folded); ++value) {
@@ -172,13 +182,23 @@ int ExploreRun::explore_range(const ParameterRange& range) {
     } else {
       print_range_row(streams_.out, value, results);
     }
+    plot.points.push_back(growth_point(value, results));
     code = std::max(code, report_endings(results));
     if (code == kInterrupted) break;
     for (const ExplorationResult& result : results) {
       if (!result.is_complete()) (result.symmetry == "off" ? wants_full : wants_folded) = false;
     }
   }
-  if (options_.json) streams_.out << json.dump(2) << "\n";
+  if (!options_.plot.empty()) {
+    write_growth_plot(plot, options_.plot);
+    files_.push_back(options_.plot);
+  }
+  json["files"] = files_;
+  if (options_.json) {
+    streams_.out << json.dump(2) << "\n";
+  } else {
+    print_files();
+  }
   return code;
 }
 
@@ -195,6 +215,8 @@ std::string conflict_in(const ExploreOptions& options) {
   if (ranges == 1 && options.input.model == "-")
     return "a range of a constant's values needs a model in a file";
   if (ranges == 1 && !options.exports.empty()) return "--export is for one chain, not for a range of them";
+  if (ranges == 0 && !options.plot.empty())
+    return "--plot needs a range of a constant's values, --const N=3..10";
   for (const std::string& name : options.exports) {
     if (!is_export_format(name))
       return "--export " + name + ": expected one of the endings " + export_endings();

@@ -4,30 +4,13 @@
 
 #include <nlohmann/json.hpp>
 #include <random>
-#include <sstream>
 
-#include "cli/command_line.h"
 #include "cli/exit_codes.h"
+#include "tests/cli/run_command.h"
 #include "tests/detector/support.h"
 
 namespace symfold {
 namespace {
-
-struct Outcome {
-  int code;
-  std::string out, err;
-};
-
-Outcome run(std::vector<std::string> arguments, const std::string& input = "") {
-  std::vector<const char*> argv = {"symfold"};
-  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-  std::istringstream in(input);
-  std::ostringstream out, err;
-  const int code = run_command_line(static_cast<int>(argv.size()), argv.data(), {in, out, err});
-  return {code, out.str(), err.str()};
-}
-
-const std::string kExamples = SYMFOLD_EXAMPLES;
 
 nlohmann::json detect(const std::string& example, const std::vector<std::string>& constants) {
   std::vector<std::string> arguments = {"detect", kExamples + "/" + example + ".sym", "--json", "-o", "run"};
