@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "host/plot/growth_plot.h"
+#include "host/plot/svg_writer.h"
 
 namespace symfold {
 
@@ -20,27 +21,27 @@ struct PlotFrame {
 // The parameter on a linear axis, the states on a logarithmic one from one power of ten to another.
 class GrowthAxes {
  public:
-  GrowthAxes(const GrowthPlot& plot, const PlotFrame& frame);
+  // At least `headroom` pixels stay free above the largest number.
+  GrowthAxes(const GrowthPlot& plot, const PlotFrame& frame, double headroom);
 
   double x(std::int64_t value) const;
   double y(double count) const;
 
   const PlotFrame& frame() const { return frame_; }
-  std::int64_t low() const { return low_; }
-  std::int64_t high() const { return high_; }
-  int low_decade() const { return low_decade_; }
-  int high_decade() const { return high_decade_; }  // above the low one
 
-  // Marks on the parameter's axis are at the multiples of a step of 1, 2 or 5 times a power of ten, the
-  // smallest one that keeps them `distance` pixels apart.
-  std::int64_t step(double distance) const;
+  // Grid, marks, numbers and names. `plot` is the one that the axes were made for.
+  void draw(const GrowthPlot& plot, SvgWriter& svg) const;
 
  private:
+  void draw_decades(SvgWriter& svg) const;
+  void draw_parameter(const GrowthPlot& plot, SvgWriter& svg) const;
+  std::int64_t step() const;
+
   PlotFrame frame_;
   std::int64_t low_ = 0;
   std::int64_t high_ = 0;
   int low_decade_ = 0;
-  int high_decade_ = 1;
+  int high_decade_ = 1;  // above the low one
 };
 
 }  // namespace symfold

@@ -34,22 +34,20 @@ std::string xml_escaped(std::string_view text) {
   return result;
 }
 
-// Without the locale, and -0 as 0.
-SvgAttribute::SvgAttribute(const char* attribute_name, double number) : name(attribute_name) {
+// Adding 0 makes -0 a 0.
+std::string svg_number(double number) {
   char text[64];
   const double rounded = std::round(number * 100) / 100 + 0.0;
-  value.assign(text, std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed).ptr);
+  return {text, std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed).ptr};
 }
 
 SvgWriter::SvgWriter(double width, double height, std::string_view title, std::string_view description) {
-  const SvgAttribute w("", width);
-  const SvgAttribute h("", height);
   text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   append_tag(text_, "svg",
              {{"xmlns", "http://www.w3.org/2000/svg"},
               {"width", width},
               {"height", height},
-              {"viewBox", "0 0 " + w.value + " " + h.value},
+              {"viewBox", "0 0 " + svg_number(width) + " " + svg_number(height)},
               {"role", "img"},
               {"aria-labelledby", "title description"}});
   text_ += ">\n";

@@ -6,16 +6,20 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace symfold {
 
 // Text with &, <, > and quotes as entities and without control characters.
 std::string xml_escaped(std::string_view text);
 
+// With at most two decimals, whatever the locale.
+std::string svg_number(double number);
+
 struct SvgAttribute {
   SvgAttribute(const char* attribute_name, const char* text) : name(attribute_name), value(text) {}
   SvgAttribute(const char* attribute_name, std::string text) : name(attribute_name), value(std::move(text)) {}
-  SvgAttribute(const char* attribute_name, double number);  // at most two decimals
+  SvgAttribute(const char* attribute_name, double number) : name(attribute_name), value(svg_number(number)) {}
 
   const char* name;
   std::string value;  // escaped

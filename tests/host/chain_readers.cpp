@@ -123,7 +123,8 @@ void read_sta(Scanner& in, std::uint64_t states, ReadChain& chain) {
   in.scan(")\n");
   for (std::uint64_t state = 0; state < states; ++state) {
     in.scan(std::to_string(state), ":(");
-    Scanner values(in.until(')'));
+    const std::string line = in.until(')');
+    Scanner values(line);
     std::vector<std::string>& row = chain.values.emplace_back();
     do {
       row.push_back(values.until(','));
