@@ -83,8 +83,9 @@ void literal_labels(benchmark::State& state, const Family& family, unsigned valu
 
 const bool kRegistered = [] {
   for (const Family& family : kFamilies) {
-    for (const unsigned values : {2U, 4U}) {
-      const std::string title = family.title() + "/" + std::to_string(values) + " values";
+    for (const unsigned values : {1U, 2U, 4U}) {
+      const std::string title =
+          family.title() + "/" + std::to_string(values) + (values == 1 ? " value" : " values");
       benchmark::RegisterBenchmark(("detector/" + title).c_str(), detector_labels, family, values)
           ->Unit(benchmark::kMicrosecond);
       benchmark::RegisterBenchmark(("literal/" + title).c_str(), literal_labels, family, values)

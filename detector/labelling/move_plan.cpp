@@ -43,6 +43,7 @@ namespace symfold {
 namespace {
 
 constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+constexpr std::int64_t kLongestState = std::int64_t{1} << 27;
 constexpr int kWord = 8;           // bytes compared at once
 constexpr std::size_t kRoom = 16;  // bytes copied at once
 
@@ -55,13 +56,13 @@ std::uint64_t load_word(const unsigned char* bytes) {
 // The mask of the first `bytes` bytes of a word.
 std::uint64_t leading(int bytes) { return bytes == 0 ? 0 : ~std::uint64_t{0} << 8 * (kWord - bytes); }
 
-// Whether the partitions follow each other without gaps from byte 0 on, and an int counts the bytes.
+// Whether the partitions follow each other without gaps from byte 0 on and make no longer state.
 bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
   std::int64_t end = 0;
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     if (sizes[c] < 0 || offsets[c] != end) return false;
     end += sizes[c];
-    if (end > INT32_MAX - static_cast<int>(kRoom)) return false;
+    if (end > kLongestState) return false;
   }
   return true;
 }
@@ -181,8 +182,7 @@ inline bool MovePlan::beats(const Move& move, std::uint64_t head, const Move& be
   if (move.first_byte <= best.first_byte) {
     const int lead = best.first_byte - move.first_byte;
     const std::uint64_t rival = lead == 0 ? best_head : load_word(current_ + move.first_byte);
-    const int surplus =
-        std::max(move.head_surplus, lead == 0 ? best.head_surplus : 8 * (kWord - std::min(lead, kWord)));
+    const int surplus = std::max(move.head_surplus, lead == 0 ? best.head_surplus : 8 * (kWord - lead));
     if (((head ^ rival) >> surplus) != 0) return head > rival;
     return is_larger(move, best, move.first_byte + kWord - surplus / 8);
   }

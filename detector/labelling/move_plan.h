@@ -21,7 +21,8 @@ class MovePlan {
  public:
   // The plan for the records of each base, in base order, and partitions of these sizes and offsets in bytes.
   // None where the partitions do not follow each other without gaps, where a permutation is no bijection
-  // between partitions of equal size, or where the plan would take more than 1 GiB. Linear in the tables.
+  // between partitions of equal size, where a state has more than 128 MiB or the plan would take more than
+  // 1 GiB. Linear in the tables, but for the sorting of each base's values.
   static std::unique_ptr<MovePlan> make(const std::vector<std::span<const ValPerms>>& records_of_base,
                                         std::span<const int> sizes, std::span<const int> offsets);
 
