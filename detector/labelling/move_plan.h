@@ -63,7 +63,7 @@ class MovePlan {
                 std::span<const int> offsets);
   std::uint64_t head_of(const Move& move) const;
   bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
-  bool is_larger(const Move& a, const Move& b, int position) const;
+  bool is_larger(const Move& move, const Move& best, int position) const;
   void apply(const Move& move);
 
   int state_size_;
