@@ -1,5 +1,6 @@
 #include "host/export/identifiers.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -42,8 +43,8 @@ std::string identifier_of(std::string_view name) {
 
 template <class Named>
 std::vector<std::string> identifiers_of(const std::vector<Named>& all) {
-  std::vector<std::string> names;
-  for (const Named& named : all) names.push_back(named.name);
+  std::vector<std::string> names(all.size());
+  std::transform(all.begin(), all.end(), names.begin(), [](const Named& named) { return named.name; });
   return solver_identifiers(names);
 }
 
