@@ -37,7 +37,9 @@ void write_state(const MarkovChain& chain, StateId state, std::span<const std::i
 }  // namespace
 
 void write_dot(const MarkovChain& chain, NewFile& out) {
-  out.append("digraph chain {\n  node [shape=box, style=rounded];\n");
+  out.append(
+      "digraph chain {\n  node [shape=box, style=rounded, fontname=Helvetica];\n"
+      "  edge [fontname=Helvetica, fontsize=11];\n");
   std::vector<std::int16_t> values(chain.variables.size());
   for (StateId state = 0; state < chain.matrix.state_count(); ++state) {
     chain.read_values(state, values);

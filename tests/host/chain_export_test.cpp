@@ -212,6 +212,27 @@ TEST(ChainExport, WritesWhatEveryFormatsReaderReadsBack) {
   }
 }
 
+// The description shows the files of one chain, byte by byte.
+TEST(ChainExport, WritesTheFilesThatTheDescriptionShows) {
+  const TemporaryDirectory directory;
+  const auto modes =
+      std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"up", "down", "scrapped"});
+  MarkovChain chain;
+  chain.matrix = matrix_of({{{1, 0.5}}, {{0, 4.0}, {2, 0.1}}, {}});
+  chain.variables = {{"machine.mode", {ValueSet::Kind::kEnumeration, 0, 2, modes}}};
+  chain.read_values = [](StateId state, std::span<std::int16_t> values) {
+    values[0] = static_cast<std::int16_t>(state);
+  };
+  chain.labels = {{"is up", {true, false, false}}};
+  chain.rewards = {{"uptime", {1, 0, 0}}};
+  const std::string description = file_text(SYMFOLD_DOCS_DIR "/file-formats.md");
+  for (const char* name : {"a.all", "a.drn", "a.mtx", "a.aut", "a.dot"}) {
+    for (const std::string& file : write_chain(chain, directory / name)) {
+      EXPECT_NE(description.find("```\n" + file_text(file) + "```\n"), std::string::npos) << file;
+    }
+  }
+}
+
 TEST(ChainExport, MakesDistinctIdentifiersOfAnyNames) {
   EXPECT_EQ(solver_identifiers({"a b", "a_b", "a  b!", "a_b_2", "2nd", "", "\xC3\xA9", "init", "deadlock",
                                 "W", "phil_0.phase", "(x)", "__"}),

@@ -204,7 +204,9 @@ std::vector<std::string> quoted_lines(Scanner& in) {
 
 // The drawing of the initial state and of deadlocks is read as their labels.
 void read_dot(Scanner& in, std::uint64_t states, ReadChain& chain) {
-  in.scan("digraph chain {\n  node [shape=box, style=rounded];\n");
+  in.scan(
+      "digraph chain {\n  node [shape=box, style=rounded, fontname=Helvetica];\n"
+      "  edge [fontname=Helvetica, fontsize=11];\n");
   for (std::uint64_t state = 0; state < states; ++state) {
     in.scan("  ", std::to_string(state), " [label=");
     std::vector<std::string>& labels = chain.labels.emplace_back(quoted_lines(in));
