@@ -113,6 +113,7 @@ TEST(GrowthPlot, NamesTheLastNumbersAndTheFactorBetweenThem) {
   expect_text("÷ 9.96", false);
   plot.points = {{7, 1'000'000'000'000, 1'000'000}};
   expect_text("÷ 1\u2009000\u2009000", true);
+  EXPECT_EQ(growth_svg(plot).find("nan"), std::string::npos);
   plot.points = {{7, {}, {}}};
   EXPECT_EQ(xml_error(growth_svg(plot)), "");
   EXPECT_NE(growth_svg(plot).find("full not reached, folded not reached"), std::string::npos);
