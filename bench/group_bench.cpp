@@ -17,7 +17,7 @@ const std::vector<Family> kFamilies = {
     {"philosophers", {"N=100"}},
     {"philosophers", {"N=1000"}},
     {"arms", {"N=100"}},
-    {"torus", {"W=20", "H=20"}},
+    {"routers", {"W=20", "H=20"}},
     {"wreath", {"M=10", "K=10"}},
     {"wreath", {"M=20", "K=10"}},
     {"hypercube", {"d=8"}},

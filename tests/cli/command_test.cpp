@@ -38,8 +38,20 @@ TEST(Examples, HaveTheirGroupOrders) {
       {"wreath", {}, 8, 3, "72"},
       {"wreath", {"M=4", "K=2"}, 12, 5, "384"},
       {"wreath", {"M=3", "K=5"}, 18, 4, "10368000"},
-      {"torus", {}, 9, 18, "9"},
-      {"torus", {"W=4", "H=6"}, 24, 48, "24"},
+      {"polling", {}, 8, 8, "8"},
+      {"polling", {"N=2"}, 2, 2, "2"},
+      {"cluster", {}, 11, 4, "1152"},
+      {"cluster", {"N=7"}, 17, 4, "50803200"},
+      {"multiprocessor", {}, 15, 10, "384"},
+      {"multiprocessor", {"M=4", "K=3"}, 28, 13, "40310784"},
+      {"peer2peer", {}, 16, 7, "144"},
+      {"peer2peer", {"N=5", "B=5"}, 30, 10, "14400"},
+      {"torus", {}, 45, 9, "72"},
+      {"torus", {"W=4", "H=4"}, 80, 16, "384"},
+      {"torus", {"W=5", "H=5"}, 125, 25, "200"},
+      {"torus", {"W=4", "H=7"}, 140, 28, "112"},
+      {"routers", {"W=3", "H=3"}, 9, 18, "9"},
+      {"routers", {"W=4", "H=6"}, 24, 48, "24"},
       {"tandem", {}, 6, 5, "1"},
       {"clients_servers", {}, 11, 5, "12"},
       {"clients_servers", {"K=4", "M=5"}, 29, 9, "2880"},
@@ -98,7 +110,8 @@ TEST(Detect, ShortensWhatIsLong) {
   const TempDir dir;
   const std::string ring = run({"detect", kExamples + "/philosophers.sym", "--const", "N=40"}).out;
   EXPECT_NE(ring.find(" phil_10 phil_11 ... 40)(fork_0 "), std::string::npos) << ring;
-  const std::string grid = run({"detect", kExamples + "/torus.sym", "--const", "W=5", "--const", "H=5"}).out;
+  const std::string grid =
+      run({"detect", kExamples + "/routers.sym", "--const", "W=5", "--const", "H=5"}).out;
   EXPECT_NE(grid.find(" ... 15 cycles\n"), std::string::npos) << grid;
   const std::string star = run({"detect", kExamples + "/star.sym", "--const", "N=60"}).out;
   EXPECT_NE(star.find("\n  ... and 39 more\n"), std::string::npos) << star;

@@ -34,15 +34,6 @@ TestModel ring(int n) {
   return TestModel(joins);
 }
 
-// The automorphism generators as permutations of the partitions, where every join has one variable.
-std::vector<std::vector<int>> partition_generators(const SymmetryDetection& detector) {
-  std::vector<std::vector<int>> result;
-  for (const Permutation& generator : detector.OrigPermutations) {
-    result.emplace_back(generator.GetP(), generator.GetP() + detector.PartitionInfo.size());
-  }
-  return result;
-}
-
 struct Counts {
   std::size_t states, labels, classes;
 };

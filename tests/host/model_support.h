@@ -13,9 +13,10 @@
 namespace symfold {
 
 inline const std::vector<std::string>& example_names() {
-  static const std::vector<std::string> names = {
-      "arms", "clients_servers", "complete", "hypercube",  "philosophers",
-      "star", "tandem",          "torus",    "two_speeds", "wreath"};
+  static const std::vector<std::string> names = {"arms",      "clients_servers", "cluster",   "complete",
+                                                 "hypercube", "multiprocessor",  "peer2peer", "philosophers",
+                                                 "polling",   "routers",         "star",      "tandem",
+                                                 "torus",     "two_speeds",      "wreath"};
   return names;
 }
 

@@ -22,6 +22,14 @@ std::vector<std::string> all_states(const std::vector<int>& sizes, const std::ve
   return states;
 }
 
+std::vector<std::vector<int>> partition_generators(const SymmetryDetection& detector) {
+  std::vector<std::vector<int>> result;
+  for (const Permutation& generator : detector.OrigPermutations) {
+    result.emplace_back(generator.GetP(), generator.GetP() + detector.PartitionInfo.size());
+  }
+  return result;
+}
+
 std::vector<int> classes_of(const std::vector<std::string>& states, const std::vector<int>& sizes,
                             const std::vector<std::vector<int>>& generators) {
   std::map<std::string, int> class_of;

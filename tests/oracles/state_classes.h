@@ -6,11 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "detector/symmetry_detection.h"
+
 namespace symfold {
 
 // Every state whose partition c holds one of `values[c]` values, each written as a little-endian number of
 // sizes[c] bytes.
 std::vector<std::string> all_states(const std::vector<int>& sizes, const std::vector<int>& values);
+
+// The automorphism generators as permutations of the partitions, where every join has one variable and the
+// state vector is in graph-node order.
+std::vector<std::vector<int>> partition_generators(const SymmetryDetection& detector);
 
 // Per state, the number of its class under the group that the partition permutations generate.
 std::vector<int> classes_of(const std::vector<std::string>& states, const std::vector<int>& sizes,
