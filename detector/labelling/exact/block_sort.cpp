@@ -1,0 +1,53 @@
+#include "detector/labelling/exact/block_sort.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace symfold {
+
+BlockSort::BlockSort(std::vector<std::vector<std::uint32_t>> blocks, std::unique_ptr<ImageSearch> inner)
+    : block_length_(blocks.front().size()), inner_(std::move(inner)), order_(blocks.size()) {
+  for (const auto& block : blocks) positions_.insert(positions_.end(), block.begin(), block.end());
+  tuples_.resize(positions_.size());
+}
+
+std::unique_ptr<ImageSearch> BlockSort::clone() const {
+  std::vector<std::vector<std::uint32_t>> blocks;
+  for (auto block = positions_.begin(); block != positions_.end();
+       block += static_cast<std::ptrdiff_t>(block_length_)) {
+    blocks.emplace_back(block, block + static_cast<std::ptrdiff_t>(block_length_));
+  }
+  return std::make_unique<BlockSort>(std::move(blocks), inner_ ? inner_->clone() : nullptr);
+}
+
+bool BlockSort::maximise(Placed* word) {
+  for (std::size_t i = 0; i < positions_.size(); ++i) tuples_[i] = word[positions_[i]];
+  bool is_exact = true;
+  if (inner_) {
+    for (std::size_t i = 0; i < tuples_.size(); i += block_length_) {
+      if (!inner_->maximise(&tuples_[i])) is_exact = false;
+    }
+  }
+  std::iota(order_.begin(), order_.end(), 0U);
+  std::sort(order_.begin(), order_.end(),
+            [this](std::uint32_t a, std::uint32_t b) { return sorts_before(a, b); });
+  std::size_t to = 0;
+  for (const std::uint32_t block : order_) {
+    for (std::size_t k = 0; k < block_length_; ++k)
+      word[positions_[to++]] = tuples_[block * block_length_ + k];
+  }
+  return is_exact;
+}
+
+// Equal blocks stay in their order.
+bool BlockSort::sorts_before(std::uint32_t a, std::uint32_t b) const {
+  const Placed* const first = &tuples_[a * block_length_];
+  const Placed* const second = &tuples_[b * block_length_];
+  for (std::size_t k = 0; k < block_length_; ++k) {
+    if (first[k].value != second[k].value) return first[k].value > second[k].value;
+  }
+  return a < b;
+}
+
+}  // namespace symfold

@@ -1,0 +1,38 @@
+// Small groups, all of whose elements are listed.
+//
+// Position by position, of the elements still in the race those stay that bring the largest value there. A
+// random word of a ring of 100 is decided after some 200 values; a word with symmetries of its own is read to
+// its end by the elements that tie.
+
+#ifndef SYMFOLD_DETECTOR_LABELLING_EXACT_LISTED_GROUP_H
+#define SYMFOLD_DETECTOR_LABELLING_EXACT_LISTED_GROUP_H
+
+#include <memory>
+#include <vector>
+
+#include "detector/labelling/exact/image_search.h"
+
+namespace symfold {
+
+class ListedGroup : public ImageSearch {
+ public:
+  // All elements of the group, at least one.
+  explicit ListedGroup(const std::vector<Images>& elements);
+  std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ListedGroup>(*this); }
+  bool maximise(Placed* word) override;
+
+ private:
+  struct Table {
+    std::size_t element_count;
+    std::size_t position_count;
+    std::vector<std::uint32_t> sources;  // by position and element: where the value there comes from
+  };
+
+  std::shared_ptr<const Table> table_;
+  std::vector<std::uint32_t> race_;  // elements that may be best
+  std::vector<Placed> image_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_DETECTOR_LABELLING_EXACT_LISTED_GROUP_H

@@ -1,0 +1,229 @@
+#include "detector/labelling/exact/object_action.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace symfold {
+namespace {
+
+// Fewer candidates are cheaper to follow than to compare.
+constexpr std::size_t kFewestToMerge = 4;
+
+// Whether the pair of `next` follows that of `pair`, with the free slot one further.
+bool continues(const ObjectPair& pair, const ObjectPair& next, bool first_is_free) {
+  if (pair.kind != next.kind || pair.is_single() != next.is_single()) return false;
+  if (pair.is_single()) return next.first == pair.first + 1;
+  return first_is_free ? next.second == pair.second && next.first == pair.first + 1
+                       : next.first == pair.first && next.second == pair.second + 1;
+}
+
+std::uint32_t run_from(const std::vector<ObjectPair>& pairs, std::size_t position, bool first_is_free) {
+  std::size_t end = position + 1;
+  while (end < pairs.size() && continues(pairs[end - 1], pairs[end], first_is_free)) ++end;
+  return static_cast<std::uint32_t>(end - position);
+}
+
+}  // namespace
+
+ObjectAction::ObjectAction(const ObjectPositions& positions, std::size_t most_candidates)
+    : plan_(std::make_shared<const Plan>(Plan{make_steps(positions), positions.table(),
+                                              positions.class_begins(), positions.object_count(),
+                                              most_candidates})),
+      cell_begins_(plan_->object_count),
+      cell_ends_(plan_->object_count),
+      image_(plan_->steps.size()) {}
+
+std::vector<ObjectAction::Step> ObjectAction::make_steps(const ObjectPositions& positions) {
+  const std::size_t count = positions.object_count();
+  std::vector<Step> steps;
+  for (std::size_t p = 0; p < positions.pairs().size(); ++p) {
+    const ObjectPair& pair = positions.pairs()[p];
+    const std::uint32_t second_run = run_from(positions.pairs(), p, false);
+    const std::uint32_t first_run = run_from(positions.pairs(), p, true);
+    if (pair.is_single()) {
+      steps.push_back({positions.table_of(pair.kind), 0, count + 1, pair.first, pair.first, second_run});
+    } else if (first_run > second_run) {
+      steps.push_back({positions.table_of(pair.kind), 1, count, pair.second, pair.first, first_run});
+    } else {
+      steps.push_back({positions.table_of(pair.kind), count, 1, pair.first, pair.second, second_run});
+    }
+  }
+  return steps;
+}
+
+bool ObjectAction::maximise(Placed* word) {
+  start();
+  for (std::size_t position = 0; position < plan_->steps.size();) {
+    if (open_slots_ == 0 && candidate_count_ == 1) break;
+    position = advance(position, word);
+  }
+  const Object* const objects = candidate(0);
+  for (std::size_t p = 0; p < image_.size(); ++p) {
+    const Step& step = plan_->steps[p];
+    image_[p] = word[source(step, objects, objects[step.free_slot])];
+  }
+  std::copy(image_.begin(), image_.end(), word);
+  return is_exact_;
+}
+
+void ObjectAction::start() {
+  is_exact_ = true;
+  open_slots_ = 0;
+  for (std::size_t c = 0; c + 1 < plan_->class_begins.size(); ++c) {
+    const std::uint32_t begin = plan_->class_begins[c];
+    const std::uint32_t end = plan_->class_begins[c + 1];
+    std::fill(cell_begins_.begin() + begin, cell_begins_.begin() + end, begin);
+    std::fill(cell_ends_.begin() + begin, cell_ends_.begin() + end, end);
+    if (end - begin > 1) open_slots_ += end - begin;
+  }
+  candidate_count_ = 1;
+  objects_.resize(std::max(objects_.size(), plan_->object_count));
+  std::iota(objects_.begin(), objects_.begin() + static_cast<std::ptrdiff_t>(plan_->object_count), Object{0});
+}
+
+// Reads one position, or the run of a cell. Returns the next position to read.
+std::size_t ObjectAction::advance(std::size_t position, const Placed* word) {
+  const Step& step = plan_->steps[position];
+  const std::size_t before = candidate_count_;
+  if (step.fixed_stride != 0) close(step.fixed_slot);
+  while (cell_begins_[step.free_slot] != step.free_slot) branch(cell_begins_[step.free_slot]);
+  std::uint32_t length = cell_ends_[step.free_slot] - step.free_slot;
+  if (length > step.run) {
+    branch(step.free_slot);
+    length = 1;
+  }
+  read(step, length, word);
+  if (length > 1) split(step.free_slot, length);
+  position += length;
+  if (candidate_count_ > before && candidate_count_ >= kFewestToMerge) merge_equal(position, word);
+  return position;
+}
+
+// Tries all objects for the slots of a cell up to this one.
+void ObjectAction::close(std::uint32_t slot) {
+  while (is_open(slot)) branch(cell_begins_[slot]);
+}
+
+// Tries all objects of a cell for its first slot; the others keep their order.
+void ObjectAction::branch(std::uint32_t slot) {
+  const std::size_t count = plan_->object_count;
+  const std::uint32_t end = cell_ends_[slot];
+  std::size_t made = 0;
+  const std::size_t wanted = candidate_count_ * (end - slot);
+  branched_.resize(std::max(branched_.size(), std::min(wanted, plan_->most_candidates) * count));
+  for (std::size_t i = 0; i < candidate_count_; ++i) {
+    for (std::uint32_t chosen = slot; chosen < end && made < plan_->most_candidates; ++chosen, ++made) {
+      Object* const objects = branched_.data() + made * count;
+      std::copy_n(candidate(i), count, objects);
+      std::rotate(objects + slot, objects + chosen, objects + chosen + 1);
+    }
+  }
+  if (made < wanted) is_exact_ = false;
+  std::swap(objects_, branched_);
+  candidate_count_ = made;
+  open_slots_ -= end - slot == 2 ? 2 : 1;
+  cell_ends_[slot] = slot + 1;
+  for (std::uint32_t other = slot + 1; other < end; ++other) cell_begins_[other] = slot + 1;
+}
+
+// Keeps the candidates whose values at the next `length` positions, sorted for more than one, are the
+// largest.
+void ObjectAction::read(const Step& step, std::uint32_t length, const Placed* word) {
+  std::size_t kept = 0;
+  best_.clear();
+  for (std::size_t i = 0; i < candidate_count_; ++i) {
+    rank(step, length, word, candidate(i));
+    const auto is_less = [](const Ranked& ranked, std::uint64_t value) { return ranked.value < value; };
+    const auto [own, best] =
+        std::mismatch(ranked_.begin(), ranked_.end(), best_.begin(), best_.end(),
+                      [](const Ranked& ranked, std::uint64_t value) { return ranked.value == value; });
+    if (best != best_.end() && is_less(*own, *best)) continue;
+    if (own != ranked_.end()) {
+      kept = 0;
+      best_.clear();
+      for (const Ranked& ranked : ranked_) best_.push_back(ranked.value);
+    }
+    keep(i, kept);
+    Object* const objects = candidate(kept++);
+    for (std::uint32_t k = 0; k < length; ++k) objects[step.free_slot + k] = ranked_[k].object;
+  }
+  candidate_count_ = kept;
+}
+
+// By insertion for cells of usual size. Objects of equal values stay in their order.
+void ObjectAction::rank(const Step& step, std::uint32_t length, const Placed* word, const Object* objects) {
+  constexpr std::size_t kLongestInsertion = 24;
+  ranked_.clear();
+  for (std::uint32_t k = 0; k < length; ++k) {
+    const Object object = objects[step.free_slot + k];
+    ranked_.push_back({word[source(step, objects, object)].value, object});
+    if (length > kLongestInsertion) continue;
+    for (std::size_t j = k; j > 0 && ranked_[j - 1].value < ranked_[j].value; --j) {
+      std::swap(ranked_[j - 1], ranked_[j]);
+    }
+  }
+  if (length <= kLongestInsertion) return;
+  std::sort(ranked_.begin(), ranked_.end(), [](const Ranked& a, const Ranked& b) {
+    return a.value != b.value ? a.value > b.value : a.object < b.object;
+  });
+}
+
+// Cells of equal values, after a read of the whole cell.
+void ObjectAction::split(std::uint32_t slot, std::uint32_t length) {
+  open_slots_ -= length;
+  for (std::uint32_t begin = 0; begin < length;) {
+    std::uint32_t end = begin + 1;
+    while (end < length && best_[end] == best_[begin]) ++end;
+    for (std::uint32_t k = begin; k < end; ++k) {
+      cell_begins_[slot + k] = slot + begin;
+      cell_ends_[slot + k] = slot + end;
+    }
+    if (end - begin > 1) open_slots_ += end - begin;
+    begin = end;
+  }
+}
+
+std::uint64_t ObjectAction::hash_from(std::size_t position, const Placed* word, const Object* objects) const {
+  std::uint64_t hash = 0;
+  for (std::size_t p = position; p < plan_->steps.size(); ++p) {
+    const Step& step = plan_->steps[p];
+    hash = (hash ^ word[source(step, objects, objects[step.free_slot])].value) * 0x9e3779b97f4a7c15;
+    hash ^= hash >> 32;
+  }
+  return hash;
+}
+
+bool ObjectAction::equal_from(std::size_t position, const Placed* word, const Object* a,
+                              const Object* b) const {
+  for (std::size_t p = position; p < plan_->steps.size(); ++p) {
+    const Step& step = plan_->steps[p];
+    if (word[source(step, a, a[step.free_slot])].value != word[source(step, b, b[step.free_slot])].value) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The first candidate of each image stays. Up to the position all are equal already.
+void ObjectAction::merge_equal(std::size_t position, const Placed* word) {
+  hashes_.clear();
+  for (std::uint32_t i = 0; i < candidate_count_; ++i) {
+    hashes_.emplace_back(hash_from(position, word, candidate(i)), i);
+  }
+  std::sort(hashes_.begin(), hashes_.end());
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < hashes_.size(); ++i) {
+    const bool is_repeated =
+        kept > 0 && hashes_[kept - 1].first == hashes_[i].first &&
+        equal_from(position, word, candidate(hashes_[kept - 1].second), candidate(hashes_[i].second));
+    if (!is_repeated) hashes_[kept++] = hashes_[i];
+  }
+  hashes_.resize(kept);
+  std::sort(hashes_.begin(), hashes_.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
+  for (std::size_t i = 0; i < kept; ++i) {
+    keep(hashes_[i].second, i);
+  }
+  candidate_count_ = kept;
+}
+
+}  // namespace symfold

@@ -1,0 +1,107 @@
+#include "detector/labelling/exact/recognition.h"
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+#include <utility>
+
+#include "detector/labelling/exact/block_recognition.h"
+#include "detector/labelling/exact/block_sort.h"
+#include "detector/labelling/exact/chain_search.h"
+#include "detector/labelling/exact/listed_group.h"
+#include "detector/labelling/exact/object_action.h"
+#include "detector/labelling/exact/object_recognition.h"
+#include "detector/labelling/exact/product_search.h"
+
+namespace symfold {
+namespace {
+
+using Positions = std::vector<std::uint32_t>;
+
+std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds);
+
+// All elements, by multiplying those known with as few generators as are needed; nothing where there are too
+// many.
+std::vector<Images> list_elements(const Subgroup& group, const SearchBounds& bounds) {
+  const std::size_t most = std::min(bounds.most_elements, bounds.most_images / group.size());
+  Images identity(group.size());
+  for (std::uint32_t i = 0; i < identity.size(); ++i) identity[i] = i;
+  std::vector<Images> elements{identity};
+  std::set<Images> known{identity};
+  std::vector<const Images*> used;
+  for (const Images& generator : group.generators()) {
+    if (known.contains(generator)) continue;
+    used.push_back(&generator);
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      for (const Images* factor : used) {
+        Images product = composed(*factor, elements[i]);
+        if (!known.insert(product).second) continue;
+        if (elements.size() >= most) return {};
+        elements.push_back(std::move(product));
+      }
+    }
+  }
+  return elements;
+}
+
+// A group of which every position is moved, and which is no direct product.
+std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const SearchBounds& bounds) {
+  if (auto found = recognise_blocks(group)) {
+    auto inner = make_search(group.on(found->blocks[0], std::move(found->inner)), bounds);
+    return std::make_unique<BlockSort>(std::move(found->blocks), std::move(inner));
+  }
+  if (const auto objects = recognise_objects(group)) {
+    return std::make_unique<ObjectAction>(*objects, bounds.most_candidates);
+  }
+  if (const std::vector<Images> elements = list_elements(group, bounds); !elements.empty()) {
+    return std::make_unique<ListedGroup>(elements);
+  }
+  std::vector<ChainLevel> levels = make_chain(group.size(), group.generators(), bounds.most_images);
+  if (levels.empty()) throw std::length_error("the symmetry group is too large for exact labels");
+  return std::make_unique<ChainSearch>(group.size(), std::move(levels), bounds.most_candidates);
+}
+
+// The generators that move these positions, in their numbering.
+std::vector<Images> restricted(const std::vector<Images>& generators, const Positions& positions) {
+  std::vector<Images> result;
+  Images images(positions.size());
+  for (const Images& generator : generators) {
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+      const auto image = std::lower_bound(positions.begin(), positions.end(), generator[positions[i]]);
+      images[i] = static_cast<std::uint32_t>(image - positions.begin());
+    }
+    if (!is_identity(images)) result.push_back(images);
+  }
+  return result;
+}
+
+std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds) {
+  Classes classes(group.size());
+  for (const Images& generator : group.generators()) {
+    std::uint32_t first_moved = ObjectPositions::kNone;
+    for (std::uint32_t x = 0; x < group.size(); ++x) {
+      if (generator[x] == x) continue;
+      if (first_moved == ObjectPositions::kNone) first_moved = x;
+      classes.unite(first_moved, x);
+    }
+  }
+  std::vector<Factor> factors;
+  for (Positions& positions : classes.lists()) {
+    if (positions.size() == 1) continue;
+    const Subgroup factor = group.on(positions, restricted(group.generators(), positions));
+    if (positions.size() == group.size()) return make_factor_search(factor, bounds);
+    auto search = make_factor_search(factor, bounds);
+    factors.push_back({std::move(positions), std::move(search)});
+  }
+  return factors.empty() ? nullptr : std::make_unique<ProductSearch>(std::move(factors));
+}
+
+}  // namespace
+
+std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds) {
+  Positions points(group.point_count());
+  for (std::uint32_t i = 0; i < points.size(); ++i) points[i] = i;
+  return make_search(Subgroup(group, std::move(points), group.permutations()), bounds);
+}
+
+}  // namespace symfold
