@@ -43,10 +43,12 @@ struct Commands {
     CLI::App* explore_app =
         app.add_subcommand("explore", "Explore the state space of a model, folded or not");
     add_model_input(*explore_app, explore.input);
-    CLI::Option* symmetry =
-        explore_app->add_option("--symmetry", explore.symmetry, "off, or fast: fold by canonical labels")
-            ->check(CLI::IsMember({"off", "fast"}));
-    explore_app->add_flag("--compare", explore.compare, "Explore both and print them side by side")
+    CLI::Option* symmetry = explore_app
+                                ->add_option("--symmetry", explore.symmetry,
+                                             "off, or fold by fast or exact labels (default: exact)")
+                                ->check(CLI::IsMember({"off", "fast", "exact"}));
+    explore_app
+        ->add_flag("--compare", explore.compare, "Explore with all of them and print them side by side")
         ->excludes(symmetry);
     explore_app->add_option("--max-states", explore.most_states, "Stop at so many states");
     explore_app->add_option("--max-memory", explore.most_memory, "Stop at so many bytes, for instance 500M")

@@ -45,6 +45,10 @@ std::vector<Row> count_rows(const std::vector<ExplorationResult>& results) {
                         count_row("self-loops", results, &ExplorationFigures::self_loops),
                         count_row("  made by folding", results, &ExplorationFigures::folded_self_loops),
                         count_row("depth", results, &ExplorationFigures::depth)};
+  if (results.back().inexact_labels > 0) {
+    rows.push_back(
+        row("inexact labels", results, [](const auto& result) { return grouped(result.inexact_labels); }));
+  }
   for (std::size_t i = 0; i < results[0].labels.size(); ++i) {
     rows.push_back(row("label \"" + results[0].labels[i] + '"', results,
                        [&](const auto& result) { return grouped(result.figures.label_counts[i]); }));
@@ -81,9 +85,22 @@ void print_table(std::ostream& out, const std::vector<Row>& rows) {
 }
 
 void print_range_cells(std::ostream& out, const std::vector<std::string>& cells) {
-  constexpr std::array<int, 6> kWidths = {6, 16, 16, 11, 11, 11};
-  for (std::size_t i = 0; i < cells.size(); ++i) out << std::setw(kWidths[i]) << cells[i];
+  constexpr int kWidth = 14;
+  for (std::size_t i = 0; i < cells.size(); ++i) out << std::setw(i == 0 ? kWidth / 2 : kWidth) << cells[i];
   out << std::endl;
+}
+
+// How many times fewer states the result has than the first one, which is the full state space; 0 where that
+// is not known.
+double reduction(const std::vector<ExplorationResult>& results, const ExplorationResult& result) {
+  const ExplorationResult& full = results.front();
+  if (full.is_folded() || !full.is_complete() || !result.is_complete()) return 0;
+  return static_cast<double>(full.figures.states) / static_cast<double>(result.figures.states);
+}
+
+std::string reduction_text(const std::vector<ExplorationResult>& results, const ExplorationResult& result) {
+  const double factor = reduction(results, result);
+  return factor > 0 ? fixed(factor, 2) : "-";
 }
 
 const char* name_of(Ending ending) {
@@ -94,38 +111,43 @@ const char* name_of(Ending ending) {
 
 }  // namespace
 
-double reduction(const ExplorationResult& full, const ExplorationResult& folded) {
-  if (!full.is_complete() || !folded.is_complete()) return 0;
-  return static_cast<double>(full.figures.states) / static_cast<double>(folded.figures.states);
-}
-
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results) {
   std::vector<Row> rows{row("symmetry", results, [](const auto& result) { return result.symmetry; })};
   for (Row& counts : count_rows(results)) rows.push_back(std::move(counts));
   for (Row& costs : cost_rows(results)) rows.push_back(std::move(costs));
-  print_table(out, rows);
-  const ExplorationResult& folded = results.back();
-  if (folded.group_order.empty()) return;
-  out << "reduction  ";
-  const double factor = reduction(results.front(), folded);
-  if (results.size() == 2 && factor > 0) out << fixed(factor, 2) << " times, ";
-  out << "at most " << folded.group_order << " times, the order of the symmetry group\n";
-}
-
-void print_range_head(std::ostream& out, const std::string& parameter) {
-  print_range_cells(out, {parameter, "full", "folded", "reduction", "full in", "folded in"});
-}
-
-void print_range_row(std::ostream& out, long value, const std::vector<ExplorationResult>& results) {
-  std::vector<std::string> cells{std::to_string(value), "-", "-", "-", "-", "-"};
-  for (const ExplorationResult& result : results) {
-    if (!result.is_complete()) continue;
-    const std::size_t column = result.symmetry == "off" ? 1 : 2;
-    cells[column] = grouped(result.figures.states);
-    cells[column + 3] = duration(result.seconds());
+  if (results.size() > 1) {
+    rows.push_back(
+        row("reduction", results, [&](const auto& result) { return reduction_text(results, result); }));
   }
-  const double factor = results.empty() ? 0 : reduction(results.front(), results.back());
-  if (results.size() == 2 && factor > 0) cells[3] = fixed(factor, 2);
+  print_table(out, rows);
+  if (!results.back().is_folded()) return;
+  out << "group order  " << results.back().group_order << ": no folding reduces by more\n";
+}
+
+void print_range_head(std::ostream& out, const std::string& parameter,
+                      const std::vector<std::string>& symmetries) {
+  std::vector<std::string> cells{parameter};
+  for (const std::string& symmetry : symmetries) cells.push_back(symmetry);
+  for (const std::string& symmetry : symmetries) cells.push_back(symmetry + " in");
+  if (symmetries.size() > 1) cells.emplace_back("reduction");
+  print_range_cells(out, cells);
+}
+
+void print_range_row(std::ostream& out, long value, const std::vector<std::string>& symmetries,
+                     const std::vector<ExplorationResult>& results) {
+  std::vector<std::string> counts;
+  std::vector<std::string> times;
+  for (const std::string& symmetry : symmetries) {
+    const auto result = std::find_if(results.begin(), results.end(), [&](const auto& each) {
+      return each.symmetry == symmetry && each.is_complete();
+    });
+    counts.push_back(result == results.end() ? "-" : grouped(result->figures.states));
+    times.push_back(result == results.end() ? "-" : duration(result->seconds()));
+  }
+  std::vector<std::string> cells{std::to_string(value)};
+  cells.insert(cells.end(), counts.begin(), counts.end());
+  cells.insert(cells.end(), times.begin(), times.end());
+  if (symmetries.size() > 1) cells.push_back(reduction_text(results, results.back()));
   print_range_cells(out, cells);
 }
 
@@ -156,13 +178,12 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
     run["states_per_second"] = states_per_second(result);
     run["bytes_per_state"] = {{"packed", figures.state_bytes}, {"with_index", bytes_per_state(figures)}};
     run["peak_memory_bytes"] = result.peak_memory;
-    if (!result.group_order.empty()) run["group_order"] = result.group_order;
+    if (result.is_folded()) run["group_order"] = result.group_order;
+    if (result.symmetry == "exact") run["inexact_labels"] = result.inexact_labels;
+    if (reduction(results, result) > 0) run["reduction"] = reduction(results, result);
     runs.push_back(std::move(run));
   }
-  nlohmann::ordered_json json = {{"runs", std::move(runs)}};
-  const double factor = results.size() == 2 ? reduction(results.front(), results.back()) : 0;
-  if (factor > 0) json["reduction"] = factor;
-  return json;
+  return {{"runs", std::move(runs)}};
 }
 
 }  // namespace symfold

@@ -13,27 +13,28 @@
 namespace symfold {
 
 struct ExplorationResult {
-  std::string symmetry;     // "off" or "fast"
+  std::string symmetry;     // "off", "fast" or "exact"
   std::string group_order;  // in decimal; empty without folding
   Ending ending;
   ExplorationFigures figures;
   std::vector<std::string> labels;  // their names
   double detection_seconds = 0;
-  std::size_t peak_memory = 0;  // of the process so far, in bytes
+  std::size_t inexact_labels = 0;  // those of "exact" that may not be
+  std::size_t peak_memory = 0;     // of the process so far, in bytes
 
   double seconds() const { return detection_seconds + figures.seconds; }
+  bool is_folded() const { return !group_order.empty(); }
   bool is_complete() const { return ending == Ending::kComplete; }
 };
 
-// How many times fewer states `folded` has than `full`; 0 unless both are complete.
-double reduction(const ExplorationResult& full, const ExplorationResult& folded);
-
-// A table with a column for each of one or two results, the full one first.
+// A table with a column for each result; where there are several, the first one is the full state space.
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results);
 
 // The same for a range of a parameter's values: a line for each, as soon as it is known.
-void print_range_head(std::ostream& out, const std::string& parameter);
-void print_range_row(std::ostream& out, long value, const std::vector<ExplorationResult>& results);
+void print_range_head(std::ostream& out, const std::string& parameter,
+                      const std::vector<std::string>& symmetries);
+void print_range_row(std::ostream& out, long value, const std::vector<std::string>& symmetries,
+                     const std::vector<ExplorationResult>& results);
 
 // What was reached where a limit or an interrupt ended an exploration: "stopped at the limit of memory: ...".
 std::string ending_text(const ExplorationResult& result);

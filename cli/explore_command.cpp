@@ -15,6 +15,7 @@
 #include "cli/progress_line.h"
 #include "host/detection_run.h"
 #include "host/export/chain_export.h"
+#include "host/label_search.h"
 #include "host/plot/growth_plot.h"
 
 namespace symfold {
@@ -23,17 +24,22 @@ namespace {
 // A model's symmetries, ready for folding.
 class Folding {
  public:
-  Folding(const ComposedModel& model, const std::string& directory) : run_(model, directory, false) {
+  Folding(const ComposedModel& model, const std::string& directory, const std::string& symmetry)
+      : run_(model, directory, false) {
     run_.require_sound();
-    search_.emplace(run_.detector());
+    if (symmetry == "exact") {
+      labelling_ = std::make_unique<ExactLabelSearch>(run_.detector());
+    } else {
+      labelling_ = std::make_unique<LabelSearch>(run_.detector());
+    }
   }
 
   const SymmetryDetection& detector() const { return run_.detector(); }
-  LabelSearch& search() { return *search_; }
+  Labelling& labelling() { return *labelling_; }
 
  private:
   DetectionRun run_;
-  std::optional<LabelSearch> search_;
+  std::unique_ptr<Labelling> labelling_;
 };
 
 class ExploreRun {
@@ -45,7 +51,8 @@ class ExploreRun {
  private:
   int explore_one();
   int explore_range(const ParameterRange& range);
-  std::vector<ExplorationResult> explore_model(const ModelInput& input, bool wants_full, bool wants_folded);
+  std::vector<ExplorationResult> explore_model(const ModelInput& input,
+                                               const std::vector<std::string>& symmetries);
   ExplorationResult explore(const ComposedModel& model, const std::string& symmetry);
   ExplorationLimits limits() const;
   void export_chain(Exploration& exploration);
@@ -62,7 +69,7 @@ class ExploreRun {
 GrowthPoint growth_point(long value, const std::vector<ExplorationResult>& results) {
   GrowthPoint point{value, {}, {}};
   for (const ExplorationResult& result : results) {
-    if (result.is_complete()) (result.symmetry == "off" ? point.full : point.folded) = result.figures.states;
+    if (result.is_complete()) (result.is_folded() ? point.folded : point.full) = result.figures.states;
   }
   return point;
 }
@@ -85,23 +92,25 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, const std::str
   std::optional<Folding> folding;
   if (symmetry != "off") {
     folding.emplace(model,
-                    options_.directory.empty() ? options_.input.stem() + ".symfold" : options_.directory);
+                    options_.directory.empty() ? options_.input.stem() + ".symfold" : options_.directory,
+                    symmetry);
   }
   const StateLayout layout = folding ? StateLayout(model, folding->detector().SSOrder) : StateLayout(model);
-  const bool is_exported = !options_.exports.empty() && (folding || !options_.compare);
+  const bool is_exported = !options_.exports.empty() && symmetry == options_.symmetry;
   ExplorationResult result;
   result.symmetry = symmetry;
   if (folding) result.group_order = group_order(folding->detector().SGSOrbitLengths);
   result.detection_seconds = folding ? seconds_since(start) : 0;
-  Exploration exploration(model, layout, folding ? &folding->search() : nullptr, is_exported);
+  Exploration exploration(model, layout, folding ? &folding->labelling() : nullptr, is_exported);
   {
-    ProgressLine line(streams_, folding ? "folded" : "full", options_.quiet);
+    ProgressLine line(streams_, "symmetry " + symmetry, options_.quiet);
     result.ending = exploration.run(limits(), [&](const ExplorationFigures& figures) {
       line.show(figures);
       return !interrupts_.is_interrupted();
     });
   }
   result.figures = exploration.figures();
+  if (folding) result.inexact_labels = folding->labelling().inexact_count();
   result.peak_memory = peak_memory();
   for (std::size_t i = 0; i < exploration.observables().label_count(); ++i) {
     result.labels.push_back(exploration.observables().label_name(i));
@@ -118,13 +127,14 @@ void ExploreRun::export_chain(Exploration& exploration) {
   }
 }
 
-// The folded state space first: it is the smaller one, and the peak of memory only rises.
-std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input, bool wants_full,
-                                                         bool wants_folded) {
+// The most folded state space first: it is the smallest one, and the peak of memory only rises.
+std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input,
+                                                         const std::vector<std::string>& symmetries) {
   const ComposedModel model = read_input(input, streams_);
   std::vector<ExplorationResult> results;
-  if (wants_folded) results.push_back(explore(model, "fast"));
-  if (wants_full && !interrupts_.is_interrupted()) results.insert(results.begin(), explore(model, "off"));
+  for (auto symmetry = symmetries.rbegin(); symmetry != symmetries.rend(); ++symmetry) {
+    if (!interrupts_.is_interrupted()) results.insert(results.begin(), explore(model, *symmetry));
+  }
   return results;
 }
 
@@ -144,14 +154,13 @@ void ExploreRun::print_files() {
   const bool has_matrix = std::any_of(files_.begin(), files_.end(),
                                       [](const std::string& file) { return file.ends_with(".tra"); });
   if (has_matrix && needs_ctmc_switch_) {
-    streams_.out
-        << "all rates are at most 1: open the .tra file with prism -ctmc, or it is taken for a DTMC\n";
+    streams_.out << "none of the first rates exceeds 1: open the .tra file with prism -ctmc, or it is taken "
+                    "for a DTMC\n";
   }
 }
 
 int ExploreRun::explore_one() {
-  const std::vector<ExplorationResult> results =
-      explore_model(options_.input, options_.wants_full(), options_.wants_folded());
+  const std::vector<ExplorationResult> results = explore_model(options_.input, options_.symmetries());
   if (options_.json) {
     nlohmann::ordered_json json = {{"model", options_.input.model}};
     json.update(results_json(results));
@@ -167,26 +176,25 @@ int ExploreRun::explore_one() {
 
 // A symmetry whose exploration was not complete is left out from then on: larger models take more.
 int ExploreRun::explore_range(const ParameterRange& range) {
-  bool wants_full = options_.wants_full();
-  bool wants_folded = options_.wants_folded();
+  const std::vector<std::string> columns = options_.symmetries();
+  std::vector<std::string> symmetries = columns;
   int code = kOk;
   GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
-  if (!options_.json) print_range_head(streams_.out, range.name);
-  for (long value = range.low; value <= range.high && (wants_full || wants_folded); ++value) {
-    const std::vector<ExplorationResult> results =
-        explore_model(range.at(options_.input, value), wants_full, wants_folded);
+  if (!options_.json) print_range_head(streams_.out, range.name, columns);
+  for (long value = range.low; value <= range.high && !symmetries.empty(); ++value) {
+    const std::vector<ExplorationResult> results = explore_model(range.at(options_.input, value), symmetries);
     if (options_.json) {
       json["points"].push_back({{range.name, value}});
       json["points"].back().update(results_json(results));
     } else {
-      print_range_row(streams_.out, value, results);
+      print_range_row(streams_.out, value, columns, results);
     }
     plot.points.push_back(growth_point(value, results));
     code = std::max(code, report_endings(results));
     if (code == kInterrupted) break;
     for (const ExplorationResult& result : results) {
-      if (!result.is_complete()) (result.symmetry == "off" ? wants_full : wants_folded) = false;
+      if (!result.is_complete()) std::erase(symmetries, result.symmetry);
     }
   }
   if (!options_.plot.empty()) {
@@ -208,6 +216,11 @@ int ExploreRun::run() {
 }
 
 }  // namespace
+
+std::vector<std::string> ExploreOptions::symmetries() const {
+  if (compare) return {"off", "fast", "exact"};
+  return {symmetry};
+}
 
 std::string conflict_in(const ExploreOptions& options) {
   const std::size_t ranges = find_ranges(options.input).size();

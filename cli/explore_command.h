@@ -13,20 +13,20 @@
 namespace symfold {
 
 struct ExploreOptions {
-  ModelInput input;               // at most one constant may be a range, NAME=3..10: a run for each value
-  std::string symmetry = "fast";  // or "off"
-  bool compare = false;           // both, side by side
+  ModelInput input;                // at most one constant may be a range, NAME=3..10: a run for each value
+  std::string symmetry = "exact";  // or "off", "fast"
+  bool compare = false;            // all of them, side by side
   std::size_t most_states = std::numeric_limits<std::size_t>::max();
   std::size_t most_memory = std::numeric_limits<std::size_t>::max();  // bytes, of the whole process
   double most_seconds = std::numeric_limits<double>::infinity();      // of each exploration
   std::string directory;             // of the detection's files; empty: named after the model
-  std::vector<std::string> exports;  // files for the chain, the folded one of a comparison
+  std::vector<std::string> exports;  // files for the chain, the folded one where there are several
   std::string plot;                  // file for the curves of a range
   bool quiet = false;
   bool json = false;
 
-  bool wants_full() const { return compare || symmetry == "off"; }
-  bool wants_folded() const { return compare || symmetry != "off"; }
+  // Those to explore with, the least folding first.
+  std::vector<std::string> symmetries() const;
 };
 
 // What does not go together in the options; empty where all is well.

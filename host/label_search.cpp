@@ -1,8 +1,22 @@
 #include "host/label_search.h"
 
+#include <stdexcept>
+
 #include "host/detection_log.h"
+#include "host/detection_run.h"
 
 namespace symfold {
+namespace {
+
+ExactGroup make_group(const SymmetryDetection& detector) {
+  try {
+    return ExactGroup(detector);
+  } catch (const std::length_error& error) {
+    throw GroupLimitError(std::string("error: ") + error.what());
+  }
+}
+
+}  // namespace
 
 LabelSearch::LabelSearch(SymmetryDetection& detector) : detector_(detector) {
   const DetectionLog silent("");
@@ -15,5 +29,8 @@ LabelSearch::~LabelSearch() {
   detector_.Cleanup();
   detector_.CleanStaticMembers();
 }
+
+ExactLabelSearch::ExactLabelSearch(const SymmetryDetection& detector)
+    : group_(make_group(detector)), labeller_(group_) {}
 
 }  // namespace symfold

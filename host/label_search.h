@@ -1,29 +1,46 @@
-// A detector's tables, ready to label states.
+// The two ways to label states by a detector's tables.
 
 #ifndef SYMFOLD_HOST_LABEL_SEARCH_H
 #define SYMFOLD_HOST_LABEL_SEARCH_H
 
+#include "detector/labelling/exact_labeller.h"
 #include "detector/symmetry_detection.h"
+#include "host/labelling.h"
 
 namespace symfold {
 
-// Allocates the search buffers of a detector that has its final tables, and releases them. Labels of the
-// detector's state size in bytes; nothing is allocated per state; one search serves one thread.
-class LabelSearch {
+// The detector's own greedy search. Allocates the search buffers of a detector that has its final tables, and
+// releases them.
+class LabelSearch : public Labelling {
  public:
   // The detector must outlive the search.
   explicit LabelSearch(SymmetryDetection& detector);
-  ~LabelSearch();
+  ~LabelSearch() override;
   LabelSearch(const LabelSearch&) = delete;
   LabelSearch& operator=(const LabelSearch&) = delete;
 
-  // Writes the canonical label of `state` to `label`, which may be the same.
-  void find(const void* state, void* label) {
+  void find(const void* state, void* label) override {
     detector_.FindCanonicalLabel(const_cast<void*>(state), label, nullptr);
   }
 
  private:
   SymmetryDetection& detector_;
+};
+
+// One label for each class: the largest image of a state.
+class ExactLabelSearch : public Labelling {
+ public:
+  // Keeps no reference to the detector. Throws GroupLimitError where the group is too large for exact labels.
+  explicit ExactLabelSearch(const SymmetryDetection& detector);
+
+  void find(const void* state, void* label) override { labeller_.find(state, label, nullptr); }
+  std::size_t inexact_count() const override { return labeller_.inexact_count(); }
+
+  ExactLabeller& labeller() { return labeller_; }
+
+ private:
+  ExactGroup group_;
+  ExactLabeller labeller_;
 };
 
 }  // namespace symfold

@@ -26,10 +26,10 @@ bool differ(const std::vector<std::uint64_t>& a, const std::uint64_t* b) {
 
 }  // namespace
 
-Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, LabelSearch* search,
+Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, Labelling* labelling,
                          bool keeps_matrix)
     : layout_(layout),
-      search_(search),
+      labelling_(labelling),
       keeps_matrix_(keeps_matrix),
       local_states_(model, layout),
       system_(model, layout, local_states_),
@@ -61,7 +61,7 @@ Ending Exploration::run(const ExplorationLimits& limits, const Progress& progres
 
 void Exploration::insert_initial_state() {
   values_ = layout_.initial_state();
-  if (search_ != nullptr) search_->find(values_.data(), values_.data());
+  if (labelling_ != nullptr) labelling_->find(values_.data(), values_.data());
   packing_.pack(values_.data(), new_successor_words());
   successors_.push_back({0, store_.hash(successor_words_.data()), false});
   insert_successors();
@@ -81,10 +81,10 @@ void Exploration::expand(StateId id) {
                           [this](double rate, std::span<const Write> writes, const std::uint32_t* slots) {
                             add_successor(rate, writes, slots);
                           });
-  if (!insert_successors()) return;
+  if (!insert_successors() || (keeps_matrix_ && !make_room())) return;
   count_loops(id);
   merge_row();
-  if (keeps_matrix_ && !append_row()) return;
+  if (keeps_matrix_) append_row();
   count(id);
 }
 
@@ -98,10 +98,10 @@ void Exploration::add_successor(double rate, std::span<const Write> writes, cons
   std::copy(words_.begin(), words_.end(), words);
   for (const Write& write : writes) packing_.set(words, slots[write.variable], write.value);
   const bool is_changed = differ(words_, words);
-  if (search_ != nullptr && is_changed) {
+  if (labelling_ != nullptr && is_changed) {
     std::copy(values_.begin(), values_.end(), image_.begin());
     for (const Write& write : writes) image_[slots[write.variable]] = write.value;
-    search_->find(image_.data(), image_.data());
+    labelling_->find(image_.data(), image_.data());
     packing_.pack(image_.data(), words);
   }
   const std::uint64_t hash = store_.hash(words);
@@ -153,24 +153,27 @@ std::size_t Exploration::matrix_memory() const {
          matrix_.targets.capacity() * kEntryBytes;
 }
 
-bool Exploration::append_row() {
+// For a row of the matrix.
+bool Exploration::make_room() {
   const std::size_t entries = grown_capacity(matrix_.targets, row_.size());
   const std::size_t rows = grown_capacity(matrix_.row_starts, 1);
   const std::size_t added = (entries > matrix_.targets.capacity() ? entries * kEntryBytes : 0) +
                             (rows > matrix_.row_starts.capacity() ? rows * sizeof matrix_.row_starts[0] : 0);
-  if (added > 0) {
-    if (store_.memory() + matrix_memory() + added > limits_.bytes) return stop(Ending::kMemoryLimit);
-    matrix_.targets.reserve(entries);
-    matrix_.rates.reserve(entries);
-    matrix_.row_starts.reserve(rows);
-    store_.set_limits(limits_.states, limits_.bytes - matrix_memory());
-  }
+  if (added == 0) return true;
+  if (store_.memory() + matrix_memory() + added > limits_.bytes) return stop(Ending::kMemoryLimit);
+  matrix_.targets.reserve(entries);
+  matrix_.rates.reserve(entries);
+  matrix_.row_starts.reserve(rows);
+  store_.set_limits(limits_.states, limits_.bytes - matrix_memory());
+  return true;
+}
+
+void Exploration::append_row() {
   for (const Entry& entry : row_) {
     matrix_.targets.push_back(entry.target);
     matrix_.rates.push_back(entry.rate);
   }
   matrix_.row_starts.push_back(matrix_.targets.size());
-  return true;
 }
 
 void Exploration::count(StateId source) {

@@ -1,7 +1,7 @@
 // Breadth-first exploration of a model's state space, as it is or folded by its symmetries.
 //
 // The states reached are expanded in the order of their numbers. A successor's place in the index is fetched
-// while the other successors are computed. With a label search every successor is replaced by its canonical
+// while the other successors are computed. With a labelling every successor is replaced by its canonical
 // label before it is looked up, so that the chain is that of the representatives: the rate from r to s is the
 // sum over r's actions whose successor has the label s.
 //
@@ -24,7 +24,7 @@
 #include "host/chain/state_packing.h"
 #include "host/chain/state_store.h"
 #include "host/chain/transition_system.h"
-#include "host/label_search.h"
+#include "host/labelling.h"
 
 namespace symfold {
 
@@ -67,9 +67,9 @@ class Exploration {
   // Called about ten times a second, and at the end; false interrupts.
   using Progress = std::function<bool(const ExplorationFigures&)>;
 
-  // Explores the whole state space for `search` null, else that of the representatives; the layout is in the
-  // order of the search's state vector. Keeps references to all three.
-  Exploration(const ComposedModel& model, const StateLayout& layout, LabelSearch* search, bool keeps_matrix);
+  // Explores the whole state space for `labelling` null, else that of the representatives; the layout is in the
+  // order of the labelled state vector. Keeps references to all three.
+  Exploration(const ComposedModel& model, const StateLayout& layout, Labelling* labelling, bool keeps_matrix);
   Exploration(const Exploration&) = delete;
   Exploration& operator=(const Exploration&) = delete;
 
@@ -103,7 +103,8 @@ class Exploration {
   bool insert_successors();
   void count_loops(StateId source);
   void merge_row();
-  bool append_row();
+  bool make_room();
+  void append_row();
   std::size_t matrix_memory() const;
   void count(StateId source);
   void check_in(const Progress& progress);
@@ -114,7 +115,7 @@ class Exploration {
   }
 
   const StateLayout& layout_;
-  LabelSearch* search_;
+  Labelling* labelling_;
   bool keeps_matrix_;
   ExplorationLimits limits_;
   LocalStates local_states_;

@@ -39,11 +39,13 @@ TEST(Explore, PrintsBothStateSpacesSideBySide) {
   EXPECT_EQ(folded["states"], 117);
   EXPECT_EQ(folded["transitions"], 461);
   EXPECT_EQ(folded["group_order"], "5");
-  EXPECT_NEAR(json["reduction"].get<double>(), 573.0 / 117, 1e-12);
+  EXPECT_NEAR(folded["reduction"].get<double>(), 573.0 / 117, 1e-12);
+  EXPECT_EQ(json["runs"][2]["states"], 117);
+  EXPECT_EQ(json["runs"][2]["inexact_labels"], 0);
   const std::string text = run({"explore", kPhilosophers, "--compare"}).out;
   const std::regex table(
-      "[^]*\\nstates +573 +117\\n[^]*\\nlabel \"all left\" +1 +1\\n[^]*"
-      "\\nreduction  4.90 times, at most 5 times, the order of the symmetry group\\n");
+      "[^]*\\nstates +573 +117 +117\\n[^]*\\nlabel \"all left\" +1 +1 +1\\n[^]*"
+      "\\nreduction +1.00 +4.90 +4.90\\ngroup order  5: no folding reduces by more\\n");
   EXPECT_TRUE(std::regex_match(text, table)) << text;
 }
 
@@ -62,6 +64,7 @@ TEST(Explore, TellsLoopsThatFoldingMakes) {
   };
   EXPECT_EQ(loops("off"), (std::vector<int>{3, 6, 3, 0}));
   EXPECT_EQ(loops("fast"), (std::vector<int>{1, 1, 1, 1}));
+  EXPECT_EQ(loops("exact"), (std::vector<int>{1, 1, 1, 1}));
 }
 
 TEST(Explore, WritesTheFoldedChainAndSaysHowToOpenIt) {
@@ -110,9 +113,10 @@ TEST(Explore, StopsCleanlyWhenInterrupted) {
 TEST(Explore, DrawsProgressOnATerminalOnly) {
   const TempDir directory;
   const std::vector<std::string> limit = {"--time-limit", "0.3"};
-  EXPECT_NE(run(large(limit), "", true).err.find("\r\x1b[Kfolded: "), std::string::npos);
-  EXPECT_EQ(run(large(limit)).err.find("folded: "), std::string::npos);
-  EXPECT_EQ(run(large({"--time-limit", "0.3", "--quiet"}), "", true).err.find("folded: "), std::string::npos);
+  EXPECT_NE(run(large(limit), "", true).err.find("\r\x1b[Ksymmetry exact: "), std::string::npos);
+  EXPECT_EQ(run(large(limit)).err.find("symmetry exact: "), std::string::npos);
+  EXPECT_EQ(run(large({"--time-limit", "0.3", "--quiet"}), "", true).err.find("symmetry exact: "),
+            std::string::npos);
 }
 
 TEST(Explore, RunsOverARangeOfValues) {
@@ -146,7 +150,7 @@ TEST(Explore, GoesOnWithTheFoldedOneWhereTheFullOneIsTooLarge) {
   EXPECT_EQ(outcome.code, kLimitReached);
   const nlohmann::json points = nlohmann::json::parse(outcome.out)["points"];
   ASSERT_EQ(points.size(), 3U);
-  EXPECT_EQ(points[2]["runs"].size(), 1U);
+  EXPECT_EQ(points[2]["runs"].size(), 2U);
   EXPECT_EQ(points[2]["runs"][0]["states"], 353);
 }
 
