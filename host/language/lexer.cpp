@@ -35,6 +35,13 @@ std::size_t code_point_length(std::string_view text) {
   return length;
 }
 
+bool has_control(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (starts_with_control(text.substr(i))) return true;
+  }
+  return false;
+}
+
 std::string shortened(std::string_view text) {
   std::size_t length = std::min(text.size(), kLongestShown);
   while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
@@ -167,8 +174,7 @@ Token Lexer::string() {
   }
   if (end == 1) return malformed(2, "expected a name between the quotes, got nothing");
   const std::string_view content = text.substr(1, end - 1);
-  if (std::any_of(content.begin(), content.end(),
-                  [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; })) {
+  if (has_control(content)) {
     return malformed(end + 1, "expected printable characters between the quotes, got a control character");
   }
   if (content.size() > kLongestName) {
@@ -187,10 +193,9 @@ Token Lexer::symbol() {
     return take(TokenKind::kSymbol, candidate.size());
   }
   const std::size_t length = code_point_length(text);
-  const bool is_printable = length > 1 || (text[0] > ' ' && text[0] <= '~');
-  return malformed(
-      length, "expected a token of the language, got " +
-                  (is_printable ? "'" + std::string(text.substr(0, length)) + "'" : "a control character"));
+  const std::string got =
+      starts_with_control(text) ? "a control character" : "'" + std::string(text.substr(0, length)) + "'";
+  return malformed(length, "expected a token of the language, got " + got);
 }
 
 }  // namespace symfold

@@ -31,6 +31,7 @@ class Parser {
   void parse_parameters(TypeDecl& type);
   void parse_variable(TypeDecl& type);
   void parse_value_set(VariableDecl& variable);
+  void parse_literals(VariableDecl& variable);
   void parse_action(TypeDecl& type);
   void parse_system();
   void parse_system_item(SystemDecl& system);
@@ -179,12 +180,25 @@ void Parser::parse_value_set(VariableDecl& variable) {
     tokens_.expect("]");
   } else if (tokens_.accept("{")) {
     variable.type.scalar = Scalar::kEnum;
+    parse_literals(variable);
+  } else {
+    tokens_.fail("'bool', '[' or '{'");
+  }
+}
+
+// After a wrong one, the brace that closes them is no longer in the way of skip_statement().
+void Parser::parse_literals(VariableDecl& variable) {
+  try {
     do {
       variable.literals.push_back(tokens_.expect_name("a literal's name"));
     } while (tokens_.accept(","));
     tokens_.expect("}");
-  } else {
-    tokens_.fail("'bool', '[' or '{'");
+  } catch (const SyntaxError&) {
+    const auto is_outside = [](const Token& token) {
+      return token.is(";") || token.kind == TokenKind::kKeyword || token.kind == TokenKind::kEnd;
+    };
+    while (!is_outside(tokens_.current()) && !tokens_.accept("}")) tokens_.take();
+    throw;
   }
 }
 

@@ -55,10 +55,12 @@ std::string printable(std::string_view text) {
   std::string shown;
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t length = sequence_length(text.substr(i));
-    const bool control = length == 1 && text[i] != '\t' && (text[i] < ' ' || text[i] == '\x7F');
-    if (length == 0 || control) {
+    if (length == 0) {
       if (!continues_code_point(text[i])) shown += '?';
       ++i;
+    } else if (text[i] != '\t' && starts_with_control(text.substr(i))) {
+      shown += '?';
+      i += length;
     } else {
       shown += text.substr(i, length);
       i += length;
@@ -68,6 +70,13 @@ std::string printable(std::string_view text) {
 }
 
 }  // namespace
+
+bool starts_with_control(std::string_view text) {
+  if (text.empty()) return false;
+  const auto first = static_cast<unsigned char>(text[0]);
+  if (first < 0x20 || first == 0x7F) return true;
+  return first == 0xC2 && text.size() > 1 && static_cast<unsigned char>(text[1]) < 0xA0;
+}
 
 SourceText::SourceText(std::string name, std::string text)
     : name_(std::move(name)), text_(std::move(text)), line_starts_{0} {

@@ -20,6 +20,9 @@ using Offset = std::uint32_t;
 inline constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
 // Immutable and not movable: tokens and names are views into it.
+// Whether a control character, which a terminal might obey, comes first: U+0000 to U+001F, U+007F to U+009F.
+bool starts_with_control(std::string_view text);
+
 class SourceText {
  public:
   SourceText(std::string name, std::string text);
