@@ -1,6 +1,7 @@
 #include "detector/labelling/exact/block_sort.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <utility>
 
@@ -29,15 +30,45 @@ bool BlockSort::maximise(Placed* word) {
       if (!inner_->maximise(&tuples_[i])) is_exact = false;
     }
   }
-  std::iota(order_.begin(), order_.end(), 0U);
-  std::sort(order_.begin(), order_.end(),
-            [this](std::uint32_t a, std::uint32_t b) { return sorts_before(a, b); });
+  if (block_length_ > 1 || !order_by_counting()) {
+    std::iota(order_.begin(), order_.end(), 0U);
+    std::sort(order_.begin(), order_.end(),
+              [this](std::uint32_t a, std::uint32_t b) { return sorts_before(a, b); });
+  }
   std::size_t to = 0;
   for (const std::uint32_t block : order_) {
     for (std::size_t k = 0; k < block_length_; ++k)
       word[positions_[to++]] = tuples_[block * block_length_ + k];
   }
   return is_exact;
+}
+
+// For blocks of one position. False where there are too many different values.
+bool BlockSort::order_by_counting() {
+  constexpr std::size_t kMostValues = 8;
+  std::array<std::uint64_t, kMostValues> values;  // descending
+  std::array<std::uint32_t, kMostValues + 1> ends{};
+  std::size_t count = 0;
+  for (const Placed& placed : tuples_) {
+    std::size_t i = 0;
+    while (i < count && values[i] > placed.value) ++i;
+    if (i == count || values[i] != placed.value) {
+      if (count == kMostValues) return false;
+      std::copy_backward(values.begin() + i, values.begin() + count, values.begin() + count + 1);
+      std::copy_backward(ends.begin() + i, ends.begin() + count, ends.begin() + count + 1);
+      values[i] = placed.value;
+      ends[i] = 0;
+      ++count;
+    }
+    ++ends[i];
+  }
+  std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), 0U);
+  for (std::uint32_t block = 0; block < tuples_.size(); ++block) {
+    std::size_t i = 0;
+    while (values[i] > tuples_[block].value) ++i;
+    order_[ends[i]++] = block;
+  }
+  return true;
 }
 
 // Equal blocks stay in their order.
