@@ -21,17 +21,15 @@ Observables::Observables(const ComposedModel& model, const StateLayout& layout,
                          const LocalStates& local_states)
     : model_(model), layout_(layout), local_states_(local_states), compiler_(*model.description) {
   for (const ObservableDecl& declaration : model.description->observables) {
-    std::vector<int> around;
-    Program program =
-        compiler_.compile(declaration.value, declaration.is_reward ? kRealType : kBoolType, around,
-                          [&](ExprId quantifier) { return add_quantifier(quantifier, around); });
+    Program program = compiler_.compile(declaration.value, declaration.is_reward ? kRealType : kBoolType, {},
+                                        [this](ExprId quantifier) { return add_quantifier(quantifier, {}); });
     (declaration.is_reward ? rewards_ : labels_)
         .push_back({std::string(declaration.name.text), std::move(program)});
   }
 }
 
 // Compiles a quantifier that stands inside those `around` it.
-std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int>& around) {
+std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int> around) {
   const Expr& expr = model_.description->expr(id);
   const ExprId body = expr.operands[0];
   const StaticType& type = model_.description->expr(body).type;
@@ -50,7 +48,6 @@ std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int>& around) {
     loop.is_remembered = false;
     return add_quantifier(inner, around);
   });
-  around.pop_back();
   if (local_states_.total() * (quantifiers_.size() + 1) > kMostRemembered) loop.is_remembered = false;
   if (loop.is_remembered) {
     loop.known.resize(local_states_.total());

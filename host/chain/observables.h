@@ -58,7 +58,7 @@ class Observables : private QuantifierValues {
     std::vector<double> summands;
   };
 
-  std::uint32_t add_quantifier(ExprId id, std::vector<int>& around);
+  std::uint32_t add_quantifier(ExprId id, std::vector<int> around);
   std::vector<std::uint32_t> range_of(const Quantifier& quantifier) const;
   Cell value_in(const Observable& observable, const std::int16_t* state, const std::uint32_t* local);
   Cell value_of(std::uint32_t quantifier, Frames& frames) override;

@@ -1,0 +1,78 @@
+#include "tests/host/exploration_support.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+
+#include "tests/host/model_support.h"
+
+namespace symfold {
+namespace {
+
+// Detects in a directory that is removed at once: all tables are in memory.
+class DirectoryOfRun {
+ public:
+  DirectoryOfRun()
+      : path_(std::filesystem::temp_directory_path() / ("symfold-fold-" + std::to_string(getpid()))) {}
+  ~DirectoryOfRun() { std::filesystem::remove_all(path_); }
+  DirectoryOfRun(const DirectoryOfRun&) = delete;
+  DirectoryOfRun& operator=(const DirectoryOfRun&) = delete;
+
+  std::string name() const { return path_.string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace
+
+ComposedModel small_example(const std::string& name) {
+  static const std::multimap<std::string, ConstOverride> constants = {
+      {"arms", {"N", "2"}},      {"cluster", {"N", "1"}},        {"complete", {"K", "2"}},
+      {"hypercube", {"T", "2"}}, {"multiprocessor", {"M", "2"}}, {"multiprocessor", {"K", "1"}},
+      {"peer2peer", {"N", "3"}}, {"philosophers", {"N", "4"}},   {"polling", {"N", "5"}},
+      {"routers", {"W", "3"}},   {"routers", {"H", "1"}},        {"tandem", {"N", "3"}},
+      {"torus", {"W", "2"}},     {"torus", {"H", "2"}}};
+  std::vector<ConstOverride> overrides;
+  const auto [begin, end] = constants.equal_range(name);
+  for (auto found = begin; found != end; ++found) overrides.push_back(found->second);
+  return read_model(example_path(name), overrides);
+}
+
+std::string star_text(int n, int k) {
+  return "const int n = " + std::to_string(n) + "; const int k = " + std::to_string(k) + R"(;
+    type Place { private x : [0..k-1]; shared centre : bool;
+      [up] x < k - 1 -> 1 : x = x + 1; [again] x == k - 1 -> 2 : x = 0; [stay] true -> 3 : x = x; }
+    system Star { p[i : 1..n] : Place; join centre { p[i].centre for i : 1..n; } }
+    label "all away" = forall p : Place . p.x > 0; reward "x" = sum p : Place . 0.1 * p.x;)";
+}
+
+Explored explored(const ComposedModel& model, const StateLayout& layout, LabelSearch* search,
+                  const ExplorationLimits& limits) {
+  Explored result;
+  try {
+    Exploration exploration(model, layout, search, true);
+    const Ending ending = exploration.run(limits, [](const ExplorationFigures&) { return true; });
+    result.figures = exploration.figures();
+    if (ending == Ending::kComplete) result.chain = exploration.take_chain();
+    result.ending = ending;
+    if (ending != Ending::kComplete) return result;
+    result.states.resize(result.figures.states, std::vector<std::int16_t>(layout.slot_count()));
+    for (StateId s = 0; s < result.figures.states; ++s) result.chain.read_values(s, result.states[s]);
+    result.chain.read_values = nullptr;  // the exploration ends here
+  } catch (const ModelError& error) {
+    result.error = error.what();
+  }
+  return result;
+}
+
+Explored explored(const ComposedModel& model) { return explored(model, StateLayout(model)); }
+
+Folding::Folding(const ComposedModel& model)
+    : model_(model),
+      run_(model, DirectoryOfRun().name(), false),
+      search_(run_.detector()),
+      layout_(model, run_.detector().SSOrder) {}
+
+}  // namespace symfold

@@ -1,0 +1,56 @@
+// Explorations as tests look at them: whole chains in plain vectors.
+
+#ifndef SYMFOLD_TESTS_HOST_EXPLORATION_SUPPORT_H
+#define SYMFOLD_TESTS_HOST_EXPLORATION_SUPPORT_H
+
+#include <string>
+#include <vector>
+
+#include "host/chain/exploration.h"
+#include "host/detection_run.h"
+#include "host/label_search.h"
+
+namespace symfold {
+
+// An example with constants for which its full state space is small.
+ComposedModel small_example(const std::string& name);
+
+// n submodels of k local states each on one join; every submodel moves on, starts again, or stays.
+std::string star_text(int n, int k);
+
+struct Explored {
+  std::string error;  // what a ModelError says; then nothing else is known
+  Ending ending = Ending::kUnderWay;
+  ExplorationFigures figures;
+  MarkovChain chain;  // of all states where the exploration was complete
+  std::vector<std::vector<std::int16_t>> states;
+};
+
+Explored explored(const ComposedModel& model, const StateLayout& layout, LabelSearch* search = nullptr,
+                  const ExplorationLimits& limits = {});
+Explored explored(const ComposedModel& model);
+
+// A model's symmetries, ready for folding.
+class Folding {
+ public:
+  explicit Folding(const ComposedModel& model);
+
+  SymmetryDetection& detector() { return run_.detector(); }
+  const StateLayout& layout() const { return layout_; }
+
+  // The chain of all states, and that of the representatives, both in the order of the state vector.
+  Explored full() const { return explored(model_, layout_); }
+  Explored folded(const ExplorationLimits& limits = {}) {
+    return explored(model_, layout_, &search_, limits);
+  }
+
+ private:
+  const ComposedModel& model_;
+  DetectionRun run_;
+  LabelSearch search_;
+  StateLayout layout_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_TESTS_HOST_EXPLORATION_SUPPORT_H
