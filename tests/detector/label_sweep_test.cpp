@@ -1,4 +1,5 @@
-// Random states of the examples, their parts in any order of the state vector, against the literal search.
+// Random states of the examples, their parts in any order of the state vector: labels against the literal
+// search, and exact labels against those of symmetric states.
 //
 // SYMFOLD_SWEEP_STATES in the environment sets the number of states, 50,000 without it.
 
@@ -6,8 +7,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <random>
 
+#include "detector/labelling/exact_labeller.h"
 #include "host/detection_run.h"
 #include "host/model_reader.h"
 #include "tests/detector/support.h"
@@ -18,6 +22,7 @@ namespace {
 struct Example {
   const char* name;
   std::vector<ConstOverride> constants;
+  bool is_large = false;  // then only in the layout of the graph nodes
 };
 
 const std::vector<Example> kExamples = {
@@ -40,6 +45,22 @@ const std::vector<Example> kExamples = {
     {"two_speeds", {}},
 };
 
+const std::vector<Example> kLargeExamples = {
+    {"star", {{"N", "100"}}, true},
+    {"philosophers", {{"N", "100"}}, true},
+    {"arms", {{"N", "60"}}, true},
+    {"wreath", {{"M", "8"}, {"K", "8"}}, true},
+    {"complete", {{"K", "12"}}, true},
+    {"hypercube", {{"d", "6"}}, true},
+    {"clients_servers", {{"K", "7"}, {"M", "7"}}, true},
+};
+
+constexpr long kStatesPerLayout = 100;
+
+unsigned values_of(long state) {
+  return std::vector<unsigned>{2, 3, 4, 256}[static_cast<std::size_t>(state) % 4];
+}
+
 long states_wanted() {
   const char* wanted = std::getenv("SYMFOLD_SWEEP_STATES");
   return wanted == nullptr ? 50'000 : std::strtol(wanted, nullptr, 10);
@@ -60,30 +81,64 @@ std::string random_state(int size, unsigned values, std::mt19937& random) {
   return state;
 }
 
-TEST(LabelSweep, EqualsTheLiteralSearchOnExamplesInAnyLayout) {
-  constexpr long kStatesPerLayout = 100;
+// Calls check(detector, layout, random) for one example after the other in a layout of its own, every fourth
+// time that of the graph nodes, until the states wanted are done.
+void sweep(const std::vector<Example>& examples,
+           const std::function<void(SymmetryDetection&, std::size_t, std::mt19937&)>& check) {
   const TempDir directory;
   std::mt19937 random(1);
   for (long done = 0; done < states_wanted(); done += kStatesPerLayout) {
     const auto layout = static_cast<std::size_t>(done / kStatesPerLayout);
-    const Example& example = kExamples[layout % kExamples.size()];
+    const Example& example = examples[layout % examples.size()];
     const std::string path = std::string(SYMFOLD_EXAMPLES_DIR "/") + example.name + ".sym";
     DetectionRun run(read_model(path, example.constants), ".", false);
     SymmetryDetection& detector = run.detector();
-    if (layout % 4 != 0) shuffle_layout(detector, random);
+    if (layout % 4 != 0 && !example.is_large) shuffle_layout(detector, random);
     std::string report;
     ASSERT_TRUE(detector.VerifySymmetries(report)) << report;
+    SCOPED_TRACE(example.name + (", layout " + std::to_string(layout)));
+    check(detector, layout, random);
+    if (testing::Test::HasFatalFailure()) return;
+  }
+}
+
+TEST(LabelSweep, EqualsTheLiteralSearchOnExamplesInAnyLayout) {
+  sweep(kExamples, [](SymmetryDetection& detector, std::size_t layout, std::mt19937& random) {
     start_labelling(detector);
     LabelTables tables{detector.PartitionInfo, {}};
     for (const int base : detector.Bases) tables.records.emplace_back(base, detector.VPerms[base]);
     for (long i = 0; i < kStatesPerLayout; ++i) {
-      const unsigned values = std::vector<unsigned>{2, 3, 4, 256}[static_cast<std::size_t>(i) % 4];
-      const std::string state = random_state(detector.TotalStateSize, values, random);
-      ASSERT_NO_FATAL_FAILURE(expect_literal_label(detector, tables, state))
-          << example.name << ", layout " << layout << ", state " << i;
+      const std::string state = random_state(detector.TotalStateSize, values_of(i), random);
+      ASSERT_NO_FATAL_FAILURE(expect_literal_label(detector, tables, state)) << layout << ", state " << i;
     }
     stop_labelling(detector);
-  }
+  });
+}
+
+TEST(LabelSweep, GivesSymmetricStatesOneExactLabel) {
+  std::vector<Example> examples = kExamples;
+  examples.insert(examples.end(), kLargeExamples.begin(), kLargeExamples.end());
+  sweep(examples, [](SymmetryDetection& detector, std::size_t, std::mt19937& random) {
+    const ExactGroup group(detector);
+    ExactLabeller labeller(group);
+    std::vector<const Permutation*> elements;
+    for (const auto& [base, records] : detector.VPerms) {
+      for (const ValPerms& record : records) elements.push_back(&record.Perms[0]);
+    }
+    for (long i = 0; i < kStatesPerLayout && !elements.empty(); ++i) {
+      std::string state = random_state(static_cast<int>(labeller.state_size()), values_of(i), random);
+      std::string label(state.size(), '\0');
+      ASSERT_TRUE(labeller.find(state.data(), label.data(), nullptr));
+      ASSERT_GE(std::memcmp(label.data(), state.data(), state.size()), 0);
+      for (int step = 0; step < 8; ++step) {
+        const Permutation& element = *elements[random() % elements.size()];
+        state = moved(detector.PartitionInfo, {element.GetP(), element.GetP() + element.GetN()}, state);
+      }
+      std::string label_of_image(state.size(), '\0');
+      ASSERT_TRUE(labeller.find(state.data(), label_of_image.data(), nullptr));
+      ASSERT_EQ(label, label_of_image) << "state " << i;
+    }
+  });
 }
 
 }  // namespace
