@@ -76,6 +76,7 @@ struct Commands {
     CLI::Option* perm = label_app->add_flag(
         "--perm", label.perm,
         "Add to each label a permutation of the partitions that carries the state onto it");
+    label_app->add_flag("--exact", label.exact, "The largest images: one label for each symmetry class");
     label_app->add_flag("--raw", label.raw, "States and labels as bytes, without separators")->excludes(perm);
     label_app->callback([this, streams] { command = [this, streams] { return run_label(label, streams); }; });
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
+#include "cli/figures.h"
 #include "host/state_labeller.h"
 
 namespace symfold {
@@ -66,7 +67,7 @@ class LabelRun {
       : options_(options),
         streams_(streams),
         source_(source),
-        labeller_(options.perm_file),
+        labeller_(options.perm_file, options.exact),
         state_(static_cast<std::size_t>(labeller_.state_size())),
         label_(state_.size()) {}
 
@@ -102,6 +103,15 @@ class LabelRun {
       streams_.out.write(reinterpret_cast<const char*>(label_.data()), size);
     }
     return kOk;
+  }
+
+  // kCheckFailed where some labels are not sure to be exact.
+  int report_inexact() const {
+    const std::size_t count = labeller_.inexact_count();
+    if (count == 0) return kOk;
+    streams_.err << options_.perm_file << ": error: " << counted(count, "label")
+                 << " may not be exact: too many images tie\n";
+    return kCheckFailed;
   }
 
  private:
@@ -140,7 +150,8 @@ int run_label(const LabelOptions& options, const Streams& streams) {
     file.clear();
   }
   std::istream& in = is_standard_input ? streams.in : file;
-  const int code = options.raw ? run.label_records(in) : run.label_lines(in);
+  int code = options.raw ? run.label_records(in) : run.label_lines(in);
+  if (code == kOk) code = run.report_inexact();
   streams.out.flush();
   if (streams.out) return code;
   streams.err << "symfold: error: cannot write the labels\n";

@@ -62,7 +62,7 @@ void print(std::ostream& out, const SymmetryDetection& tables) {
 }  // namespace
 
 int run_show(const ShowOptions& options, const Streams& streams) {
-  const StateLabeller labeller(options.perm_file);
+  const StateLabeller labeller(options.perm_file, false);
   if (options.json) {
     streams.out << as_json(labeller.detector()).dump(2) << "\n";
   } else {

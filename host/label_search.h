@@ -22,6 +22,7 @@ class LabelSearch : public Labelling {
   void find(const void* state, void* label) override {
     detector_.FindCanonicalLabel(const_cast<void*>(state), label, nullptr);
   }
+  void find_witness(short* witness) override { detector_.FindWitness(witness); }
 
  private:
   SymmetryDetection& detector_;
@@ -33,10 +34,9 @@ class ExactLabelSearch : public Labelling {
   // Keeps no reference to the detector. Throws GroupLimitError where the group is too large for exact labels.
   explicit ExactLabelSearch(const SymmetryDetection& detector);
 
-  void find(const void* state, void* label) override { labeller_.find(state, label, nullptr); }
+  void find(const void* state, void* label) override { labeller_.find(state, label); }
+  void find_witness(short* witness) override { labeller_.find_witness(witness); }
   std::size_t inexact_count() const override { return labeller_.inexact_count(); }
-
-  ExactLabeller& labeller() { return labeller_; }
 
  private:
   ExactGroup group_;

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "host/detection_log.h"
+#include "host/label_search.h"
 
 namespace symfold {
 namespace {
@@ -25,7 +26,7 @@ class QuietErrors {
 
 }  // namespace
 
-StateLabeller::StateLabeller(const std::string& perm_file) {
+StateLabeller::StateLabeller(const std::string& perm_file, bool is_exact) {
   const DetectionLog silent("");
   std::string name = perm_file;
   {
@@ -35,14 +36,20 @@ StateLabeller::StateLabeller(const std::string& perm_file) {
   if (!detector_.PermFileError.empty()) throw std::runtime_error(detector_.PermFileError);
   std::string report;
   if (!detector_.VerifySymmetries(report)) throw std::runtime_error(name + ": error: " + report);
-  search_.emplace(detector_);
+  detector_.DetermineTotalStateSize();
+  detector_.num_partitions = static_cast<int>(detector_.PartitionInfo.size());
+  if (is_exact) {
+    labelling_ = std::make_unique<ExactLabelSearch>(detector_);
+  } else {
+    labelling_ = std::make_unique<LabelSearch>(detector_);
+  }
   image_.resize(static_cast<std::size_t>(state_size()));
   witness_.resize(static_cast<std::size_t>(partition_count()));
 }
 
 const std::vector<short>& StateLabeller::checked_witness(const unsigned char* state,
                                                          const unsigned char* label) {
-  detector_.FindWitness(witness_.data());
+  labelling_->find_witness(witness_.data());
   for (std::size_t c = 0; c < witness_.size(); ++c) {
     const auto d = static_cast<std::size_t>(witness_[c]);
     std::copy_n(state + detector_.CumPartitionInfo[c], detector_.PartitionInfo[c],

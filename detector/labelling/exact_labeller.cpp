@@ -58,7 +58,7 @@ ExactLabeller::ExactLabeller(const ExactGroup& group)
   }
 }
 
-bool ExactLabeller::find(const void* state, void* label, short* witness) {
+bool ExactLabeller::find(const void* state, void* label) {
   const auto* const bytes = static_cast<const unsigned char*>(state);
   load(bytes);
   const bool is_exact = search_ == nullptr || search_->maximise(word_.data());
@@ -67,10 +67,13 @@ bool ExactLabeller::find(const void* state, void* label, short* witness) {
   for (std::size_t p = 0; p < word_.size(); ++p) {
     const ExactGroup::Partition& to = group_.partitions_[p];
     std::copy_n(bytes + group_.partitions_[word_[p].source].offset, to.size, image_.data() + to.offset);
-    if (witness != nullptr) witness[word_[p].source] = static_cast<short>(p);
   }
   std::copy(image_.begin(), image_.end(), static_cast<unsigned char*>(label));
   return is_exact;
+}
+
+void ExactLabeller::find_witness(short* witness) const {
+  for (std::size_t p = 0; p < word_.size(); ++p) witness[word_[p].source] = static_cast<short>(p);
 }
 
 void ExactLabeller::load(const unsigned char* state) {

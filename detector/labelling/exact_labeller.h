@@ -47,11 +47,13 @@ class ExactLabeller {
   std::size_t state_size() const { return group_.state_size_; }  // bytes
 
   // Writes the label of `state` to `label`, which may be the same: of all images of the state under the group
-  // the largest, bytes in memcmp order. Unless `witness` is null, writes to it a permutation of the
-  // partitions that carries the state onto its label: the bytes of partition c go to the place of partition
-  // witness[c]. False where a bound on the work was exceeded: then the label is an image of the state, but a
-  // larger one may exist. Allocates nothing but for growing work space.
-  bool find(const void* state, void* label, short* witness);
+  // the largest, bytes in memcmp order. False where a bound on the work was exceeded: then the label is an
+  // image of the state, but a larger one may exist. Allocates nothing but for growing work space.
+  bool find(const void* state, void* label);
+
+  // Writes a permutation of the partitions that carries the state labelled last onto its label: the bytes of
+  // partition c go to the place of partition witness[c].
+  void find_witness(short* witness) const;
 
   // Labels found so far, and those that are not known to be exact.
   std::size_t label_count() const { return label_count_; }

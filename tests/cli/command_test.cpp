@@ -214,10 +214,15 @@ TEST(Label, LabelsTheStatesOfADetectedModel) {
     states += phils + forks + "\n";
     rotated += phils.substr(4) + phils.substr(0, 4) + forks.substr(4) + forks.substr(0, 4) + "\n";
   }
-  const std::string labels = run({"label", "run/permutations"}, states).out;
-  EXPECT_EQ(run({"label", "run/permutations"}, rotated).out, labels);
-  EXPECT_EQ(run({"label", "run/permutations"}, labels).out, labels);
-  EXPECT_EQ(run({"label", "run/permutations", "--perm"}, states).code, kOk);
+  for (const std::vector<std::string>& ways : std::vector<std::vector<std::string>>{{}, {"--exact"}}) {
+    std::vector<std::string> command = {"label", "run/permutations"};
+    command.insert(command.end(), ways.begin(), ways.end());
+    const std::string labels = run(command, states).out;
+    EXPECT_EQ(run(command, rotated).out, labels);
+    EXPECT_EQ(run(command, labels).out, labels);
+    command.emplace_back("--perm");
+    EXPECT_EQ(run(command, states).code, kOk);
+  }
 }
 
 TEST(Show, PrintsTheTables) {
