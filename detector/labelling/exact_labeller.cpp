@@ -4,6 +4,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace symfold {
 namespace {
@@ -36,7 +37,9 @@ ExactGroup::ExactGroup(const SymmetryDetection& detector, const SearchBounds& bo
     end += static_cast<std::size_t>(size);
   }
   state_size_ = end;
-  const TableGroup group(partitions_.size(), detector.Bases, detector.VPerms);
+  std::vector<bool> has_bytes;
+  for (const Partition& partition : partitions_) has_bytes.push_back(partition.size > 0);
+  const TableGroup group(std::move(has_bytes), detector.Bases, detector.VPerms);
   for (const Images& images : group.permutations()) {
     for (std::size_t c = 0; c < images.size(); ++c) {
       if (partitions_[c].size != partitions_[images[c]].size) {

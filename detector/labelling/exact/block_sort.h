@@ -9,8 +9,8 @@
 // blocks ascend from block to block, for every k. Were two blocks not in order, exchanging them would raise
 // the first position where they differ, which comes before all others that the exchange changes.
 //
-// Cost: for M blocks of B positions the inner searches, M log M comparisons of tuples and two copies. Blocks of
-// one position with few different values are counted instead, in two passes.
+// Cost: for M blocks of B positions the inner searches, M log M comparisons of tuples and two copies. Blocks
+// of one position with few different values are counted instead, in two passes.
 
 #ifndef SYMFOLD_DETECTOR_LABELLING_EXACT_BLOCK_SORT_H
 #define SYMFOLD_DETECTOR_LABELLING_EXACT_BLOCK_SORT_H

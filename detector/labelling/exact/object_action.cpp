@@ -17,35 +17,47 @@ bool continues(const ObjectPair& pair, const ObjectPair& next, bool first_is_fre
                        : next.first == pair.first && next.second == pair.second + 1;
 }
 
-std::uint32_t run_from(const std::vector<ObjectPair>& pairs, std::size_t position, bool first_is_free) {
-  std::size_t end = position + 1;
+std::uint32_t run_from(const std::vector<ObjectPair>& pairs, std::size_t i, bool first_is_free) {
+  std::size_t end = i + 1;
   while (end < pairs.size() && continues(pairs[end - 1], pairs[end], first_is_free)) ++end;
-  return static_cast<std::uint32_t>(end - position);
+  return static_cast<std::uint32_t>(end - i);
+}
+
+Images all_positions(const ObjectPositions& positions) {
+  Images all(positions.pairs().size());
+  std::iota(all.begin(), all.end(), 0U);
+  return all;
 }
 
 }  // namespace
 
-ObjectAction::ObjectAction(const ObjectPositions& positions, std::size_t most_candidates)
-    : plan_(std::make_shared<const Plan>(Plan{make_steps(positions), positions.table(),
-                                              positions.class_begins(), positions.object_count(),
-                                              most_candidates})),
+ObjectAction::ObjectAction(const ObjectPositions& positions,
+                           const std::vector<std::uint32_t>& positions_with_values,
+                           std::size_t most_candidates)
+    : plan_(std::make_shared<const Plan>(
+          Plan{make_steps(positions, all_positions(positions)), make_steps(positions, positions_with_values),
+               positions.table(), positions.class_begins(), positions.object_count(), most_candidates})),
       cell_begins_(plan_->object_count),
       cell_ends_(plan_->object_count),
       image_(plan_->steps.size()) {}
 
-std::vector<ObjectAction::Step> ObjectAction::make_steps(const ObjectPositions& positions) {
+std::vector<ObjectAction::Step> ObjectAction::make_steps(const ObjectPositions& positions,
+                                                         const std::vector<std::uint32_t>& read) {
   const std::size_t count = positions.object_count();
+  std::vector<ObjectPair> pairs;
+  for (const std::uint32_t position : read) pairs.push_back(positions.pairs()[position]);
   std::vector<Step> steps;
-  for (std::size_t p = 0; p < positions.pairs().size(); ++p) {
-    const ObjectPair& pair = positions.pairs()[p];
-    const std::uint32_t second_run = run_from(positions.pairs(), p, false);
-    const std::uint32_t first_run = run_from(positions.pairs(), p, true);
+  for (std::size_t i = 0; i < pairs.size(); ++i) {
+    const ObjectPair& pair = pairs[i];
+    const std::size_t base = positions.table_of(pair.kind);
+    const std::uint32_t second_run = run_from(pairs, i, false);
+    const std::uint32_t first_run = run_from(pairs, i, true);
     if (pair.is_single()) {
-      steps.push_back({positions.table_of(pair.kind), 0, count + 1, pair.first, pair.first, second_run});
+      steps.push_back({base, 0, count + 1, pair.first, pair.first, second_run});
     } else if (first_run > second_run) {
-      steps.push_back({positions.table_of(pair.kind), 1, count, pair.second, pair.first, first_run});
+      steps.push_back({base, 1, count, pair.second, pair.first, first_run});
     } else {
-      steps.push_back({positions.table_of(pair.kind), count, 1, pair.first, pair.second, second_run});
+      steps.push_back({base, count, 1, pair.first, pair.second, second_run});
     }
   }
   return steps;
@@ -53,9 +65,9 @@ std::vector<ObjectAction::Step> ObjectAction::make_steps(const ObjectPositions& 
 
 bool ObjectAction::maximise(Placed* word) {
   start();
-  for (std::size_t position = 0; position < plan_->steps.size();) {
+  for (std::size_t next = 0; next < plan_->reading.size();) {
     if (open_slots_ == 0 && candidate_count_ == 1) break;
-    position = advance(position, word);
+    next = advance(next, word);
   }
   const Object* const objects = candidate(0);
   for (std::size_t p = 0; p < image_.size(); ++p) {
@@ -81,9 +93,9 @@ void ObjectAction::start() {
   std::iota(objects_.begin(), objects_.begin() + static_cast<std::ptrdiff_t>(plan_->object_count), Object{0});
 }
 
-// Reads one position, or the run of a cell. Returns the next position to read.
-std::size_t ObjectAction::advance(std::size_t position, const Placed* word) {
-  const Step& step = plan_->steps[position];
+// Reads one position, or the run of a cell. Returns what to read next.
+std::size_t ObjectAction::advance(std::size_t next, const Placed* word) {
+  const Step& step = plan_->reading[next];
   const std::size_t before = candidate_count_;
   if (step.fixed_stride != 0) close(step.fixed_slot);
   while (cell_begins_[step.free_slot] != step.free_slot) branch(cell_begins_[step.free_slot]);
@@ -94,9 +106,9 @@ std::size_t ObjectAction::advance(std::size_t position, const Placed* word) {
   }
   read(step, length, word);
   if (length > 1) split(step.free_slot, length);
-  position += length;
-  if (candidate_count_ > before && candidate_count_ >= kFewestToMerge) merge_equal(position, word);
-  return position;
+  next += length;
+  if (candidate_count_ > before && candidate_count_ >= kFewestToMerge) merge_equal(next, word);
+  return next;
 }
 
 // Tries all objects for the slots of a cell up to this one.
@@ -183,20 +195,19 @@ void ObjectAction::split(std::uint32_t slot, std::uint32_t length) {
   }
 }
 
-std::uint64_t ObjectAction::hash_from(std::size_t position, const Placed* word, const Object* objects) const {
+std::uint64_t ObjectAction::hash_from(std::size_t next, const Placed* word, const Object* objects) const {
   std::uint64_t hash = 0;
-  for (std::size_t p = position; p < plan_->steps.size(); ++p) {
-    const Step& step = plan_->steps[p];
+  for (std::size_t i = next; i < plan_->reading.size(); ++i) {
+    const Step& step = plan_->reading[i];
     hash = (hash ^ word[source(step, objects, objects[step.free_slot])].value) * 0x9e3779b97f4a7c15;
     hash ^= hash >> 32;
   }
   return hash;
 }
 
-bool ObjectAction::equal_from(std::size_t position, const Placed* word, const Object* a,
-                              const Object* b) const {
-  for (std::size_t p = position; p < plan_->steps.size(); ++p) {
-    const Step& step = plan_->steps[p];
+bool ObjectAction::equal_from(std::size_t next, const Placed* word, const Object* a, const Object* b) const {
+  for (std::size_t i = next; i < plan_->reading.size(); ++i) {
+    const Step& step = plan_->reading[i];
     if (word[source(step, a, a[step.free_slot])].value != word[source(step, b, b[step.free_slot])].value) {
       return false;
     }
@@ -204,18 +215,18 @@ bool ObjectAction::equal_from(std::size_t position, const Placed* word, const Ob
   return true;
 }
 
-// The first candidate of each image stays. Up to the position all are equal already.
-void ObjectAction::merge_equal(std::size_t position, const Placed* word) {
+// The first candidate of each image stays. What was read before is equal in all.
+void ObjectAction::merge_equal(std::size_t next, const Placed* word) {
   hashes_.clear();
   for (std::uint32_t i = 0; i < candidate_count_; ++i) {
-    hashes_.emplace_back(hash_from(position, word, candidate(i)), i);
+    hashes_.emplace_back(hash_from(next, word, candidate(i)), i);
   }
   std::sort(hashes_.begin(), hashes_.end());
   std::size_t kept = 0;
   for (std::size_t i = 0; i < hashes_.size(); ++i) {
     const bool is_repeated =
         kept > 0 && hashes_[kept - 1].first == hashes_[i].first &&
-        equal_from(position, word, candidate(hashes_[kept - 1].second), candidate(hashes_[i].second));
+        equal_from(next, word, candidate(hashes_[kept - 1].second), candidate(hashes_[i].second));
     if (!is_repeated) hashes_[kept++] = hashes_[i];
   }
   hashes_.resize(kept);

@@ -38,8 +38,10 @@ namespace symfold {
 class ObjectAction : public ImageSearch {
  public:
   // The group is that of all permutations of the objects within their classes, of which there are fewer than
-  // 2^16; each has an image by positions.images_of. At most `most_candidates` are followed at a time.
-  ObjectAction(const ObjectPositions& positions, std::size_t most_candidates);
+  // 2^16; each has an image by positions.images_of. Only the positions with values, ascending, are read. At
+  // most `most_candidates` are followed at a time.
+  ObjectAction(const ObjectPositions& positions, const std::vector<std::uint32_t>& positions_with_values,
+               std::size_t most_candidates);
   std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ObjectAction>(*this); }
   bool maximise(Placed* word) override;
 
@@ -59,7 +61,8 @@ class ObjectAction : public ImageSearch {
     std::uint32_t run;
   };
   struct Plan {
-    std::vector<Step> steps;  // by position
+    std::vector<Step> steps;    // by position
+    std::vector<Step> reading;  // those of the positions with values
     std::vector<std::uint32_t> table;
     std::vector<std::uint32_t> class_begins;
     std::size_t object_count;
@@ -70,7 +73,8 @@ class ObjectAction : public ImageSearch {
     Object object;
   };
 
-  static std::vector<Step> make_steps(const ObjectPositions& positions);
+  static std::vector<Step> make_steps(const ObjectPositions& positions,
+                                      const std::vector<std::uint32_t>& read);
 
   Object* candidate(std::size_t i) { return objects_.data() + i * plan_->object_count; }
   void keep(std::size_t from, std::size_t to) {
@@ -83,15 +87,15 @@ class ObjectAction : public ImageSearch {
   }
 
   void start();
-  std::size_t advance(std::size_t position, const Placed* word);
+  std::size_t advance(std::size_t next, const Placed* word);
   void close(std::uint32_t slot);
   void branch(std::uint32_t slot);
   void read(const Step& step, std::uint32_t length, const Placed* word);
   void rank(const Step& step, std::uint32_t length, const Placed* word, const Object* objects);
   void split(std::uint32_t slot, std::uint32_t length);
-  void merge_equal(std::size_t position, const Placed* word);
-  std::uint64_t hash_from(std::size_t position, const Placed* word, const Object* objects) const;
-  bool equal_from(std::size_t position, const Placed* word, const Object* a, const Object* b) const;
+  void merge_equal(std::size_t next, const Placed* word);
+  std::uint64_t hash_from(std::size_t next, const Placed* word, const Object* objects) const;
+  bool equal_from(std::size_t next, const Placed* word, const Object* a, const Object* b) const;
 
   std::shared_ptr<const Plan> plan_;
   bool is_exact_ = true;

@@ -51,10 +51,10 @@ std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const Sea
     return std::make_unique<BlockSort>(std::move(found->blocks), std::move(inner));
   }
   if (const auto objects = recognise_objects(group)) {
-    return std::make_unique<ObjectAction>(*objects, bounds.most_candidates);
+    return std::make_unique<ObjectAction>(*objects, group.positions_with_values(), bounds.most_candidates);
   }
-  if (const std::vector<Images> elements = list_elements(group, bounds); !elements.empty()) {
-    return std::make_unique<ListedGroup>(elements);
+  if (std::vector<Images> elements = list_elements(group, bounds); !elements.empty()) {
+    return std::make_unique<ListedGroup>(std::move(elements), group.positions_with_values());
   }
   std::vector<ChainLevel> levels = make_chain(group.size(), group.generators(), bounds.most_images);
   if (levels.empty()) throw std::length_error("the symmetry group is too large for exact labels");
@@ -89,6 +89,7 @@ std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBoun
   for (Positions& positions : classes.lists()) {
     if (positions.size() == 1) continue;
     const Subgroup factor = group.on(positions, restricted(group.generators(), positions));
+    if (factor.positions_with_values().empty()) continue;
     if (positions.size() == group.size()) return make_factor_search(factor, bounds);
     auto search = make_factor_search(factor, bounds);
     factors.push_back({std::move(positions), std::move(search)});

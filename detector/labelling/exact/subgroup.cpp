@@ -54,6 +54,14 @@ std::vector<std::vector<std::uint32_t>> Classes::lists() {
   return lists;
 }
 
+std::vector<std::uint32_t> Subgroup::positions_with_values() const {
+  std::vector<std::uint32_t> positions;
+  for (std::uint32_t i = 0; i < size(); ++i) {
+    if (whole_.has_value(points_[i])) positions.push_back(i);
+  }
+  return positions;
+}
+
 std::vector<const Images*> Subgroup::sample() const {
   std::vector<const Images*> chosen;
   Classes classes(size());

@@ -17,6 +17,9 @@ class Subgroup {
   Subgroup(const TableGroup& whole, std::vector<std::uint32_t> points, std::vector<Images> generators)
       : whole_(whole), points_(std::move(points)), generators_(std::move(generators)) {}
 
+  // The positions whose values can differ, ascending.
+  std::vector<std::uint32_t> positions_with_values() const;
+
   std::size_t size() const { return points_.size(); }
   const std::vector<Images>& generators() const { return generators_; }
 

@@ -51,9 +51,10 @@ bool is_identity(const Images& a) {
   return true;
 }
 
-TableGroup::TableGroup(std::size_t point_count, const std::vector<int>& bases,
+TableGroup::TableGroup(std::vector<bool> has_value, const std::vector<int>& bases,
                        const std::map<int, std::vector<ValPerms>>& records)
-    : point_count_(point_count) {
+    : has_value_(std::move(has_value)) {
+  const std::size_t point_count = has_value_.size();
   for (const int base : bases) {
     Level level{static_cast<std::size_t>(base), std::vector<std::int32_t>(point_count, -1)};
     const auto found = records.find(base);
@@ -74,7 +75,7 @@ TableGroup::TableGroup(std::size_t point_count, const std::vector<int>& bases,
 
 bool TableGroup::contains(Images g) const {
   for (const Level& level : levels_) {
-    if (level.base >= point_count_ || g[level.base] == level.base) continue;
+    if (level.base >= point_count() || g[level.base] == level.base) continue;
     const std::int32_t record = level.record_of[g[level.base]];
     if (record < 0) return false;
     const Images& step = permutations_[static_cast<std::size_t>(record)];

@@ -19,12 +19,14 @@ bool is_identity(const Images& a);
 
 class TableGroup {
  public:
-  // Takes the table of Bases and VPerms. The permutations of a record are applied in their order. Throws
-  // std::invalid_argument where one is no permutation of the points.
-  TableGroup(std::size_t point_count, const std::vector<int>& bases,
+  // Takes the table of Bases and VPerms, on as many points as `has_value` has, which says of each whether
+  // anything lies there: a partition may have no bytes. The permutations of a record are applied in their
+  // order. Throws std::invalid_argument where one is no permutation of the points.
+  TableGroup(std::vector<bool> has_value, const std::vector<int>& bases,
              const std::map<int, std::vector<ValPerms>>& records);
 
-  std::size_t point_count() const { return point_count_; }
+  std::size_t point_count() const { return has_value_.size(); }
+  bool has_value(std::size_t point) const { return has_value_[point]; }
 
   // One for each record, identities left out: they generate the group.
   const std::vector<Images>& permutations() const { return permutations_; }
@@ -40,7 +42,7 @@ class TableGroup {
     std::vector<std::int32_t> record_of;  // by point, into permutations_; -1 for none
   };
 
-  std::size_t point_count_;
+  std::vector<bool> has_value_;
   std::vector<Images> permutations_;
   std::vector<Level> levels_;
 };
