@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/chain/state_text.h"
+#include "host/model_error.h"
 
 namespace symfold {
 namespace {
@@ -15,16 +16,34 @@ bool equal(const Value& a, const Value& b) {
                                                                 : a.integer == b.integer;
 }
 
+template <class Number>
+Number ordered_sum(std::vector<Cell>& summands, Number Cell::*number, Offset offset) {
+  std::sort(summands.begin(), summands.end(),
+            [&](const Cell& a, const Cell& b) { return a.*number < b.*number; });
+  Number sum = 0;
+  for (const Cell& summand : summands) sum = apply(Op::kAdd, sum, summand.*number, offset);
+  return sum;
+}
+
 }  // namespace
 
 Observables::Observables(const ComposedModel& model, const StateLayout& layout,
                          const LocalStates& local_states)
     : model_(model), layout_(layout), local_states_(local_states), compiler_(*model.description) {
   for (const ObservableDecl& declaration : model.description->observables) {
+    compile(declaration);
+  }
+}
+
+void Observables::compile(const ObservableDecl& declaration) {
+  const std::string name(declaration.name.text);
+  try {
     Program program = compiler_.compile(declaration.value, declaration.is_reward ? kRealType : kBoolType, {},
                                         [this](ExprId quantifier) { return add_quantifier(quantifier, {}); });
-    (declaration.is_reward ? rewards_ : labels_)
-        .push_back({std::string(declaration.name.text), std::move(program)});
+    (declaration.is_reward ? rewards_ : labels_).push_back({name, std::move(program)});
+  } catch (const EvaluationError& error) {
+    throw ModelError(
+        {model_.description->source->diagnostic_at(error.offset, error.message + " (in \"" + name + "\")")});
   }
 }
 
@@ -91,29 +110,23 @@ Cell Observables::value_in(const Observable& observable, const std::int16_t* sta
 
 Cell Observables::value_of(std::uint32_t quantifier, Frames& frames) {
   QuantifierLoop& loop = quantifiers_[quantifier];
-  if (loop.op == Op::kSum && loop.is_real) return real_sum(loop, frames);
-  const bool decides = loop.op == Op::kExists;  // the body's value that ends exists and forall
-  std::int64_t sum = 0;
+  if (loop.op == Op::kSum) return sum(loop, frames);
+  std::size_t count = 0;
   for (const std::uint32_t submodel : loop.submodels) {
-    const std::int64_t value = body_value(loop, submodel, frames).integer;
-    if (loop.op == Op::kSum || loop.op == Op::kCount) {
-      sum = apply(Op::kAdd, sum, value, loop.offset);
-    } else if ((value != 0) == decides) {
-      return Cell{.integer = value};
-    }
+    count += static_cast<std::size_t>(body_value(loop, submodel, frames).integer);
   }
-  return Cell{.integer = loop.op == Op::kForAll ? 1 : sum};
+  if (loop.op == Op::kExists) return Cell{.integer = count > 0};
+  if (loop.op == Op::kForAll) return Cell{.integer = count == loop.submodels.size()};
+  return Cell{.integer = static_cast<std::int64_t>(count)};
 }
 
-Cell Observables::real_sum(QuantifierLoop& loop, Frames& frames) {
+Cell Observables::sum(QuantifierLoop& loop, Frames& frames) {
   loop.summands.clear();
   for (const std::uint32_t submodel : loop.submodels) {
-    loop.summands.push_back(body_value(loop, submodel, frames).real);
+    loop.summands.push_back(body_value(loop, submodel, frames));
   }
-  std::sort(loop.summands.begin(), loop.summands.end());
-  double sum = 0;
-  for (const double summand : loop.summands) sum = apply(Op::kAdd, sum, summand, loop.offset);
-  return Cell{.real = sum};
+  if (loop.is_real) return Cell{.real = ordered_sum(loop.summands, &Cell::real, loop.offset)};
+  return Cell{.integer = ordered_sum(loop.summands, &Cell::integer, loop.offset)};
 }
 
 Cell Observables::body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames) {

@@ -16,11 +16,11 @@ namespace symfold {
 
 // A quantifier is a loop over the submodels that it ranges over. Where its body looks at that submodel alone,
 // the body's value is remembered for each local state; bodies with quantifiers inside are evaluated anew.
-// Real numbers are summed in ascending order, so that states that differ by a symmetry have the same sum to
-// the last bit.
+// It is evaluated for all submodels, and numbers are summed in ascending order, so that states that differ by
+// a symmetry have the same value to the last bit, or all none.
 class Observables : private QuantifierValues {
  public:
-  // Keeps references to all three.
+  // Keeps references to all three. Throws ModelError where a quantifier's arguments have no value.
   Observables(const ComposedModel& model, const StateLayout& layout, const LocalStates& local_states);
   Observables(const Observables&) = delete;
   Observables& operator=(const Observables&) = delete;
@@ -55,14 +55,15 @@ class Observables : private QuantifierValues {
     bool is_remembered;
     std::vector<Cell> known;     // by local state
     std::vector<bool> is_known;  // by local state
-    std::vector<double> summands;
+    std::vector<Cell> summands;
   };
 
+  void compile(const ObservableDecl& declaration);
   std::uint32_t add_quantifier(ExprId id, std::vector<int> around);
   std::vector<std::uint32_t> range_of(const Quantifier& quantifier) const;
   Cell value_in(const Observable& observable, const std::int16_t* state, const std::uint32_t* local);
   Cell value_of(std::uint32_t quantifier, Frames& frames) override;
-  Cell real_sum(QuantifierLoop& loop, Frames& frames);
+  Cell sum(QuantifierLoop& loop, Frames& frames);
   Cell body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames);
 
   const ComposedModel& model_;

@@ -1,9 +1,9 @@
 #include "host/chain/transition_system.h"
 
-#include <cmath>
 #include <string>
 
 #include "host/chain/state_text.h"
+#include "host/model_error.h"
 
 namespace symfold {
 namespace {
@@ -68,6 +68,12 @@ TransitionSystem::Range TransitionSystem::evaluate_events(std::size_t submodel, 
     remembered_writes_ = static_cast<std::uint32_t>(writes_.size());
   }
   return range;
+}
+
+void TransitionSystem::fail_exit_rate(const std::int16_t* state) const {
+  throw ModelError(model_.description->source->name(),
+                   "expected actions whose rates have a finite sum, got infinity (where " +
+                       state_text(layout_, state) + ")");
 }
 
 // Adds the action's event where it is enabled.

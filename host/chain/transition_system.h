@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
 #define SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
 
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -37,17 +38,21 @@ class TransitionSystem {
   // Calls visit(rate, writes, slots) for every enabled action of positive rate: the writes go to
   // slots[write.variable]. Submodels in the model's order, actions in that of their type. `local` is what
   // LocalStates::locate says of the state. Throws ModelError where a rate is negative or infinite, a value
-  // outside its set, or an expression without value. Allocates nothing for a local state seen before.
+  // outside its set, or an expression without value, or where
+  // the rates have no finite sum. Allocates nothing for a local state seen before.
   template <class Visit>
   void for_each_action(const std::int16_t* state, const std::uint32_t* local, Visit visit) {
+    double exit_rate = 0;
     for (std::size_t s = 0; s < submodel_count(); ++s) {
       const Range events = events_of(s, state, local[s]);
       for (std::uint32_t e = events.begin; e < events.end; ++e) {
         const Event& event = events_[e];
+        exit_rate += event.rate;
         visit(event.rate, std::span(writes_.data() + event.writes.begin, writes_.data() + event.writes.end),
               layout_.slots_of(s));
       }
     }
+    if (!std::isfinite(exit_rate)) fail_exit_rate(state);
   }
 
  private:
@@ -82,6 +87,7 @@ class TransitionSystem {
   }
   Range evaluate_events(std::size_t submodel, const std::int16_t* state, std::uint32_t local);
   void evaluate_action(const CompiledAction& action, Frames& frames);
+  [[noreturn]] void fail_exit_rate(const std::int16_t* state) const;
 
   const ComposedModel& model_;
   const StateLayout& layout_;

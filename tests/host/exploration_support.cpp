@@ -6,6 +6,7 @@
 #include <map>
 
 #include "tests/host/model_support.h"
+#include "tests/oracles/state_classes.h"
 
 namespace symfold {
 namespace {
@@ -48,11 +49,11 @@ std::string star_text(int n, int k) {
     label "all away" = forall p : Place . p.x > 0; reward "x" = sum p : Place . 0.1 * p.x;)";
 }
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, LabelSearch* search,
+Explored explored(const ComposedModel& model, const StateLayout& layout, Labelling* labelling,
                   const ExplorationLimits& limits) {
   Explored result;
   try {
-    Exploration exploration(model, layout, search, true);
+    Exploration exploration(model, layout, labelling, true);
     const Ending ending = exploration.run(limits, [](const ExplorationFigures&) { return true; });
     result.figures = exploration.figures();
     if (ending == Ending::kComplete) result.chain = exploration.take_chain();
@@ -72,7 +73,16 @@ Explored explored(const ComposedModel& model) { return explored(model, StateLayo
 Folding::Folding(const ComposedModel& model)
     : model_(model),
       run_(model, DirectoryOfRun().name(), false),
-      search_(run_.detector()),
-      layout_(model, run_.detector().SSOrder) {}
+      layout_(model, run_.detector().SSOrder),
+      greedy_(run_.detector()),
+      exact_(run_.detector()) {}
+
+std::vector<int> Folding::classes_of(const std::vector<std::vector<std::int16_t>>& states) const {
+  std::vector<std::string> bytes;
+  for (const std::vector<std::int16_t>& values : states) {
+    bytes.emplace_back(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
+  }
+  return symfold::classes_of(bytes, run_.detector().PartitionInfo, partition_generators(run_.detector()));
+}
 
 }  // namespace symfold

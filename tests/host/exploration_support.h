@@ -26,7 +26,7 @@ struct Explored {
   std::vector<std::vector<std::int16_t>> states;
 };
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, LabelSearch* search = nullptr,
+Explored explored(const ComposedModel& model, const StateLayout& layout, Labelling* labelling = nullptr,
                   const ExplorationLimits& limits = {});
 Explored explored(const ComposedModel& model);
 
@@ -35,20 +35,23 @@ class Folding {
  public:
   explicit Folding(const ComposedModel& model);
 
-  SymmetryDetection& detector() { return run_.detector(); }
-  const StateLayout& layout() const { return layout_; }
-
-  // The chain of all states, and that of the representatives, both in the order of the state vector.
-  Explored full() const { return explored(model_, layout_); }
-  Explored folded(const ExplorationLimits& limits = {}) {
-    return explored(model_, layout_, &search_, limits);
+  // The chain of all states, and those of the representatives, in the order of the state vector.
+  Explored full(const ExplorationLimits& limits = {}) const {
+    return explored(model_, layout_, nullptr, limits);
   }
+  Explored folded(bool is_exact) {
+    return explored(model_, layout_, is_exact ? static_cast<Labelling*>(&exact_) : &greedy_);
+  }
+
+  // By state, the number of its symmetry class.
+  std::vector<int> classes_of(const std::vector<std::vector<std::int16_t>>& states) const;
 
  private:
   const ComposedModel& model_;
   DetectionRun run_;
-  LabelSearch search_;
   StateLayout layout_;
+  LabelSearch greedy_;
+  ExactLabelSearch exact_;
 };
 
 }  // namespace symfold

@@ -1,24 +1,26 @@
-// Malformed models (malformed_models.txt), one rule after the other, with everything that is said about them.
+// Malformed models (malformed_models.txt), one rule after the other, with everything that is said about them;
+// and models that fail in a state (failing_models.txt).
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "tests/host/exploration_support.h"
 #include "tests/host/model_support.h"
 
 namespace symfold {
 namespace {
 
-struct Malformed {
+struct WrongModel {
   std::string name;
   std::string text;
   std::string message;
 };
 
-// The corpus: per model a line "=== " and its name, the text, a line "---", and all that is said about it.
-std::vector<Malformed> corpus() {
-  std::vector<Malformed> models;
-  std::ifstream in(SYMFOLD_TESTS_DIR "/malformed_models.txt");
+// A corpus: per model a line "=== " and its name, the text, a line "---", and all that is said about it.
+std::vector<WrongModel> corpus(const std::string& file) {
+  std::vector<WrongModel> models;
+  std::ifstream in(SYMFOLD_TESTS_DIR "/" + file);
   std::vector<std::string> lines;
   const auto take = [&lines] {
     std::string text;
@@ -41,9 +43,17 @@ std::vector<Malformed> corpus() {
 }
 
 TEST(ModelErrors, AreReportedToTheLetter) {
-  const std::vector<Malformed> models = corpus();
+  const std::vector<WrongModel> models = corpus("malformed_models.txt");
   EXPECT_GE(models.size(), 60U);
-  for (const Malformed& model : models) EXPECT_EQ(error_of(model.text), model.message) << model.name;
+  for (const WrongModel& model : models) EXPECT_EQ(error_of(model.text), model.message) << model.name;
+}
+
+TEST(ModelErrors, OfStatesAreReportedToTheLetter) {
+  const std::vector<WrongModel> models = corpus("failing_models.txt");
+  EXPECT_GE(models.size(), 15U);
+  for (const WrongModel& model : models) {
+    EXPECT_EQ(explored(read_model_text("m.sym", model.text)).error, model.message) << model.name;
+  }
 }
 
 TEST(ModelErrors, ShowThePartOfALongLineAroundThem) {

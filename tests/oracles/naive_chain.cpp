@@ -109,12 +109,12 @@ class Interpreter {
     return {successor, rate.real};
   }
 
-  [[noreturn]] void fail(const EvaluationError& error, const std::string& where, const State& state) const {
-    std::string text = error.message + " (in " + where + ", where ";
+  std::string text(const State& state) const {
+    std::string text = "where ";
     for (std::size_t i = 0; i < state.size(); ++i) {
       text += (i == 0 ? "" : ", ") + names[i] + " = " + value_text(sets_[i], state[i]);
     }
-    throw ModelError({tree().source->diagnostic_at(error.offset, text + ")")});
+    return text;
   }
 
   const ComposedModel& model;
@@ -175,10 +175,17 @@ class Interpreter {
   std::vector<std::vector<std::size_t>> places_;  // of each submodel's variables in the state
 };
 
+[[noreturn]] void fail(const Interpreter& interpreter, const EvaluationError& error, const std::string& where,
+                       const State& state) {
+  throw ModelError({interpreter.tree().source->diagnostic_at(
+      error.offset, error.message + " (in " + where + ", " + interpreter.text(state) + ")")});
+}
+
 void expand(const Interpreter& interpreter, std::size_t source, std::map<State, std::size_t>& numbers,
             NaiveChain& chain) {
   const State state = chain.states[source];
   std::map<std::size_t, double>& row = chain.rows.emplace_back();
+  double exit_rate = 0;
   for (std::size_t s = 0; s < interpreter.model.submodels.size(); ++s) {
     for (const ActionDecl& action : interpreter.type_of(s).actions) {
       try {
@@ -187,11 +194,17 @@ void expand(const Interpreter& interpreter, std::size_t source, std::map<State, 
         const auto [found, is_new] = numbers.emplace(successor, chain.states.size());
         if (is_new) chain.states.push_back(successor);
         row[found->second] += rate;
+        exit_rate += rate;
       } catch (const EvaluationError& error) {
         const std::string name(action.name.text);
-        interpreter.fail(error, "action '" + name + "' of " + interpreter.model.submodels[s].name, state);
+        fail(interpreter, error, "action '" + name + "' of " + interpreter.model.submodels[s].name, state);
       }
     }
+  }
+  if (!std::isfinite(exit_rate)) {
+    throw ModelError(
+        interpreter.tree().source->name(),
+        "expected actions whose rates have a finite sum, got infinity (" + interpreter.text(state) + ")");
   }
 }
 
@@ -204,7 +217,7 @@ void observe(const Interpreter& interpreter, bool rewards, const State& state,
     try {
       values[number++].push_back(interpreter.value(observable.value, {state}).as_real());
     } catch (const EvaluationError& error) {
-      interpreter.fail(error, '"' + std::string(observable.name.text) + '"', state);
+      fail(interpreter, error, '"' + std::string(observable.name.text) + '"', state);
     }
   }
 }

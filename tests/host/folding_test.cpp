@@ -1,0 +1,142 @@
+// Folded chains against the classes of the full chain, by enumerating orbits: what is computed on the
+// representatives holds for all states.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <map>
+
+#include "tests/host/exploration_support.h"
+#include "tests/host/model_support.h"
+#include "tests/host/random_model.h"
+#include "tests/oracles/transient.h"
+
+namespace symfold {
+namespace {
+
+// A state as its class shows it: the rates into each class, and labels and rewards to the last bit.
+struct Lump {
+  std::map<int, double> rates;
+  std::vector<std::uint64_t> observed;
+};
+
+Lump lump_of(const Explored& explored, StateId s, const int* class_of) {
+  Lump lump;
+  const RateMatrix& matrix = explored.chain.matrix;
+  for (std::size_t i = 0; i < matrix.targets_of(s).size(); ++i) {
+    lump.rates[class_of[matrix.targets_of(s)[i]]] += matrix.rates_of(s)[i];
+  }
+  for (const ChainLabel& label : explored.chain.labels) lump.observed.push_back(label.holds[s] ? 1 : 0);
+  for (const ChainReward& reward : explored.chain.rewards) {
+    lump.observed.push_back(std::bit_cast<std::uint64_t>(reward.values[s]));
+  }
+  return lump;
+}
+
+void expect_equal(const Lump& lump, const Lump& first) {
+  EXPECT_EQ(lump.observed, first.observed);
+  ASSERT_EQ(lump.rates.size(), first.rates.size());
+  for (auto a = lump.rates.begin(), b = first.rates.begin(); a != lump.rates.end(); ++a, ++b) {
+    EXPECT_EQ(a->first, b->first);
+    EXPECT_NEAR(a->second, b->second, 1e-12 * b->second);
+  }
+}
+
+// The states of both chains that are in one class are lumped alike, and both have all classes.
+void expect_lumped(Folding& folding, const Explored& full, const Explored& folded, bool is_exact) {
+  std::vector<std::vector<std::int16_t>> states = full.states;
+  states.insert(states.end(), folded.states.begin(), folded.states.end());
+  const std::vector<int> class_of = folding.classes_of(states);
+  const std::size_t n = full.states.size();
+  std::map<int, Lump> first;
+  for (StateId s = 0; s < n; ++s) {
+    const Lump lump = lump_of(full, s, class_of.data());
+    expect_equal(lump, first.try_emplace(class_of[s], lump).first->second);
+  }
+  std::vector<int> folded_classes(class_of.begin() + static_cast<std::ptrdiff_t>(n), class_of.end());
+  for (StateId s = 0; s < folded.states.size(); ++s) {
+    ASSERT_TRUE(first.contains(folded_classes[s]));
+    expect_equal(lump_of(folded, s, folded_classes.data()), first.at(folded_classes[s]));
+  }
+  const std::size_t representatives = folded_classes.size();
+  std::sort(folded_classes.begin(), folded_classes.end());
+  folded_classes.erase(std::unique(folded_classes.begin(), folded_classes.end()), folded_classes.end());
+  EXPECT_EQ(folded_classes.size(), first.size());
+  EXPECT_TRUE(representatives == first.size() || !is_exact) << representatives;
+}
+
+// An error may show in another state of the class. True where folding makes the chain smaller.
+bool expect_folds(const ComposedModel& model) {
+  Folding folding(model);
+  const Explored full = folding.full({.states = 1000});
+  if (full.ending == Ending::kStateLimit) return false;
+  for (const bool is_exact : {false, true}) {
+    const Explored folded = folding.folded(is_exact);
+    EXPECT_EQ(folded.error.empty(), full.error.empty()) << folded.error << "\n" << full.error;
+    if (folded.error.empty() && full.error.empty()) expect_lumped(folding, full, folded, is_exact);
+  }
+  return full.states.size() > folding.folded(true).states.size();
+}
+
+TEST(Folding, LumpsTheChainOfEveryExample) {
+  for (const std::string& name : example_names()) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(expect_folds(small_example(name)), name != "tandem");
+  }
+}
+
+TEST(Folding, LumpsTheChainsOfRandomModels) {
+  int folded = 0;
+  for (unsigned seed = 0; seed < 400; ++seed) {
+    const std::string text = random_model(seed);
+    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + text);
+    if (expect_folds(read_model_text("m.sym", text))) ++folded;
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(folded, 50);
+}
+
+double expected_value(const oracle::Distribution& distribution, const auto& values) {
+  double sum = 0;
+  for (std::size_t s = 0; s < distribution.size(); ++s) sum += distribution[s] * values[s];
+  return sum;
+}
+
+void expect_same_values(const Explored& full, const oracle::Distribution& of_full, const Explored& folded,
+                        const oracle::Distribution& of_folded) {
+  for (std::size_t i = 0; i < full.chain.labels.size(); ++i) {
+    EXPECT_NEAR(expected_value(of_full, full.chain.labels[i].holds),
+                expected_value(of_folded, folded.chain.labels[i].holds), 1e-10);
+  }
+  for (std::size_t i = 0; i < full.chain.rewards.size(); ++i) {
+    const double value = expected_value(of_full, full.chain.rewards[i].values);
+    EXPECT_NEAR(value, expected_value(of_folded, folded.chain.rewards[i].values), 1e-10 * (1 + value));
+  }
+}
+
+// The rate of the full chain serves both.
+TEST(Folding, KeepsAllProbabilitiesOfEveryExample) {
+  for (const std::string& name : example_names()) {
+    SCOPED_TRACE(name);
+    const ComposedModel model = small_example(name);
+    Folding folding(model);
+    const Explored full = folding.full();
+    const Explored folded = folding.folded(false);
+    const double rate = oracle::uniform_rate(full.chain.matrix);
+    for (const double time : {0.05, 0.5, 3.0}) {
+      expect_same_values(full, oracle::transient(full.chain.matrix, rate, time), folded,
+                         oracle::transient(folded.chain.matrix, rate, time));
+    }
+    std::size_t steps = 0;
+    std::size_t folded_steps = 0;
+    const oracle::Distribution in_full = oracle::long_run(full.chain.matrix, rate, steps);
+    const oracle::Distribution in_folded = oracle::long_run(folded.chain.matrix, rate, folded_steps);
+    EXPECT_LT(std::max(steps, folded_steps), 1'000'000U);
+    expect_same_values(full, in_full, folded, in_folded);
+  }
+}
+
+}  // namespace
+}  // namespace symfold
