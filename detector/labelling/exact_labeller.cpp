@@ -12,11 +12,22 @@ namespace {
 // So many bytes of a partition are one value.
 constexpr std::size_t kValueBytes = sizeof(std::uint64_t);
 
-// The order of the values is that of the bytes.
+// The order of the values is that of the bytes. Two bytes, a variable of a model, are the usual case here as
+// below.
 std::uint64_t big_endian(const unsigned char* bytes, std::size_t count) {
+  if (count == 2) return std::uint64_t{bytes[0]} << 8 | bytes[1];
   std::uint64_t value = 0;
   for (std::size_t i = 0; i < count; ++i) value = value << 8 | bytes[i];
   return value;
+}
+
+void copy_partition(const unsigned char* from, unsigned char* to, std::size_t count) {
+  if (count == 2) {
+    to[0] = from[0];
+    to[1] = from[1];
+  } else {
+    std::memcpy(to, from, count);
+  }
 }
 
 }  // namespace
@@ -67,9 +78,11 @@ bool ExactLabeller::find(const void* state, void* label) {
   const bool is_exact = search_ == nullptr || search_->maximise(word_.data());
   ++label_count_;
   if (!is_exact) ++inexact_count_;
+  std::copy_n(bytes, image_.size(), image_.begin());
   for (std::size_t p = 0; p < word_.size(); ++p) {
+    if (word_[p].source == p) continue;
     const ExactGroup::Partition& to = group_.partitions_[p];
-    std::copy_n(bytes + group_.partitions_[word_[p].source].offset, to.size, image_.data() + to.offset);
+    copy_partition(bytes + group_.partitions_[word_[p].source].offset, image_.data() + to.offset, to.size);
   }
   std::copy(image_.begin(), image_.end(), static_cast<unsigned char*>(label));
   return is_exact;

@@ -45,12 +45,14 @@ bool ListedGroup::maximise(Placed* word) {
     const std::uint32_t position = table_->positions_with_values[p];
     const std::uint32_t* const sources = &table_->sources[position * table_->element_count];
     std::uint64_t best = 0;
-    for (std::size_t i = 0; i < count; ++i) best = std::max(best, word[sources[race_[i]]].value);
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
       const std::uint32_t element = race_[i];
-      race_[kept] = element;
-      kept += word[sources[element]].value == best ? 1 : 0;
+      const std::uint64_t value = word[sources[element]].value;
+      if (value < best) continue;
+      if (value > best) kept = 0;
+      best = value;
+      race_[kept++] = element;
     }
     count = kept;
   }
