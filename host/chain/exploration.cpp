@@ -46,7 +46,7 @@ Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, 
 
 Ending Exploration::run(const ExplorationLimits& limits, const Progress& progress) {
   limits_ = limits;
-  store_.set_limits(limits.states, limits.bytes);
+  store_.set_limits(limits.states, limits.bytes - std::min(limits.bytes, matrix_memory()));
   start_ = std::chrono::steady_clock::now();
   insert_initial_state();
   for (StateId id = 0; ending_ == Ending::kUnderWay && id < store_.size(); ++id) {

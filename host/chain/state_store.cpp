@@ -7,7 +7,7 @@
 namespace symfold {
 namespace {
 
-constexpr std::size_t kFirstIndex = 64;  // entries
+constexpr std::size_t kFirstIndex = 64;               // entries
 constexpr std::size_t kChunk = std::size_t{1} << 13;  // bytes, about
 
 // The index is full at 85 %.
@@ -94,10 +94,13 @@ bool StateStore::add_chunk() {
   return true;
 }
 
-// By half, but to no more entries than the states need that the memory can hold in the end.
+// By half, but to no more entries than the states need that the memory can hold in the end, nor than there is
+// room for beside the arena.
 bool StateStore::grow_index() {
   const std::size_t last_size = most_bytes_ * 17 / (17 * byte_count_ + 20 * sizeof(Entry));
-  const std::size_t grown = std::min(index_.size() + index_.size() / 2, last_size / 17 * 20 + 20);
+  const std::size_t arena = chunks_.size() * chunk_bytes();
+  const std::size_t room = (most_bytes_ - std::min(most_bytes_, arena)) / sizeof(Entry);
+  const std::size_t grown = std::min({index_.size() + index_.size() / 2, last_size / 17 * 20 + 20, room});
   if (room_of(grown) <= index_room_) return false;
   rebuild_index(grown);
   return true;

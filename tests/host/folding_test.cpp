@@ -98,6 +98,43 @@ TEST(Folding, LumpsTheChainsOfRandomModels) {
   EXPECT_GT(folded, 50);
 }
 
+TEST(Folding, CountsPhilosophersAsKnown) {
+  const std::vector<std::size_t> states = {45, 161, 573, 2041, 7269, 25889};
+  const std::vector<std::size_t> classes = {17, 45, 117, 353, 1041, 3261};
+  for (std::size_t i = 0; i < states.size(); ++i) {
+    const ComposedModel model = read_model(example_path("philosophers"), {{"N", std::to_string(3 + i)}});
+    Folding folding(model);
+    const Explored full = folding.full();
+    EXPECT_EQ(full.figures.states, states[i]);
+    for (const bool is_exact : {false, true}) {
+      const Explored folded = folding.folded(is_exact);
+      EXPECT_EQ(folded.figures.states, classes[i]);
+      if (states[i] != 573) continue;
+      EXPECT_EQ(full.figures.transitions, 2366U);
+      EXPECT_EQ(full.figures.deadlocks, 1U);
+      EXPECT_EQ(folded.figures.transitions, 461U);
+      EXPECT_EQ(folded.figures.deadlocks, 1U);
+    }
+  }
+}
+
+// k^n states and multisets of n out of k.
+TEST(Folding, CountsStarsByBinomials) {
+  for (int k = 1; k <= 5; ++k) {
+    std::size_t states = 1;
+    std::size_t classes = 1;
+    for (int n = 1; n <= 6; ++n) {
+      states *= static_cast<std::size_t>(k);
+      classes = classes * static_cast<std::size_t>(n + k - 1) / static_cast<std::size_t>(n);
+      const ComposedModel model = read_model_text("star.sym", star_text(n, k));
+      Folding folding(model);
+      EXPECT_EQ(folding.full().figures.states, states) << n << " of " << k;
+      EXPECT_EQ(folding.folded(false).figures.states, classes) << n << " of " << k;
+      EXPECT_EQ(folding.folded(true).figures.states, classes) << n << " of " << k;
+    }
+  }
+}
+
 double expected_value(const oracle::Distribution& distribution, const auto& values) {
   double sum = 0;
   for (std::size_t s = 0; s < distribution.size(); ++s) sum += distribution[s] * values[s];
