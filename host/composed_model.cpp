@@ -11,12 +11,6 @@ namespace {
 constexpr std::size_t kLiteralsShown = 6;
 }  // namespace
 
-bool operator==(const ValueSet& a, const ValueSet& b) {
-  if (a.kind != b.kind || a.low != b.low || a.high != b.high) return false;
-  return a.literals == b.literals ||
-         (a.literals != nullptr && b.literals != nullptr && *a.literals == *b.literals);
-}
-
 std::string to_string(const ValueSet& set) {
   if (set.kind == ValueSet::Kind::kBool) return "bool";
   if (set.kind == ValueSet::Kind::kRange)

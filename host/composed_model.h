@@ -26,13 +26,14 @@ struct ValueSet {
   Kind kind = Kind::kBool;
   int low = 0;
   int high = 1;
-  std::shared_ptr<const std::vector<std::string>> literals;  // of an enumeration only
+  std::shared_ptr<const std::vector<std::string>> literals;  // of an enumeration only; equal ones are shared
 
   std::size_t size() const { return static_cast<std::size_t>(high - low) + 1; }
   bool contains(std::int64_t value) const { return value >= low && value <= high; }
-};
 
-bool operator==(const ValueSet& a, const ValueSet& b);
+  // Of sets of one model, in constant time.
+  bool operator==(const ValueSet&) const = default;
+};
 
 // "bool", "[0..3]", "{idle, busy}".
 std::string to_string(const ValueSet& set);

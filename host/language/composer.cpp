@@ -275,7 +275,7 @@ void Composer::set_initial(Join& join, const JoinDecl& declaration) {
   const bool fits = (expr.type == kBoolType && join.values.kind == ValueSet::Kind::kBool) ||
                     (expr.type == kIntType && join.values.kind == ValueSet::Kind::kRange) ||
                     (expr.type.scalar == Scalar::kEnum && join.values.literals != nullptr &&
-                     *description_.enumeration(expr.type).literals == *join.values.literals);
+                     description_.enumeration(expr.type).literals == join.values.literals);
   if (!fits)
     throw EvaluationError{expr.offset,
                           "expected a value of " + to_string(join.values) + ", got another kind"};

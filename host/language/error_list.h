@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
 #define SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
 
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -47,12 +48,20 @@ class ErrorList {
   }
 
   const SourceText& source() const { return source_; }
-  std::string place(Offset offset) const { return source_.place(offset); }
+
+  // `line:column`, once computed for each offset: finding it takes a walk along its line, and the errors that
+  // all elements of an array repeat ask for the same ones.
+  const std::string& place(Offset offset) {
+    const auto [entry, is_new] = places_.try_emplace(offset);
+    if (is_new) entry->second = source_.place(offset);
+    return entry->second;
+  }
 
  private:
   const SourceText& source_;
   std::vector<Diagnostic> errors_;
   std::set<std::pair<Offset, Offset>> seen_;
+  std::map<Offset, std::string> places_;
 };
 
 }  // namespace symfold

@@ -107,10 +107,15 @@ std::string_view SourceText::line_text(std::size_t index) const {
   return text().substr(start, end - start);
 }
 
+// Those of the line; a line break counts as its end.
+int SourceText::code_points_before(std::size_t index, Offset offset) const {
+  return count_code_points(line_text(index).substr(0, offset - line_starts_[index]));
+}
+
 Diagnostic SourceText::diagnostic_at(Offset offset, std::string message) const {
   const std::size_t index = line_index(offset);
   const std::string_view line = line_text(index);
-  const int before = count_code_points(text().substr(line_starts_[index], offset - line_starts_[index]));
+  const int before = code_points_before(index, offset);
   Diagnostic result{name_, static_cast<int>(index) + 1, before + 1, std::move(message), "", before};
 
   const std::vector<std::size_t> starts = code_point_starts(line);
@@ -131,8 +136,7 @@ Diagnostic SourceText::diagnostic_at(Offset offset, std::string message) const {
 
 std::string SourceText::place(Offset offset) const {
   const std::size_t index = line_index(offset);
-  const int before = count_code_points(text().substr(line_starts_[index], offset - line_starts_[index]));
-  return std::to_string(index + 1) + ':' + std::to_string(before + 1);
+  return std::to_string(index + 1) + ':' + std::to_string(code_points_before(index, offset) + 1);
 }
 
 }  // namespace symfold

@@ -43,6 +43,7 @@ class SourceText {
  private:
   std::size_t line_index(Offset offset) const;
   std::string_view line_text(std::size_t index) const;
+  int code_points_before(std::size_t index, Offset offset) const;
 
   std::string name_;
   std::string text_;

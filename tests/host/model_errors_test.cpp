@@ -7,6 +7,7 @@
 
 #include "tests/host/exploration_support.h"
 #include "tests/host/model_support.h"
+#include "tests/host/reader_contract.h"
 
 namespace symfold {
 namespace {
@@ -45,7 +46,10 @@ std::vector<WrongModel> corpus(const std::string& file) {
 TEST(ModelErrors, AreReportedToTheLetter) {
   const std::vector<WrongModel> models = corpus("malformed_models.txt");
   EXPECT_GE(models.size(), 60U);
-  for (const WrongModel& model : models) EXPECT_EQ(error_of(model.text), model.message) << model.name;
+  for (const WrongModel& model : models) {
+    EXPECT_EQ(error_of(model.text), model.message) << model.name;
+    EXPECT_EQ(read_by_contract(model.text).breach, "") << model.name;
+  }
 }
 
 TEST(ModelErrors, OfStatesAreReportedToTheLetter) {

@@ -76,6 +76,21 @@ TEST(ModelLimits, SizeOfTheSystem) {
             "expected every shared variable in one join, got a.s in j_1 and, at 1:88, in j_0");
 }
 
+// What is said about each of many elements is not worked out anew for each of them.
+TEST(ModelLimits, ErrorsThatManyElementsRepeat) {
+  const std::string array = "a[i : 0..99999] : T;";
+  EXPECT_EQ(first_message("type T { shared s : bool; }" + std::string(10'000'000, ' ') + "system S { " +
+                          array + " join j { a[i].s for i : 0..99999; a[i].s for i : 0..99999; } }"),
+            "expected every shared variable in one join, got a_0.s in j and, at 1:10000069, in j");
+  std::string literals;
+  for (int i = 0; i < 32000; ++i) literals += "x" + std::to_string(i) + ",";
+  EXPECT_EQ(
+      first_message("type F { shared s : {" + literals + "y}; } type T { shared s : {" + literals +
+                    "z}; }\nsystem S { f : F; " + array + " join j { f.s; a[i].s for i : 0..99999; } }"),
+      "expected the value set {x0, x1, x2, x3, x4, x5, ...} of f.s (at 2:49), got {x0, x1, x2, x3, x4, x5, "
+      "...} of a_0.s");
+}
+
 TEST(ModelLimits, NumberOfPartitions) {
   const std::string type = "type T { } system S { a[i : 1..32768] : T; }";
   const ComposedModel model = read_model_text("m.sym", type);

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "tests/host/model_support.h"
+#include "tests/host/reader_contract.h"
 
 namespace symfold {
 namespace {
@@ -98,27 +100,22 @@ TEST(MutatedModels, AreModelsOrErrors) {
   for (unsigned seed = 0; seed < 300; ++seed) {
     for (const std::string& name : example_names()) {
       const std::string text = Mutator(seed).mutate(example_text(name));
-      SCOPED_TRACE("seed " + std::to_string(seed) + " of " + name + "\n" + text);
-      try {
-        const ComposedModel model = read_model_text("m.sym", text);
-        EXPECT_FALSE(model.submodels.empty());
-        for (const Join& join : model.joins) EXPECT_FALSE(join.members.empty());
-        ++models;
-      } catch (const ModelError& error) {
-        ASSERT_FALSE(error.diagnostics().empty());
-        ASSERT_LE(error.diagnostics().size(), 10u);
-        for (const Diagnostic& diagnostic : error.diagnostics()) {
-          EXPECT_GT(diagnostic.line, 0);
-          EXPECT_GT(diagnostic.column, 0);
-          EXPECT_LE(diagnostic.caret, static_cast<int>(diagnostic.source_line.size()));
-        }
-        ++errors;
-      }
-      if (HasFailure()) return;
+      const Reading reading = read_by_contract(text);
+      ASSERT_EQ(reading.breach, "") << "seed " << seed << " of " << name << "\n" << text;
+      ++(reading.is_model ? models : errors);
     }
   }
   EXPECT_GT(models, 100);
   EXPECT_GT(errors, 100);
+}
+
+// What the fuzzer starts from: its findings of former times among them.
+TEST(FuzzerSeeds, AreReadByContract) {
+  const std::string directory = SYMFOLD_TESTS_DIR "/../fuzz/seeds";
+  EXPECT_TRUE(read_by_contract(file_text(directory + "/every_construct.sym")).is_model);
+  for (const auto& seed : std::filesystem::directory_iterator(directory)) {
+    EXPECT_EQ(read_by_contract(file_text(seed.path().string())).breach, "") << seed.path();
+  }
 }
 
 }  // namespace
