@@ -101,7 +101,11 @@ TEST(Exploration, StopsAtEveryLimitOfStates) {
     EXPECT_EQ(part.ending, limit < whole.states.size() ? Ending::kStateLimit : Ending::kComplete);
     EXPECT_EQ(part.figures.states, limit);
     StateId expanded = 0;
-    while (expanded < limit && whole.chain.matrix.targets_of(expanded).back() < limit) ++expanded;
+    const auto finds_room = [&](StateId s) {
+      const auto targets = whole.chain.matrix.targets_of(s);
+      return targets.empty() || targets.back() < limit;
+    };
+    while (expanded < limit && finds_room(expanded)) ++expanded;
     EXPECT_EQ(part.figures.expanded, expanded);
     expect_counted(part.figures, whole);
   }
