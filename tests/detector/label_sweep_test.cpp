@@ -55,8 +55,6 @@ const std::vector<Example> kLargeExamples = {
     {"clients_servers", {{"K", "7"}, {"M", "7"}}, true},
 };
 
-constexpr long kStatesPerLayout = 100;
-
 unsigned values_of(long state) {
   return std::vector<unsigned>{2, 3, 4, 256}[static_cast<std::size_t>(state) % 4];
 }
@@ -65,6 +63,9 @@ long states_wanted() {
   const char* wanted = std::getenv("SYMFOLD_SWEEP_STATES");
   return wanted == nullptr ? 50'000 : std::strtol(wanted, nullptr, 10);
 }
+
+// In one layout: for many states not all time goes into detection.
+long states_per_layout() { return std::max(states_wanted() / 1000, 100L); }
 
 // Tables that detection leaves in graph-node order, carried into a random order.
 void shuffle_layout(SymmetryDetection& detector, std::mt19937& random) {
@@ -87,8 +88,8 @@ void sweep(const std::vector<Example>& examples,
            const std::function<void(SymmetryDetection&, std::size_t, std::mt19937&)>& check) {
   const TempDir directory;
   std::mt19937 random(1);
-  for (long done = 0; done < states_wanted(); done += kStatesPerLayout) {
-    const auto layout = static_cast<std::size_t>(done / kStatesPerLayout);
+  for (long done = 0; done < states_wanted(); done += states_per_layout()) {
+    const auto layout = static_cast<std::size_t>(done / states_per_layout());
     const Example& example = examples[layout % examples.size()];
     const std::string path = std::string(SYMFOLD_EXAMPLES_DIR "/") + example.name + ".sym";
     DetectionRun run(read_model(path, example.constants), ".", false);
@@ -107,7 +108,7 @@ TEST(LabelSweep, EqualsTheLiteralSearchOnExamplesInAnyLayout) {
     start_labelling(detector);
     LabelTables tables{detector.PartitionInfo, {}};
     for (const int base : detector.Bases) tables.records.emplace_back(base, detector.VPerms[base]);
-    for (long i = 0; i < kStatesPerLayout; ++i) {
+    for (long i = 0; i < states_per_layout(); ++i) {
       const std::string state = random_state(detector.TotalStateSize, values_of(i), random);
       ASSERT_NO_FATAL_FAILURE(expect_literal_label(detector, tables, state)) << layout << ", state " << i;
     }
@@ -125,7 +126,7 @@ TEST(LabelSweep, GivesSymmetricStatesOneExactLabel) {
     for (const auto& [base, records] : detector.VPerms) {
       for (const ValPerms& record : records) elements.push_back(&record.Perms[0]);
     }
-    for (long i = 0; i < kStatesPerLayout && !elements.empty(); ++i) {
+    for (long i = 0; i < states_per_layout() && !elements.empty(); ++i) {
       std::string state = random_state(static_cast<int>(labeller.state_size()), values_of(i), random);
       std::string label(state.size(), '\0');
       ASSERT_TRUE(labeller.find(state.data(), label.data()));
