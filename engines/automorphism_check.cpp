@@ -5,28 +5,29 @@
 namespace symfold {
 
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
-    : graph_(graph), image_(identity_images(graph.vertex_count())), count_(graph.vertex_count(), 0) {}
+    : graph_(graph),
+      image_(identity_images(graph.vertex_count())),
+      is_image_(graph.vertex_count(), 0),
+      count_(graph.vertex_count(), 0) {}
 
+// Points do not occur twice, so the moves are a permutation where every moved point is an image.
 bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
-  if (!is_permutation(moves)) return false;
-  for (const auto& [point, image] : moves) image_[point] = image;
-  const bool is_kept =
-      std::all_of(moves.begin(), moves.end(), [this](PointMove move) { return keeps_edges(move); });
-  for (const auto& [point, image] : moves) image_[point] = point;
+  for (const auto& [point, image] : moves) {
+    image_[point] = image;
+    is_image_[image] = 1;
+  }
+  const bool is_kept = std::ranges::all_of(moves, [this](PointMove move) {
+    return is_image_[move.point] != 0 && move.point != move.image && keeps_edges(move);
+  });
+  for (const auto& [point, image] : moves) {
+    image_[point] = point;
+    is_image_[image] = 0;
+  }
   return is_kept;
 }
 
-// Every moved point is an image exactly once.
-bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
-  for (const auto& [point, image] : moves) count_[point] = 1;
-  const bool is_one_to_one = std::all_of(moves.begin(), moves.end(), [this](PointMove move) {
-    return move.point != move.image && count_[move.image]-- == 1;
-  });
-  for (const auto& [point, image] : moves) count_[point] = count_[image] = 0;
-  return is_one_to_one;
-}
-
-// The images of the point's neighbours are to be the neighbours of its image, each as often.
+// The images of the point's neighbours are to be the neighbours of its image, each with the same weight in
+// all. As there are equally many, none is left over.
 bool AutomorphismCheck::keeps_edges(PointMove move) {
   const auto neighbours = graph_.neighbours(move.point);
   const auto expected = graph_.neighbours(move.image);
@@ -34,9 +35,19 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
       graph_.loops(move.point) != graph_.loops(move.image) || neighbours.size() != expected.size()) {
     return false;
   }
-  for (const int v : expected) ++count_[v];
-  bool is_kept = true;
-  for (const int v : neighbours) is_kept = --count_[image_[v]] >= 0 && is_kept;
+  if (neighbours.size() == 1 && !graph_.has_weights()) return image_[neighbours[0]] == expected[0];
+  if (neighbours.size() == 2 && !graph_.has_weights()) {
+    const auto images = std::minmax(image_[neighbours[0]], image_[neighbours[1]]);
+    return images == std::minmax(expected[0], expected[1]);
+  }
+  const auto weights = graph_.weights(move.point);
+  const auto expected_weights = graph_.weights(move.image);
+  const auto weight = [](std::span<const std::uint64_t> list, std::size_t i) {
+    return list.empty() ? 1 : list[i];
+  };
+  for (std::size_t i = 0; i < expected.size(); ++i) count_[expected[i]] += weight(expected_weights, i);
+  for (std::size_t i = 0; i < expected.size(); ++i) count_[image_[neighbours[i]]] -= weight(weights, i);
+  const bool is_kept = std::ranges::all_of(expected, [this](int v) { return count_[v] == 0; });
   for (const int v : expected) count_[v] = 0;
   for (const int v : neighbours) count_[image_[v]] = 0;
   return is_kept;

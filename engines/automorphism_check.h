@@ -4,6 +4,8 @@
 #ifndef SYMFOLD_ENGINES_AUTOMORPHISM_CHECK_H
 #define SYMFOLD_ENGINES_AUTOMORPHISM_CHECK_H
 
+#include <cstdint>
+
 #include "engines/coloured_graph.h"
 #include "engines/sparse_permutation.h"
 
@@ -20,12 +22,12 @@ class AutomorphismCheck {
   bool is_automorphism(const SparsePermutation& moves);
 
  private:
-  bool is_permutation(const SparsePermutation& moves);
   bool keeps_edges(PointMove move);
 
   const ColouredGraph& graph_;
-  PointVector<int> image_;  // the identity between calls
-  PointVector<int> count_;  // zero between calls
+  PointVector<int> image_;            // the identity between calls
+  PointVector<char> is_image_;        // zero between calls
+  PointVector<std::uint64_t> count_;  // zero between calls
 };
 
 }  // namespace symfold

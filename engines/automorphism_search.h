@@ -1,32 +1,13 @@
-// The automorphism group of a coloured graph, by individualisation and refinement.
+// The automorphism group of a coloured graph.
 //
-// First path. From the equitable partition of the colours on, the smallest vertex that shares its cell is
-// individualised and the partition refined, until every cell has one member: levels 0, 1, .. with their
-// vertices v0 < v1 < ... An automorphism that fixes all of these is the identity, so they hold a base.
+// The graph is reduced to its vertices of degree three and more (degree_reduction.h), what is left is
+// searched by individualisation and refinement (path_search.h), and each automorphism found there is lifted
+// to the graph. Every generator is checked against the graph's edges before it is given out; should one fail,
+// which takes two hashes that agree by chance, or should there be little to reduce, the graph is searched as
+// it is.
 //
-// Other paths. From the deepest level up, the search asks for every w of the cell of v(i) whether some
-// automorphism fixes v0 .. v(i-1) and carries v(i) to w. It individualises w instead; refinement must run as
-// it did for v(i), and where it does, the two sides pair the vertices of equal positions. If that does not
-// settle the question, both sides descend where they differ (paired_descent.h), and in the rare case that
-// even this does not, the levels of the first path are followed with all choices that matter. Already
-// answered are the members of v(i)'s orbit under the generators found so far, which all fix v0 .. v(i-1), and
-// the orbits of failed candidates. When level i is through, the orbit of v(i) under its stabiliser is known
-// exactly; the order of the group is the product of these lengths, and the generators are a strong generating
-// set (B. D. McKay, Practical graph isomorphism, Congressus Numerantium 30, 1981; J. S. Leon, Computing
-// automorphism groups of combinatorial objects, 1984).
-//
-// Sparse generators. As soon as a path has told the moved vertices apart, the rest may stay as it is: after a
-// refinement the new cells alone are looked at (partial_image.h), and the outcome is checked against the
-// edges of the moved vertices. So a generator costs about its support and not the graph. Tried and dropped:
-// descending along the first path's levels alone, which is quadratic where the numbering interleaves the
-// parts that are exchanged, as in trees numbered level by level.
-//
-// Example: a star with leaves 0 .. 3 around 4. First path 0, 1, 2. Level 2 finds (2 3), level 1 (1 3), level
-// 0 (0 3): the largest vertex of a class stands for it, so 3 takes part in all of them, and every leaf is two
-// steps from every other.
-//
-// Cost: near-linear in graph and support of generators where refinement sees the orbits, as in trees and in
-// the graphs of composed models; exponential in the worst case, as for every known method of this kind.
+// Example: a ring of 1,000 submodels has 4,000 vertices, all of degree two. The reduction leaves none to
+// search, and gives the rotation by one submodel as the one generator.
 
 #ifndef SYMFOLD_ENGINES_AUTOMORPHISM_SEARCH_H
 #define SYMFOLD_ENGINES_AUTOMORPHISM_SEARCH_H
@@ -53,6 +34,8 @@ struct SearchLimits {
       10'000;  // more of them in a paired descent leave its question open; 0 forbids descents
 };
 
+// Cost: near-linear in the graph and the support of the generators, where the search of what the reduction
+// leaves is.
 AutomorphismGroup find_automorphisms(const ColouredGraph& graph, const SearchLimits& limits = {});
 
 }  // namespace symfold

@@ -1,5 +1,7 @@
 #include "engines/coloured_graph.h"
 
+#include <utility>
+
 namespace symfold {
 
 ColouredGraph::ColouredGraph(int n, const std::vector<int>& boundaries, const std::vector<Edge>& edges)
@@ -24,6 +26,18 @@ ColouredGraph::ColouredGraph(int n, const std::vector<int>& boundaries, const st
     neighbours_[--first_[static_cast<std::size_t>(edge->from)]] = edge->to;
     neighbours_[--first_[static_cast<std::size_t>(edge->to)]] = edge->from;
   }
+}
+
+ColouredGraph::ColouredGraph(PointVector<int> colour, const std::vector<DirectedEdge>& edges)
+    : colour_(std::move(colour)),
+      loops_(colour_.size(), 0),
+      first_(static_cast<std::size_t>(colour_.size()) + 1, 0) {
+  for (const DirectedEdge& edge : edges) {
+    ++first_[static_cast<std::size_t>(edge.from) + 1];
+    neighbours_.push_back(edge.to);
+    weights_.push_back(edge.weight);
+  }
+  std::partial_sum(first_.begin(), first_.end(), first_.begin());
 }
 
 }  // namespace symfold

@@ -5,6 +5,7 @@
 #define SYMFOLD_ENGINES_COLOURED_GRAPH_H
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -17,8 +18,16 @@ struct Edge {
   int to;
 };
 
+// An edge seen from one of its ends, with a weight that may differ from the one seen from the other.
+struct DirectedEdge {
+  int from;
+  int to;
+  std::uint64_t weight;
+};
+
 // Vertices are 0 .. n-1. An automorphism keeps the colour of every vertex, the number of edges between every
-// two vertices (parallel edges count) and the number of loops at every vertex.
+// two vertices (parallel edges count), the weight of every edge from both its ends, and the number of loops
+// at every vertex.
 class ColouredGraph {
  public:
   ColouredGraph() = default;
@@ -27,6 +36,10 @@ class ColouredGraph {
   // boundaries[c] (n for the last). Preconditions: the boundaries ascend strictly within 1 .. n-1; all
   // endpoints are vertices.
   ColouredGraph(int n, const std::vector<int>& boundaries, const std::vector<Edge>& edges);
+
+  // A simple graph with weights. Preconditions: every edge is given from both its ends, in ascending order of
+  // `from`; none is a loop.
+  ColouredGraph(PointVector<int> colour, const std::vector<DirectedEdge>& edges);
 
   int vertex_count() const { return loops_.size(); }
   int colour(int v) const { return colour_[v]; }
@@ -38,11 +51,20 @@ class ColouredGraph {
     return {neighbours_.data() + first_[i], first_[i + 1] - first_[i]};
   }
 
+  // Of the edges to these neighbours; empty where no edge of the graph has one, which counts as 1.
+  bool has_weights() const { return !weights_.empty(); }
+  std::span<const std::uint64_t> weights(int v) const {
+    if (weights_.empty()) return {};
+    const auto i = static_cast<std::size_t>(v);
+    return {weights_.data() + first_[i], first_[i + 1] - first_[i]};
+  }
+
  private:
   PointVector<int> colour_;
   PointVector<int> loops_;
   std::vector<std::size_t> first_{0};
   std::vector<int> neighbours_;
+  std::vector<std::uint64_t> weights_;
 };
 
 }  // namespace symfold

@@ -1,22 +1,22 @@
 #include "engines/refinement.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "engines/spread.h"
 
 namespace symfold {
 namespace {
 
-// Spreads a place and a count over 64 bits, so that sums of the results rarely agree by chance
-// (G. L. Steele, D. Lea and C. H. Flood, Fast splittable pseudorandom number generators, OOPSLA 2014).
-std::uint64_t spread(int place, int count) {
-  std::uint64_t x = (static_cast<std::uint64_t>(place) << 32) + static_cast<std::uint64_t>(count);
-  x += 0x9e3779b97f4a7c15;
-  x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9;
-  x = (x ^ (x >> 27)) * 0x94d049bb133111eb;
-  return x ^ (x >> 31);
+std::uint64_t place_and_count(int place, std::uint64_t count) {
+  return (static_cast<std::uint64_t>(place) << 32) + count;
 }
 
-}  // namespace
+// What an edge of this weight counts. At most 2^32, so that sums over a vertex's edges do not overflow: other
+// weights may count alike, which leaves together what they would tell apart.
+std::uint64_t count_of(std::uint64_t weight) { return 1 + (weight & 0xffffffff); }
 
+}  // namespace
 Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
     : graph_(graph),
       partition_(partition),
@@ -83,17 +83,23 @@ bool Refiner::apply_splitter(int splitter) {
   splitter_members_.assign(members.begin(), members.end());
   unsplit_hash_ = 0;
   for (const int v : splitter_members_) {
-    for (const int neighbour : graph_.neighbours(v)) count_edge_to(neighbour);
+    const auto neighbours = graph_.neighbours(v);
+    if (graph_.has_weights()) {
+      const auto weights = graph_.weights(v);
+      for (std::size_t i = 0; i < neighbours.size(); ++i) count_edge_to(neighbours[i], count_of(weights[i]));
+    } else {
+      for (const int neighbour : neighbours) count_edge_to(neighbour, 1);
+    }
   }
   return split_touched_cells();
 }
 
-void Refiner::count_edge_to(int v) {
+void Refiner::count_edge_to(int v, std::uint64_t count) {
   const int cell = partition_.cell_of(v);
   const int length = partition_.length(cell);
   if (length == 1) {
-    unsplit_hash_ += spread(cell, 0);
-  } else if (count_[v]++ == 0) {
+    unsplit_hash_ += spread(place_and_count(cell, count));
+  } else if (std::exchange(count_[v], count_[v] + count) == 0) {
     if (touched_[cell]++ == 0) touched_cells_.push_back(cell);
     partition_.move_within_cell(v, cell + length - touched_[cell]);
   }
@@ -117,7 +123,7 @@ bool Refiner::split_by_count(int cell) {
       tail_.begin(), tail_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   const bool is_even = fewest->first == most->first;
   if (is_even && untouched == 0) {
-    unsplit_hash_ += spread(cell, fewest->first);
+    unsplit_hash_ += spread(place_and_count(cell, fewest->first));
     return true;
   }
   if (!is_even) std::sort(tail_.begin(), tail_.end());
@@ -165,17 +171,18 @@ bool Refiner::arrange_groups(int cell, int untouched) {
   }
   const auto first_new = groups_.begin() + (untouched == 0 ? 1 : 0);
   if (untouched == 0)
-    unsplit_hash_ += spread(cell, tail_[static_cast<std::size_t>(groups_.front().first)].first);
+    unsplit_hash_ +=
+        spread(place_and_count(cell, tail_[static_cast<std::size_t>(groups_.front().first)].first));
   for (auto group = groups_.end(); group != first_new;) {
     --group;
     const int length = group->second - group->first;
     position -= length;
     partition_.split(cell, position);
     enqueue(position);
-    const int count = tail_[static_cast<std::size_t>(group->first)].first;
+    const std::uint64_t count = tail_[static_cast<std::size_t>(group->first)].first;
     if (!note((static_cast<std::uint64_t>(position) << 32) + static_cast<std::uint64_t>(length)))
       return false;
-    if (!note(static_cast<std::uint64_t>(count))) return false;
+    if (!note(count)) return false;
   }
   return true;
 }

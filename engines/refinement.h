@@ -52,7 +52,7 @@ class Refiner {
   void individualise(int v);
   bool run();
   bool apply_splitter(int splitter);
-  void count_edge_to(int v);
+  void count_edge_to(int v, std::uint64_t count);
   bool split_touched_cells();
   bool split_by_count(int cell);
   void gather_tail(int cell, int length);
@@ -72,12 +72,12 @@ class Refiner {
   PointVector<char> is_queued_;
 
   // The current splitter's work, all zero or empty between splitters.
-  PointVector<int> count_;          // per vertex: edges into the splitter
-  PointVector<int> touched_;        // per cell: members with a count; they stand at the cell's end
-  std::vector<int> touched_cells_;  // the larger cells among them
+  PointVector<std::uint64_t> count_;  // per vertex: edges into the splitter
+  PointVector<int> touched_;          // per cell: members with a count; they stand at the cell's end
+  std::vector<int> touched_cells_;    // the larger cells among them
   std::vector<int> splitter_members_;
-  std::vector<std::pair<int, int>> tail_;    // (count, vertex) of the members being split
-  std::vector<std::pair<int, int>> groups_;  // stretches of equal count in tail_: begin and end
+  std::vector<std::pair<std::uint64_t, int>> tail_;  // (count, vertex) of the members being split
+  std::vector<std::pair<int, int>> groups_;          // stretches of equal count in tail_: begin and end
   std::uint64_t unsplit_hash_ = 0;  // commutative, over the touched cells and parts that keep their place
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engines/point_vector.h"
 #include "engines/shallow_trees.h"
 #include "engines/strong_generators.h"
 #include "engines/union_find.h"
@@ -10,24 +11,26 @@
 namespace symfold {
 
 // From the largest smallest moved point down, each base point's generators join those of the stabilisers
-// below it.
+// below it. The generators are chained by that point, the first ones first.
 StabiliserChain read_chain(int n, std::vector<SparsePermutation> generators) {
   StabiliserChain chain;
   std::erase_if(generators, [](const SparsePermutation& moves) { return moves.empty(); });
   chain.generators = std::move(generators);
-  std::vector<const SparsePermutation*> order;
-  for (const SparsePermutation& moves : chain.generators) order.push_back(&moves);
-  std::stable_sort(order.begin(), order.end(), [](const SparsePermutation* a, const SparsePermutation* b) {
-    return a->front().point > b->front().point;
-  });
+  PointVector<int> first(n, -1);
+  PointVector<int> next(static_cast<int>(chain.generators.size()));
+  for (int g = next.size() - 1; g >= 0; --g) {
+    const int smallest = chain.generators[static_cast<std::size_t>(g)].front().point;
+    next[g] = std::exchange(first[smallest], g);
+  }
   UnionFind orbits(n);
-  for (auto generator = order.begin(); generator != order.end();) {
-    const int base_point = (*generator)->front().point;
-    for (; generator != order.end() && (*generator)->front().point == base_point; ++generator) {
-      for (const auto& [point, image] : **generator) orbits.unite(point, image);
+  for (int p = n - 1; p >= 0; --p) {
+    if (first[p] < 0) continue;
+    for (int g = first[p]; g >= 0; g = next[g]) {
+      for (const auto& [point, image] : chain.generators[static_cast<std::size_t>(g)])
+        orbits.unite(point, image);
     }
-    chain.base.push_back(base_point);
-    chain.orbit_lengths.push_back(orbits.size_of_class(base_point));
+    chain.base.push_back(p);
+    chain.orbit_lengths.push_back(orbits.size_of_class(p));
   }
   std::reverse(chain.base.begin(), chain.base.end());
   std::reverse(chain.orbit_lengths.begin(), chain.orbit_lengths.end());

@@ -8,6 +8,7 @@
 #include "components/schreier_sims.h"
 #include "components/schreier_tree.h"
 #include "engines/graph_file.h"
+#include "engines/path_search.h"
 
 namespace symfold {
 namespace {
@@ -120,9 +121,11 @@ void expect_automorphisms(const oracle::Graph& graph) {
   const std::vector<oracle::Images> generators = images_of(graph.n, found.generators);
   EXPECT_EQ(oracle::closure(graph.n, generators), group);
   expect_strong(group, graph.n, generators, found.base, found.orbit_lengths);
-  const AutomorphismGroup followed = find_automorphisms(graph_of(graph), {.descent_failures = 0});
-  expect_strong(group, graph.n, images_of(graph.n, followed.generators), followed.base,
-                followed.orbit_lengths);
+  for (const int failures : {0, 10'000}) {
+    const AutomorphismGroup searched = search_paths(graph_of(graph), {.descent_failures = failures});
+    expect_strong(group, graph.n, images_of(graph.n, searched.generators), searched.base,
+                  searched.orbit_lengths);
+  }
   expect_chain_and_trees(group, graph.n, generators);
 }
 

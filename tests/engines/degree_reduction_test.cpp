@@ -1,0 +1,100 @@
+#include "engines/degree_reduction.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "engines/automorphism_check.h"
+#include "engines/cyclic_sequence.h"
+#include "engines/path_search.h"
+#include "tests/engines/group_checks.h"
+
+namespace symfold {
+namespace {
+
+// A few edges, each perhaps doubled and cut into pieces, and leaves; numbered at random inside the colours.
+oracle::Graph random_thin_graph(unsigned seed, int most) {
+  std::mt19937 random(seed);
+  const auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  oracle::Graph graph{1 + below(3), {}, {}};
+  const int roots = graph.n;
+  while (graph.n < most) {
+    int end = below(graph.n);
+    const int target = below(4) == 0 ? -1 : below(roots);
+    for (int pieces = below(4); pieces > 0 && graph.n < most; --pieces) {
+      graph.edges.emplace_back(end, graph.n);
+      end = graph.n++;
+    }
+    if (target >= 0) graph.edges.emplace_back(end, target);
+    if (below(6) == 0) ++graph.n;
+    if (below(8) == 0 && !graph.edges.empty()) graph.edges.push_back(graph.edges.back());
+  }
+  graph.n = std::max(graph.n, most);
+  std::vector<int> number(static_cast<std::size_t>(graph.n));
+  for (std::size_t i = 0; i < number.size(); ++i) number[i] = static_cast<int>(i);
+  std::shuffle(number.begin(), number.end(), random);
+  for (auto& [a, b] : graph.edges) {
+    a = number[static_cast<std::size_t>(a)];
+    b = number[static_cast<std::size_t>(b)];
+  }
+  if (seed % 2 == 0) graph.boundaries.push_back(1 + below(graph.n - 1));
+  return graph;
+}
+
+// Without the way out of searching the graph as it is.
+void expect_sound(const oracle::Graph& graph) {
+  const ColouredGraph coloured = graph_of(graph);
+  AutomorphismCheck check(coloured);
+  DegreeReduction reduction(coloured);
+  EXPECT_TRUE(reduction.for_each_own_symmetry(
+      [&](SparsePermutation& moves) { return !moves.empty() && check.is_automorphism(moves); }));
+  SparsePermutation lifted;
+  for (const SparsePermutation& moves : search_paths(reduction.reduced()).generators) {
+    EXPECT_TRUE(reduction.lift(moves, lifted) && check.is_automorphism(lifted));
+  }
+}
+
+TEST(DegreeReduction, AgreesWithAllPermutationsOnThinGraphs) {
+  for (unsigned seed = 0; seed < 1500 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const oracle::Graph graph = random_thin_graph(seed, 4 + static_cast<int>(seed % 4));
+    expect_sound(graph);
+    expect_automorphisms(graph);
+  }
+}
+
+TEST(DegreeReduction, AgreesWithTheSearchOnLargerThinGraphs) {
+  for (unsigned seed = 0; seed < 5000 && !HasFailure(); ++seed) {
+    const oracle::Graph graph = random_thin_graph(seed, 8 + static_cast<int>(seed % 40));
+    SCOPED_TRACE("seed " + std::to_string(seed) + ": " + graph.file_text());
+    expect_sound(graph);
+    const ColouredGraph coloured = graph_of(graph);
+    const AutomorphismGroup found = find_automorphisms(coloured);
+    const AutomorphismGroup expected = search_paths(coloured);
+    EXPECT_EQ(found.base, expected.base);
+    EXPECT_EQ(found.orbit_lengths, expected.orbit_lengths);
+  }
+}
+
+TEST(CyclicSequence, RotatesToTheLeastAndFindsThePeriod) {
+  for (unsigned code = 0; code < 19683; ++code) {
+    const std::size_t length = 1 + code % 9;
+    std::vector<std::uint64_t> entries;
+    for (unsigned rest = code / 9; entries.size() < length; rest /= 3) entries.push_back(rest % 3);
+    auto rotated = entries;
+    std::vector<std::uint64_t> least = entries;
+    std::size_t period = 0;
+    for (std::size_t turn = 1; turn <= length; ++turn) {
+      std::rotate(rotated.begin(), rotated.begin() + 1, rotated.end());
+      least = std::min(least, rotated);
+      if (period == 0 && rotated == entries) period = turn;
+    }
+    EXPECT_EQ(cyclic_period(entries), static_cast<int>(period));
+    std::rotate(entries.begin(), entries.begin() + least_rotation(entries), entries.end());
+    EXPECT_EQ(entries, least);
+  }
+}
+
+}  // namespace
+}  // namespace symfold
