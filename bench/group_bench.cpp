@@ -1,10 +1,13 @@
-// Detection over the families of examples/: the automorphism search, the strong generating set with its
-// proof, and the whole run from the model to the permutation file, diagnostics dropped.
+// Detection over the families of examples/: the automorphism search; the strong generating set with its proof
+// and the Schreier trees of all base points, from the search's generators; and the whole run from the model
+// to the permutation file, diagnostics dropped.
 
 #include <benchmark/benchmark.h>
 
 #include "bench/example_run.h"
+#include "components/saucy_obj.h"
 #include "components/schreier_sims.h"
+#include "components/schreier_tree.h"
 #include "engines/automorphism_search.h"
 #include "engines/graph_file.h"
 
@@ -15,14 +18,19 @@ const std::vector<Family> kFamilies = {
     {"star", {"N=50"}},
     {"star", {"N=200"}},
     {"philosophers", {"N=100"}},
+    {"philosophers", {"N=500"}},
     {"philosophers", {"N=1000"}},
     {"arms", {"N=100"}},
     {"routers", {"W=20", "H=20"}},
     {"wreath", {"M=10", "K=10"}},
     {"wreath", {"M=20", "K=10"}},
+    {"wreath", {"M=20", "K=20"}},
+    {"hypercube", {"d=7"}},
     {"hypercube", {"d=8"}},
     {"complete", {"K=20"}},
+    {"complete", {"K=36"}},
     {"clients_servers", {"K=10", "M=10"}},
+    {"clients_servers", {"K=20", "M=20"}},
     {"tandem", {"N=1000"}},
 };
 
@@ -34,15 +42,27 @@ void automorphisms(benchmark::State& state, const Family& family) {
 }
 
 void strong_generators(benchmark::State& state, const Family& family) {
-  ExampleRun example(family);
-  const SymmetryDetection& detector = example.run().detector();
-  const int n = static_cast<int>(detector.GraphNodes.size());
+  const ExampleRun example(family);
+  std::string file_name = example.graph_file();
+  saucy_obj search;
+  saucy_struct* graph = search.saucy_begin2(file_name.data());
+  search.saucy_init(graph);
+  search.saucy_search(graph);
+  search.saucy_end(graph);
+  const int n = search.generators.empty() ? 0 : search.generators.front().GetN();
   for (auto _ : state) {
-    SchreierSims chain(n, static_cast<int>(detector.OrigPermutations.size()));
-    if (!detector.SGSOrbitLengths.empty()) chain.SetKnownOrder(detector.SGSOrbitLengths);
+    SchreierSims chain(n, static_cast<int>(search.generators.size()));
+    chain.SetKnownOrder(search.orbit_lengths);
     std::vector<int> base;
-    benchmark::DoNotOptimize(chain.Go(detector.OrigPermutations, base).data());
+    SchreierTree trees;
+    trees.n = n;
+    trees.SetPerms(chain.Go(search.generators, base));
+    for (const int point : base) {
+      trees.CreateTree(point);
+      benchmark::DoNotOptimize(trees.CountPathPermutations());
+    }
   }
+  state.counters["vertices"] = n;
 }
 
 void whole_detection(benchmark::State& state, const Family& family) {
