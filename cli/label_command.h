@@ -18,8 +18,8 @@ struct LabelOptions {
 };
 
 // Text: a state per line in hexadecimal, two digits a byte; a label per line. A line that is no state is
-// reported with its number, gets no label, and makes the exit code kCheckFailed at the end; so do labels of which
-// it is not sure that they are exact.
+// reported with its number, gets no label, and makes the exit code kCheckFailed at the end; so do labels of
+// which it is not sure that they are exact.
 int run_label(const LabelOptions& options, const Streams& streams);
 
 }  // namespace symfold

@@ -67,8 +67,8 @@ class Exploration {
   // Called about ten times a second, and at the end; false interrupts.
   using Progress = std::function<bool(const ExplorationFigures&)>;
 
-  // Explores the whole state space for `labelling` null, else that of the representatives; the layout is in the
-  // order of the labelled state vector. Keeps references to all three.
+  // Explores the whole state space for `labelling` null, else that of the representatives; the layout is in
+  // the order of the labelled state vector. Keeps references to all three.
   Exploration(const ComposedModel& model, const StateLayout& layout, Labelling* labelling, bool keeps_matrix);
   Exploration(const Exploration&) = delete;
   Exploration& operator=(const Exploration&) = delete;
