@@ -15,12 +15,13 @@ namespace {
 // Generators that have passed the check, up to the limit.
 class CheckedGenerators {
  public:
-  CheckedGenerators(const ColouredGraph& graph, std::size_t most) : check_(graph), most_(most) {}
+  CheckedGenerators(const ColouredGraph& graph, std::size_t most)
+      : check_(graph), image_(graph.vertex_count(), -1), most_(most) {}
 
   // False where the moves are no automorphism, or too many have been given.
   bool add(SparsePermutation& moves) {
     if (list_.size() > most_ || !check_.is_automorphism(moves)) return false;
-    std::ranges::sort(moves, {}, &PointMove::point);
+    sort(moves);
     list_.push_back(moves);
     return true;
   }
@@ -29,7 +30,22 @@ class CheckedGenerators {
   std::vector<SparsePermutation> release() { return std::move(list_); }
 
  private:
+  // By point. Many moves are read off an array of all images.
+  void sort(SparsePermutation& moves) {
+    if (moves.size() < static_cast<std::size_t>(image_.size()) / 16) {
+      std::ranges::sort(moves, {}, &PointMove::point);
+      return;
+    }
+    for (const auto& [point, image] : moves) image_[point] = image;
+    moves.clear();
+    for (int point = 0; point < image_.size(); ++point) {
+      const int image = std::exchange(image_[point], -1);
+      if (image >= 0) moves.push_back({point, image});
+    }
+  }
+
   AutomorphismCheck check_;
+  PointVector<int> image_;  // -1 between calls
   std::size_t most_;
   std::vector<SparsePermutation> list_;
 };

@@ -1,6 +1,7 @@
 #include "engines/degree_reduction.h"
 
 #include <algorithm>
+#include <numeric>
 #include <ranges>
 #include <tuple>
 
@@ -183,8 +184,22 @@ void DegreeReduction::make_arcs() {
     arcs_.push_back({from, to, forwards, smallest, sequence, false});
     arcs_.push_back({to, from, shape_of(forest_, std::views::reverse(inner)), smallest, sequence, true});
   }
-  std::ranges::sort(
-      arcs_, {}, [](const Arc& arc) { return std::tuple(arc.from, arc.to, arc.shape, arc.smallest_vertex); });
+  sort_arcs();
+}
+
+// By counting those from each vertex, and then each stretch.
+void DegreeReduction::sort_arcs() {
+  first_arc_.assign(anchors_.size() + 1, 0);
+  for (const Arc& arc : arcs_) ++first_arc_[arc.from];
+  std::partial_sum(first_arc_.begin(), first_arc_.end(), first_arc_.begin());
+  std::vector<Arc> sorted(arcs_.size());
+  for (const Arc& arc : arcs_) sorted[static_cast<std::size_t>(--first_arc_[arc.from])] = arc;
+  arcs_.swap(sorted);
+  const auto is_before = [](const Arc& a, const Arc& b) {
+    return std::tie(a.to, a.shape, a.smallest_vertex) < std::tie(b.to, b.shape, b.smallest_vertex);
+  };
+  for (int v = 0; v < anchors_.size(); ++v)
+    std::sort(arcs_.begin() + first_arc_[v], arcs_.begin() + first_arc_[v + 1], is_before);
 }
 
 // All arcs between two vertices become one edge, whose weight is a number over their shapes.
@@ -285,8 +300,8 @@ bool DegreeReduction::exchange(int a, int b, bool is_reversed, const Use& use) {
 }
 
 std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, int to) const {
-  const auto [begin, end] = std::ranges::equal_range(
-      arcs_, std::pair(from, to), {}, [](const Arc& arc) { return std::pair(arc.from, arc.to); });
+  const std::span all(arcs_.begin() + first_arc_[from], arcs_.begin() + first_arc_[from + 1]);
+  const auto [begin, end] = std::ranges::equal_range(all, to, {}, &Arc::to);
   return {begin, end};
 }
 

@@ -84,6 +84,7 @@ class DegreeReduction {
   void hang_cycle(std::span<const int> vertices);
   void number_anchors();
   void make_arcs();
+  void sort_arcs();
   void make_reduced_graph();
 
   bool exchange_twins(int node, const Use& use);
@@ -101,10 +102,11 @@ class DegreeReduction {
   CoreChains chains_;
   std::vector<int> turning_loops_;
   std::vector<Cycle> cycles_;
-  PointVector<int> anchors_;  // by reduced number
-  PointVector<int> number_;   // of an anchor
-  std::vector<Arc> arcs_;     // by from, to, shape and smallest vertex
-  PointVector<int> image_;    // of reduced vertices; the identity between calls
+  PointVector<int> anchors_;    // by reduced number
+  PointVector<int> number_;     // of an anchor
+  std::vector<Arc> arcs_;       // by from, to, shape and smallest vertex
+  PointVector<int> first_arc_;  // per reduced vertex, and the number of all
+  PointVector<int> image_;      // of reduced vertices; the identity between calls
   ColouredGraph reduced_;
   SparsePermutation moves_;  // of the symmetry at hand
 };

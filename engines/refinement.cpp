@@ -1,6 +1,7 @@
 #include "engines/refinement.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "engines/spread.h"
@@ -105,7 +106,12 @@ void Refiner::count_edge_to(int v, std::uint64_t count) {
   }
 }
 
+// How many members are touched is compared first: that tells most nodes apart before anything is sorted.
 bool Refiner::split_touched_cells() {
+  std::uint64_t touched_hash = std::exchange(unsplit_hash_, 0);
+  for (const int cell : touched_cells_)
+    touched_hash += spread(place_and_count(cell, static_cast<std::uint64_t>(touched_[cell])));
+  if (!note(touched_hash)) return false;
   std::sort(touched_cells_.begin(), touched_cells_.end());
   for (const int cell : touched_cells_) {
     if (!split_by_count(cell)) return false;
@@ -126,7 +132,7 @@ bool Refiner::split_by_count(int cell) {
     unsplit_hash_ += spread(place_and_count(cell, fewest->first));
     return true;
   }
-  if (!is_even) std::sort(tail_.begin(), tail_.end());
+  if (!is_even) sort_tail(fewest->first, most->first);
   groups_.clear();
   int largest = 0;
   for (int begin = 0, i = 1; i <= static_cast<int>(tail_.size()); ++i) {
@@ -154,6 +160,21 @@ void Refiner::gather_tail(int cell, int length) {
     tail_.emplace_back(count_[v], v);
     count_[v] = 0;
   }
+}
+
+// By count. Few different counts are sorted by counting them.
+void Refiner::sort_tail(std::uint64_t fewest, std::uint64_t most) {
+  if (most - fewest >= tail_.size()) {
+    std::ranges::sort(tail_, {}, [](const auto& entry) { return entry.first; });
+    return;
+  }
+  const auto kind = [fewest](const auto& entry) { return static_cast<std::size_t>(entry.first - fewest); };
+  ends_.assign(static_cast<std::size_t>(most - fewest) + 1, 0);
+  for (const auto& entry : tail_) ++ends_[kind(entry)];
+  std::partial_sum(ends_.begin(), ends_.end(), ends_.begin());
+  sorted_tail_.resize(tail_.size());
+  for (const auto& entry : tail_) sorted_tail_[--ends_[kind(entry)]] = entry;
+  tail_.swap(sorted_tail_);
 }
 
 // Lays the groups out in ascending order of their counts behind the front, which is the untouched members

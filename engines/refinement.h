@@ -56,6 +56,7 @@ class Refiner {
   bool split_touched_cells();
   bool split_by_count(int cell);
   void gather_tail(int cell, int length);
+  void sort_tail(std::uint64_t fewest, std::uint64_t most);
   bool arrange_groups(int cell, int untouched);
   bool note(std::uint64_t event);
   void enqueue(int cell);
@@ -76,6 +77,8 @@ class Refiner {
   PointVector<int> touched_;          // per cell: members with a count; they stand at the cell's end
   std::vector<int> touched_cells_;    // the larger cells among them
   std::vector<int> splitter_members_;
+  std::vector<std::size_t> ends_;  // of the stretches of equal count
+  std::vector<std::pair<std::uint64_t, int>> sorted_tail_;
   std::vector<std::pair<std::uint64_t, int>> tail_;  // (count, vertex) of the members being split
   std::vector<std::pair<int, int>> groups_;          // stretches of equal count in tail_: begin and end
   std::uint64_t unsplit_hash_ = 0;  // commutative, over the touched cells and parts that keep their place
