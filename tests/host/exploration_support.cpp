@@ -11,19 +11,12 @@
 namespace symfold {
 namespace {
 
-// Detects in a directory that is removed at once: all tables are in memory.
-class DirectoryOfRun {
+// All tables are in memory: the files are removed at once.
+class RemovedDirectory {
  public:
-  DirectoryOfRun()
-      : path_(std::filesystem::temp_directory_path() / ("symfold-fold-" + std::to_string(getpid()))) {}
-  ~DirectoryOfRun() { std::filesystem::remove_all(path_); }
-  DirectoryOfRun(const DirectoryOfRun&) = delete;
-  DirectoryOfRun& operator=(const DirectoryOfRun&) = delete;
-
-  std::string name() const { return path_.string(); }
-
- private:
-  std::filesystem::path path_;
+  ~RemovedDirectory() { std::filesystem::remove_all(path); }
+  const std::string path =
+      std::filesystem::temp_directory_path() / ("symfold-fold-" + std::to_string(getpid()));
 };
 
 }  // namespace
@@ -72,7 +65,7 @@ Explored explored(const ComposedModel& model) { return explored(model, StateLayo
 
 Folding::Folding(const ComposedModel& model)
     : model_(model),
-      run_(model, DirectoryOfRun().name(), false),
+      run_(model, RemovedDirectory().path, false),
       layout_(model, run_.detector().SSOrder),
       greedy_(run_.detector()),
       exact_(run_.detector()) {}

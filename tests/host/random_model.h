@@ -8,8 +8,8 @@
 namespace symfold {
 
 // The text of a model that can be read: a few submodels of two types with parameters, every kind of variable,
-// joins of one or several members, and labels and rewards with quantifiers inside one another. Some models
-// have errors that show only in a state.
+// joins of one or several members, and labels and rewards with quantifiers inside one another. Some types
+// have too many local states to be numbered; some models have errors that show only in a state.
 std::string random_model(unsigned seed);
 
 }  // namespace symfold

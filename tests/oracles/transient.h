@@ -1,4 +1,4 @@
-// Probabilities of a Markov chain by repeated steps of its uniformised chain.
+// Probabilities of a Markov chain by steps of its uniformised chain (A. Jensen, 1953).
 
 #ifndef SYMFOLD_TESTS_ORACLES_TRANSIENT_H
 #define SYMFOLD_TESTS_ORACLES_TRANSIENT_H
@@ -9,18 +9,11 @@
 
 namespace symfold::oracle {
 
-// By state; a chain starts in state 0.
-using Distribution = std::vector<double>;
-
-// More than any state is left with.
-double uniform_rate(const RateMatrix& matrix);
-
-// At a time, to 14 digits. Precondition: rate * time is at most 700. A. Jensen, 1953.
-Distribution transient(const RateMatrix& matrix, double rate, double time);
-
-// In the long run: steps until one moves less than 1e-14 of the probability. `steps` says how many there
-// were.
-Distribution long_run(const RateMatrix& matrix, double rate, std::size_t& steps);
+// The probabilities of the states at a time, to 14 digits, and in the long run, when steps move less than
+// 1e-14. The chain starts in state 0; no state is left at a higher rate than `rate`, and rate * time is at
+// most 700.
+std::vector<double> transient(const RateMatrix& matrix, double rate, double time);
+std::vector<double> long_run(const RateMatrix& matrix, double rate);
 
 }  // namespace symfold::oracle
 
