@@ -159,9 +159,10 @@ NamedGraph wreath(int size) {
   return {"wreath M=K=" + std::to_string(racks), std::move(composition).finish()};
 }
 
+// The largest whose graph is not above the size.
 int hypercube_dimension(int size) {
   int dimension = 1;
-  while ((1 << dimension) * (5 + 3 * dimension) / 4 < size) ++dimension;
+  while ((2 << dimension) * (5 + 3 * dimension) / 2 <= size) ++dimension;
   return dimension;
 }
 

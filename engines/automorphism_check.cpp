@@ -5,23 +5,22 @@
 namespace symfold {
 
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
-    : graph_(graph),
-      image_(identity_images(graph.vertex_count())),
-      is_image_(graph.vertex_count(), 0),
-      count_(graph.vertex_count(), 0) {}
+    : graph_(graph), roles_(graph.vertex_count()), count_(graph.vertex_count(), 0) {
+  for (int v = 0; v < roles_.size(); ++v) roles_[v] = {v, false};
+}
 
 // Points do not occur twice, so the moves are a permutation where every moved point is an image.
 bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
   for (const auto& [point, image] : moves) {
-    image_[point] = image;
-    is_image_[image] = 1;
+    roles_[point].image = image;
+    roles_[image].is_image = true;
   }
   const bool is_kept = std::ranges::all_of(moves, [this](PointMove move) {
-    return is_image_[move.point] != 0 && move.point != move.image && keeps_edges(move);
+    return roles_[move.point].is_image && move.point != move.image && keeps_edges(move);
   });
   for (const auto& [point, image] : moves) {
-    image_[point] = point;
-    is_image_[image] = 0;
+    roles_[point].image = point;
+    roles_[image].is_image = false;
   }
   return is_kept;
 }
@@ -35,9 +34,9 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
       graph_.loops(move.point) != graph_.loops(move.image) || neighbours.size() != expected.size()) {
     return false;
   }
-  if (neighbours.size() == 1 && !graph_.has_weights()) return image_[neighbours[0]] == expected[0];
+  if (neighbours.size() == 1 && !graph_.has_weights()) return roles_[neighbours[0]].image == expected[0];
   if (neighbours.size() == 2 && !graph_.has_weights()) {
-    const auto images = std::minmax(image_[neighbours[0]], image_[neighbours[1]]);
+    const auto images = std::minmax(roles_[neighbours[0]].image, roles_[neighbours[1]].image);
     return images == std::minmax(expected[0], expected[1]);
   }
   const auto weights = graph_.weights(move.point);
@@ -46,10 +45,10 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
     return list.empty() ? 1 : list[i];
   };
   for (std::size_t i = 0; i < expected.size(); ++i) count_[expected[i]] += weight(expected_weights, i);
-  for (std::size_t i = 0; i < expected.size(); ++i) count_[image_[neighbours[i]]] -= weight(weights, i);
+  for (std::size_t i = 0; i < expected.size(); ++i) count_[roles_[neighbours[i]].image] -= weight(weights, i);
   const bool is_kept = std::ranges::all_of(expected, [this](int v) { return count_[v] == 0; });
   for (const int v : expected) count_[v] = 0;
-  for (const int v : neighbours) count_[image_[v]] = 0;
+  for (const int v : neighbours) count_[roles_[v].image] = 0;
   return is_kept;
 }
 

@@ -25,8 +25,12 @@ class AutomorphismCheck {
   bool keeps_edges(PointMove move);
 
   const ColouredGraph& graph_;
-  PointVector<int> image_;            // the identity between calls
-  PointVector<char> is_image_;        // zero between calls
+  struct Role {
+    int image;
+    bool is_image;  // of a moved point
+  };
+
+  PointVector<Role> roles_;           // of a point that is not moved, between calls
   PointVector<std::uint64_t> count_;  // zero between calls
 };
 

@@ -10,11 +10,12 @@ namespace symfold {
 // positions that the stretch covers.
 int least_rotation(std::span<const std::uint64_t> entries) {
   const std::size_t n = entries.size();
+  const auto entry = [&](std::size_t i) { return entries[i < n ? i : i - n]; };
   std::size_t a = 0;
   std::size_t b = 1;
   for (std::size_t equal = 0; a < n && b < n && equal < n;) {
-    const std::uint64_t at_a = entries[(a + equal) % n];
-    const std::uint64_t at_b = entries[(b + equal) % n];
+    const std::uint64_t at_a = entry(a + equal);
+    const std::uint64_t at_b = entry(b + equal);
     if (at_a == at_b) {
       ++equal;
       continue;

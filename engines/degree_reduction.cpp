@@ -296,7 +296,10 @@ bool DegreeReduction::turn_cycle(const Cycle& cycle, const Use& use) {
 
 bool DegreeReduction::exchange(int a, int b, bool is_reversed, const Use& use) {
   moves_.clear();
-  return forest_.carry(a, b, moves_, is_reversed) && forest_.carry(b, a, moves_, is_reversed) && use(moves_);
+  if (!forest_.carry(a, b, moves_, is_reversed)) return false;
+  for (std::size_t i = 0, there = moves_.size(); i < there; ++i)
+    moves_.push_back({moves_[i].image, moves_[i].point});
+  return use(moves_);
 }
 
 std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, int to) const {

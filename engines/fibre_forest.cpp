@@ -7,49 +7,40 @@
 namespace symfold {
 
 FibreForest::FibreForest(const ColouredGraph& graph)
-    : vertex_count_(graph.vertex_count()),
-      own_(vertex_count_),
-      hanging_(vertex_count_, 0),
-      is_sequence_(vertex_count_, 0),
-      smallest_(identity_images(vertex_count_)),
-      parent_(vertex_count_, -1),
-      first_(vertex_count_, 0),
-      length_(vertex_count_, 0) {
-  for (int v = 0; v < vertex_count_; ++v) own_[v] = spread(graph.colour(v), graph.loops(v));
+    : vertex_count_(graph.vertex_count()), nodes_(vertex_count_) {
+  for (int v = 0; v < vertex_count_; ++v) {
+    nodes_[v].own = spread(graph.colour(v), graph.loops(v));
+    nodes_[v].smallest = v;
+  }
 }
 
-Shape FibreForest::shape(int node) const { return spread(own_[node] + hanging_[node]); }
+Shape FibreForest::shape(int node) const { return spread(nodes_[node].own + nodes_[node].hanging); }
 
 int FibreForest::add_set() {
-  own_.push_back(0);
-  hanging_.push_back(0);
-  is_sequence_.push_back(0);
-  smallest_.push_back(vertex_count_);
-  parent_.push_back(-1);
-  first_.push_back(0);
-  length_.push_back(0);
+  nodes_.push_back({.smallest = vertex_count_});
   return node_count() - 1;
 }
 
 int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
   const int node = add_set();
-  own_[node] = shape;
-  is_sequence_[node] = 1;
-  first_[node] = static_cast<int>(parts_.size());
-  length_[node] = static_cast<int>(members.size());
+  nodes_[node].own = shape;
+  nodes_[node].is_sequence = true;
+  nodes_[node].first = static_cast<int>(parts_.size());
+  nodes_[node].length = static_cast<int>(members.size());
   parts_.insert(parts_.end(), members.begin(), members.end());
   for (const int member : members) {
-    smallest_[node] = std::min(smallest_[node], smallest_[member]);
-    parent_[member] = node;
+    nodes_[node].smallest = std::min(nodes_[node].smallest, nodes_[member].smallest);
+    nodes_[member].parent = node;
   }
   return node;
 }
 
 void FibreForest::hang(int child, int parent) {
-  hanging_[parent] += spread(shape(child) + 1);
-  smallest_[parent] = std::min(smallest_[parent], smallest_[child]);
-  parent_[child] = parent;
-  ++length_[parent];
+  Node& above = nodes_[parent];
+  above.hanging += spread(shape(child) + 1);
+  above.smallest = std::min(above.smallest, nodes_[child].smallest);
+  ++above.length;
+  nodes_[child].parent = parent;
 }
 
 // The parts come in the order of their smallest vertices when each vertex is followed up to the largest node
@@ -59,49 +50,46 @@ void FibreForest::arrange() {
   PointVector<int> end(node_count());  // of the parts placed so far
   for (int node = 0; node < node_count(); ++node) {
     if (is_sequence(node)) continue;
-    first_[node] = end[node] = total;
-    total += length_[node];
+    nodes_[node].first = end[node] = total;
+    total += nodes_[node].length;
   }
   parts_.resize(static_cast<std::size_t>(total));
   for (int v = 0; v < vertex_count_; ++v) {
-    for (int node = v; smallest_[node] == v && parent_[node] >= 0; node = parent_[node]) {
-      if (!is_sequence(parent_[node])) parts_[static_cast<std::size_t>(end[parent_[node]]++)] = node;
+    for (int node = v; nodes_[node].smallest == v && nodes_[node].parent >= 0; node = nodes_[node].parent) {
+      if (!is_sequence(nodes_[node].parent))
+        parts_[static_cast<std::size_t>(end[nodes_[node].parent]++)] = node;
     }
   }
   for (int node = 0; node < node_count(); ++node) {
-    if (!is_sequence(node) && length_[node] > 1) sort_parts(node);
+    if (!is_sequence(node) && nodes_[node].length > 1) sort_parts(node);
   }
 }
 
 void FibreForest::sort_parts(int node) {
-  const auto begin = parts_.begin() + first_[node];
+  const auto begin = parts_.begin() + nodes_[node].first;
   const auto is_before = [this](int a, int b) { return shape(a) < shape(b); };
-  if (!std::is_sorted(begin, begin + length_[node], is_before))
-    std::stable_sort(begin, begin + length_[node], is_before);
+  if (!std::is_sorted(begin, begin + nodes_[node].length, is_before))
+    std::stable_sort(begin, begin + nodes_[node].length, is_before);
 }
 
 bool FibreForest::carry(int from, int to, SparsePermutation& moves, bool is_reversed) {
-  pending_.clear();
-  bool is_alike = (from == to && !is_reversed) || carry_parts(from, to, is_reversed);
-  if (from != to && from < vertex_count_ && to < vertex_count_) moves.push_back({from, to});
-  while (is_alike && !pending_.empty()) {
+  if (from == to && !is_reversed) return true;
+  pending_.assign(1, {from, to});
+  bool is_alike = true;
+  for (; is_alike && !pending_.empty(); is_reversed = false) {
     const auto [a, b] = pending_.back();
     pending_.pop_back();
-    if (a == b) continue;
-    is_alike = (a < vertex_count_) == (b < vertex_count_) && carry_parts(a, b, false);
+    is_alike = (a < vertex_count_) == (b < vertex_count_) && nodes_[a].length == nodes_[b].length;
+    if (!is_alike) break;
     if (a < vertex_count_) moves.push_back({a, b});
+    const auto parts_a = parts(a);
+    const auto parts_b = parts(b);
+    for (std::size_t i = 0; i < parts_a.size(); ++i) {
+      const int part = parts_b[is_reversed ? parts_b.size() - 1 - i : i];
+      if (parts_a[i] != part) pending_.emplace_back(parts_a[i], part);
+    }
   }
   return is_alike;
-}
-
-bool FibreForest::carry_parts(int from, int to, bool is_reversed) {
-  const auto parts_from = parts(from);
-  const auto parts_to = parts(to);
-  if (parts_from.size() != parts_to.size()) return false;
-  for (std::size_t i = 0; i < parts_from.size(); ++i) {
-    pending_.emplace_back(parts_from[i], parts_to[is_reversed ? parts_to.size() - 1 - i : i]);
-  }
-  return true;
 }
 
 }  // namespace symfold

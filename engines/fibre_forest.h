@@ -35,10 +35,10 @@ class FibreForest {
   // Every vertex is a node of its own number, with nothing hanging from it.
   explicit FibreForest(const ColouredGraph& graph);
 
-  int node_count() const { return own_.size(); }
+  int node_count() const { return nodes_.size(); }
   Shape shape(int node) const;
-  bool is_sequence(int node) const { return is_sequence_[node] != 0; }
-  int smallest_vertex(int node) const { return smallest_[node]; }  // the vertex count in an empty set
+  bool is_sequence(int node) const { return nodes_[node].is_sequence; }
+  int smallest_vertex(int node) const { return nodes_[node].smallest; }  // the vertex count in an empty set
 
   int add_set();
 
@@ -53,7 +53,7 @@ class FibreForest {
 
   // The parts of a vertex or set, arranged.
   std::span<const int> parts(int node) const {
-    return {parts_.data() + first_[node], static_cast<std::size_t>(length_[node])};
+    return {parts_.data() + nodes_[node].first, static_cast<std::size_t>(nodes_[node].length)};
   }
 
   // Appends the moves that carry all vertices of one node to those of another one of the same shape; none
@@ -63,17 +63,20 @@ class FibreForest {
   bool carry(int from, int to, SparsePermutation& moves, bool is_reversed = false);
 
  private:
-  bool carry_parts(int from, int to, bool is_reversed);
   void sort_parts(int node);
 
+  struct Node {
+    Shape own = 0;      // of a vertex, its colour and loops; of a sequence, its members
+    Shape hanging = 0;  // a sum over the parts
+    int smallest = 0;   // vertex
+    int parent = -1;
+    int first = 0;  // of its parts in parts_
+    int length = 0;
+    bool is_sequence = false;
+  };
+
   int vertex_count_;
-  PointVector<Shape> own_;      // of a vertex, its colour and loops; of a sequence, its members
-  PointVector<Shape> hanging_;  // a sum over the parts
-  PointVector<char> is_sequence_;
-  PointVector<int> smallest_;
-  PointVector<int> parent_;  // -1 for none
-  PointVector<int> first_;   // of the node's parts in parts_
-  PointVector<int> length_;
+  PointVector<Node> nodes_;
   std::vector<int> parts_;
   std::vector<std::pair<int, int>> pending_;  // nodes still to be carried
 };
