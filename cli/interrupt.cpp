@@ -13,7 +13,7 @@ InterruptWatch::InterruptWatch() {
   g_interrupted = 0;
   struct sigaction action {};
   action.sa_handler = note_interrupt;
-  action.sa_flags = SA_RESETHAND;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
   sigaction(SIGINT, &action, &before_);
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <ranges>
 #include <tuple>
 
 #include "engines/cyclic_sequence.h"
@@ -11,11 +10,19 @@
 namespace symfold {
 namespace {
 
-template <std::ranges::range Nodes>
-Shape shape_of(const FibreForest& forest, const Nodes& nodes) {
+template <class Iterator>
+Shape shape_of(const FibreForest& forest, Iterator begin, Iterator end) {
   Shape shape = 0;
-  for (const int node : nodes) shape = spread(shape + forest.shape(node));
+  for (; begin != end; ++begin) shape = spread(shape + forest.shape(*begin));
   return shape;
+}
+
+Shape forward_shape(const FibreForest& forest, std::span<const int> nodes) {
+  return shape_of(forest, nodes.begin(), nodes.end());
+}
+
+Shape backward_shape(const FibreForest& forest, std::span<const int> nodes) {
+  return shape_of(forest, nodes.rbegin(), nodes.rend());
 }
 
 int middle(std::span<const int> vertices) { return vertices[vertices.size() / 2]; }
@@ -96,8 +103,8 @@ void DegreeReduction::keep_middles() {
   const auto turning_shape = [this](const CoreChains::Chain& chain) {
     const auto inner = chains_.inner_vertices(chain);
     if (inner.size() % 2 == 0 || chain.from == chain.to) return Shape{0};
-    const Shape shape = shape_of(forest_, inner);
-    return shape == shape_of(forest_, std::views::reverse(inner)) ? shape : 0;
+    const Shape shape = forward_shape(forest_, inner);
+    return shape == backward_shape(forest_, inner) ? shape : 0;
   };
   std::vector<Shape> kept;
   for (const CoreChains::Chain& chain : chains_.chains()) {
@@ -123,8 +130,8 @@ void DegreeReduction::hang_loops() {
     if (chain.from != chain.to) continue;
     const auto inner = chains_.inner_vertices(chain);
     std::vector<int> members(inner.begin(), inner.end());
-    const Shape forwards = shape_of(forest_, inner);
-    const Shape backwards = shape_of(forest_, std::views::reverse(inner));
+    const Shape forwards = forward_shape(forest_, inner);
+    const Shape backwards = backward_shape(forest_, inner);
     if (backwards < forwards) std::ranges::reverse(members);
     const int loop = forest_.add_sequence(members, std::min(forwards, backwards));
     if (forwards == backwards) turning_loops_.push_back(loop);
@@ -141,17 +148,17 @@ void DegreeReduction::hang_cycle(std::span<const int> vertices) {
   std::vector<Shape> reversed(shapes.rbegin(), shapes.rend());
   const int start = least_rotation(shapes);
   const int reversed_start = least_rotation(reversed);
-  std::ranges::rotate(shapes, shapes.begin() + start);
-  std::ranges::rotate(reversed, reversed.begin() + reversed_start);
+  std::rotate(shapes.begin(), shapes.begin() + start, shapes.end());
+  std::rotate(reversed.begin(), reversed.begin() + reversed_start, reversed.end());
   int reflection = -1;
   if (reversed < shapes) {
     std::ranges::reverse(members);
-    std::ranges::rotate(members, members.begin() + reversed_start);
+    std::rotate(members.begin(), members.begin() + reversed_start, members.end());
   } else {
-    std::ranges::rotate(members, members.begin() + start);
+    std::rotate(members.begin(), members.begin() + start, members.end());
     if (reversed == shapes) reflection = (2 * length - 1 - start - reversed_start) % length;
   }
-  const int node = forest_.add_sequence(members, shape_of(forest_, members) + 1);
+  const int node = forest_.add_sequence(members, forward_shape(forest_, members) + 1);
   cycles_.push_back({node, cyclic_period(shapes), reflection});
   forest_.hang(node, components_);
 }
@@ -176,13 +183,13 @@ void DegreeReduction::make_arcs() {
   for (const CoreChains::Chain& chain : chains_.chains()) {
     if (chain.from == chain.to) continue;
     const auto inner = chains_.inner_vertices(chain);
-    const Shape forwards = shape_of(forest_, inner);
+    const Shape forwards = forward_shape(forest_, inner);
     const int sequence = inner.empty() ? -1 : forest_.add_sequence(inner, forwards);
     const int smallest = inner.empty() ? graph_.vertex_count() : forest_.smallest_vertex(sequence);
     const int from = number_[chain.from];
     const int to = number_[chain.to];
     arcs_.push_back({from, to, forwards, smallest, sequence, false});
-    arcs_.push_back({to, from, shape_of(forest_, std::views::reverse(inner)), smallest, sequence, true});
+    arcs_.push_back({to, from, backward_shape(forest_, inner), smallest, sequence, true});
   }
   sort_arcs();
 }
@@ -304,7 +311,8 @@ bool DegreeReduction::exchange(int a, int b, bool is_reversed, const Use& use) {
 
 std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, int to) const {
   const std::span all(arcs_.begin() + first_arc_[from], arcs_.begin() + first_arc_[from + 1]);
-  const auto [begin, end] = std::ranges::equal_range(all, to, {}, &Arc::to);
+  const auto begin = std::ranges::lower_bound(all, to, {}, &Arc::to);
+  const auto end = std::ranges::upper_bound(begin, all.end(), to, {}, &Arc::to);
   return {begin, end};
 }
 
