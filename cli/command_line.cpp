@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "cli/detect_command.h"
+#include "cli/draw_command.h"
 #include "cli/exit_codes.h"
 #include "cli/explore_command.h"
 #include "cli/label_command.h"
@@ -70,6 +71,19 @@ struct Commands {
       command = [this, streams] { return run_explore(explore, streams); };
     });
 
+    CLI::App* draw_app =
+        app.add_subcommand("draw", "Draw how a model is composed, coloured by its symmetries");
+    add_model_input(*draw_app, draw.input);
+    draw_app->add_option("-o,--output", draw.output,
+                         "NAME.dot or NAME.svg; both are written (default: the model's name)");
+    draw_app->add_flag("--collapse", draw.collapse, "A node for each orbit, as is done for large models");
+    draw_app->callback([this, streams] {
+      if (const std::string conflict = conflict_in(draw); !conflict.empty()) {
+        throw CLI::ValidationError(conflict);
+      }
+      command = [this, streams] { return run_draw(draw, streams); };
+    });
+
     CLI::App* label_app = app.add_subcommand("label", "Map states to their canonical labels");
     label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model")->required();
     label_app->add_option("FILE", label.states, "States, one per line in hexadecimal; - is standard input");
@@ -88,6 +102,7 @@ struct Commands {
 
   CLI::App app{"symfold finds the symmetries of composed models and folds their state spaces", "symfold"};
   DetectOptions detect;
+  DrawOptions draw;
   ExploreOptions explore;
   LabelOptions label;
   ShowOptions show;
