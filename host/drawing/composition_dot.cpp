@@ -27,7 +27,7 @@ std::string quoted(std::string_view text) {
   return result + '"';
 }
 
-// Of the submodels, or of the joins with room for a name on either side, as the longest text needs; in inches.
+// Of the submodels, or of the joins with room for a name on either side, as the longest needs; in inches.
 double widest(const DrawnGraph& graph, bool joins) {
   std::size_t longest = 0;
   for (std::size_t i = 0; i < graph.nodes.size(); ++i) {
