@@ -14,8 +14,6 @@
 
 #include "host/new_file.h"
 
-extern char** environ;
-
 namespace symfold {
 namespace {
 
