@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engines/automorphism_check.h"
+#include "engines/hashed_refinement.h"
 #include "engines/ordered_partition.h"
 #include "engines/paired_descent.h"
 #include "engines/partial_image.h"
@@ -194,6 +195,7 @@ class PathSearch {
 }  // namespace
 
 AutomorphismGroup search_paths(const ColouredGraph& graph, const SearchLimits& limits) {
+  if (is_rigid_by_hashes(graph)) return {};
   return PathSearch(graph, limits).run();
 }
 
