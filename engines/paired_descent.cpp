@@ -11,18 +11,27 @@ PairedDescent::PairedDescent(const ColouredGraph& graph, const OrderedPartition&
     : left_(end), left_refiner_(graph, left_), right_(right), right_refiner_(right_refiner) {}
 
 void PairedDescent::return_to(int splits, int vertex) {
-  left_.undo(splits);
+  base_splits_ = splits;
+  vertex_ = vertex;
+  is_entered_ = false;
+}
+
+void PairedDescent::enter() {
+  if (std::exchange(is_entered_, true)) {
+    left_.undo(level_splits_);
+  } else {
+    left_.undo(base_splits_);
+    left_refiner_.individualise_and_record(vertex_, trace_);
+    level_splits_ = left_.split_count();
+  }
   trace_.clear();
-  left_refiner_.individualise_and_record(vertex, trace_);
-  level_splits_ = left_.split_count();
+  steps_.clear();
 }
 
 PairedDescent::Answer PairedDescent::run(int first_split, int most_failures,
                                          const std::function<bool(bool is_last)>& attempt) {
   if (most_failures == 0) return Answer::kOpen;
-  left_.undo(level_splits_);
-  trace_.clear();
-  steps_.clear();
+  enter();
   int failures = 0;
   for (int split = first_split; split < right_.split_count();) {
     const auto [on_left, on_right] = differing_pair(right_.split_at(split).start);

@@ -34,7 +34,7 @@ class PairedDescent {
 
   const OrderedPartition& left() const { return left_; }
 
-  // Puts the left side back to its first splits and individualises v(i).
+  // Tells the level: the left side's first splits, and v(i). Each has fewer splits than the one before.
   void return_to(int splits, int vertex);
 
   // From the node where w has been individualised on the right, which had first_split splits before.
@@ -54,6 +54,7 @@ class PairedDescent {
     std::size_t trace_end;
   };
 
+  void enter();
   bool take_step(int split, int on_left, int on_right);
   bool compare(const Step& step, int candidate);
   int next_candidate();
@@ -65,7 +66,12 @@ class PairedDescent {
   Refiner& right_refiner_;
   Trace trace_;  // of the steps, one after the other
   std::vector<Step> steps_;
-  int level_splits_ = 0;
+
+  // The level. The first descent from it individualises v(i), since many levels have none.
+  int base_splits_ = 0;
+  int vertex_ = -1;
+  bool is_entered_ = false;
+  int level_splits_ = 0;  // once v(i) has been individualised
 };
 
 }  // namespace symfold

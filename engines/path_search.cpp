@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <span>
 #include <tuple>
 #include <utility>
 
 #include "engines/automorphism_check.h"
+#include "engines/ball_hashes.h"
 #include "engines/hashed_refinement.h"
 #include "engines/ordered_partition.h"
 #include "engines/paired_descent.h"
@@ -32,8 +34,12 @@ struct Level {
 
 class PathSearch {
  public:
-  PathSearch(const ColouredGraph& graph, const SearchLimits& limits)
-      : partition_(graph.vertex_count()),
+  // All must outlive this. `keys` are colours, or finer.
+  PathSearch(const ColouredGraph& graph, BallHashes& balls, PointVector<std::uint64_t>& keys,
+             const SearchLimits& limits)
+      : balls_(balls),
+        keys_(keys),
+        partition_(graph.vertex_count()),
         refiner_(graph, partition_),
         end_(follow_first_path()),
         descent_(graph, end_, partition_, refiner_),
@@ -42,9 +48,10 @@ class PathSearch {
         orbits_(graph.vertex_count()),
         limits_(limits) {}
 
-  AutomorphismGroup run() {
+  // Nothing where so much failed that the keys have been made finer, to begin anew with them.
+  std::optional<AutomorphismGroup> run() {
     for (int i = levels_.size() - 1; i >= 0 && group_.is_complete; --i) {
-      explore_level(i);
+      if (!explore_level(i)) return std::nullopt;
       if (levels_[i].orbit_length == 1) continue;
       group_.base.push_back(levels_[i].vertex);
       group_.orbit_lengths.push_back(levels_[i].orbit_length);
@@ -57,7 +64,7 @@ class PathSearch {
  private:
   // Vertices that stand alone stay alone, so the smallest one that does not is never below the last.
   const OrderedPartition& follow_first_path() {
-    refiner_.refine_by_colour();
+    refiner_.refine_by(keys_);
     for (int v = 0; !partition_.is_discrete(); ++v) {
       const int cell = partition_.cell_of(v);
       if (partition_.length(cell) == 1) continue;
@@ -71,7 +78,8 @@ class PathSearch {
   // The members of the cell are read off the first path's final order, where later splits have only permuted
   // them inside the cell. From the back: there stand v(i), then the parts that refinement told apart from the
   // rest, and the largest part last, so that a level whose cell is mostly one orbit ends early.
-  void explore_level(int i) {
+  // False where the keys have been made finer.
+  bool explore_level(int i) {
     Level& level = levels_[i];
     const int failed =
         levels_.size() - i;  // marks this level's failed classes, above all marks of earlier levels
@@ -80,13 +88,26 @@ class PathSearch {
       if (orbits_.size_of_class(level.vertex) == level.length) break;
       const int v = end_.vertex_at(position);
       if (orbits_.find(v) == orbits_.find(level.vertex) || orbits_.mark_of_class(v) == failed) continue;
-      if (!find_image(i, orbits_.largest_of_class(v))) orbits_.mark_class(v, failed);
+      const std::size_t work = refiner_.work();
+      if (!find_image(i, orbits_.largest_of_class(v))) {
+        orbits_.mark_class(v, failed);
+        failed_work_ += refiner_.work() - work;
+        if (has_finer_keys()) return false;
+      }
       if (group_.generators.size() > limits_.generators) {
         group_.is_complete = false;
         break;
       }
     }
     level.orbit_length = orbits_.size_of_class(level.vertex);
+    return true;
+  }
+
+  bool has_finer_keys() {
+    if (!balls_.is_due(failed_work_)) return false;
+    OrderedPartition cells = end_;
+    cells.undo(levels_[0].splits);
+    return balls_.split(cells, failed_work_, keys_);
   }
 
   // Whether an automorphism fixes the vertices of the levels above `top` and carries that of `top` to w. If
@@ -95,11 +116,11 @@ class PathSearch {
     next_attempt_ = 0;
     partition_.undo(levels_[top].splits);
     if (!enter(top, w)) return false;
+    if (attempt_generator(end_, top, true)) return true;
+    if (levels_.size() == top + 1) return false;
     const auto attempt = [this, top](bool is_last) {
       return attempt_generator(descent_.left(), top, is_last);
     };
-    if (attempt(true)) return true;
-    if (levels_.size() == top + 1) return false;
     switch (descent_.run(levels_[top].splits, limits_.descent_failures, attempt)) {
       case PairedDescent::Answer::kFound:
         return true;
@@ -177,6 +198,8 @@ class PathSearch {
     return {-1, -1};
   }
 
+  BallHashes& balls_;
+  PointVector<std::uint64_t>& keys_;
   PointVector<Level> levels_;
   Trace trace_;                 // of the first path
   OrderedPartition partition_;  // the right side
@@ -190,13 +213,18 @@ class PathSearch {
   SearchLimits limits_;
   SparsePermutation moves_;  // the current guess
   int next_attempt_ = 0;     // number of splits
+  std::size_t failed_work_ = 0;
 };
 
 }  // namespace
 
 AutomorphismGroup search_paths(const ColouredGraph& graph, const SearchLimits& limits) {
   if (is_rigid_by_hashes(graph)) return {};
-  return PathSearch(graph, limits).run();
+  BallHashes balls(graph);
+  PointVector<std::uint64_t> keys = colour_keys(graph);
+  for (;;) {
+    if (auto group = PathSearch(graph, balls, keys, limits).run()) return *std::move(group);
+  }
 }
 
 }  // namespace symfold

@@ -21,6 +21,10 @@
 // descending along the first path's levels alone, which is quadratic where the numbering interleaves the
 // parts that are exchanged, as in trees numbered level by level.
 //
+// No path where none is needed. Most graphs without symmetry are recognised before (hashed_refinement.h). And
+// where candidates keep failing, which in a random regular graph would be nearly all vertices, what they have
+// around them is looked at instead (ball_hashes.h), and the search begins anew with smaller cells.
+//
 // Example: a star with leaves 0 .. 3 around 4. First path 0, 1, 2. Level 2 finds (2 3), level 1 (1 3), level
 // 0 (0 3): the largest vertex of a class stands for it, so 3 takes part in all of them, and every leaf is two
 // steps from every other.

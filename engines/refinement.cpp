@@ -18,6 +18,14 @@ std::uint64_t place_and_count(int place, std::uint64_t count) {
 std::uint64_t count_of(std::uint64_t weight) { return 1 + (weight & 0xffffffff); }
 
 }  // namespace
+
+PointVector<std::uint64_t> colour_keys(const ColouredGraph& graph) {
+  PointVector<std::uint64_t> keys(graph.vertex_count());
+  for (int v = 0; v < keys.size(); ++v)
+    keys[v] = place_and_count(graph.colour(v), static_cast<std::uint64_t>(graph.loops(v)));
+  return keys;
+}
+
 Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
     : graph_(graph),
       partition_(partition),
@@ -25,14 +33,13 @@ Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
       count_(graph.vertex_count(), 0),
       touched_(graph.vertex_count(), 0) {}
 
-void Refiner::refine_by_colour() {
-  const int n = graph_.vertex_count();
-  std::vector<std::pair<std::pair<int, int>, int>> order;
-  order.reserve(static_cast<std::size_t>(n));
-  for (int v = 0; v < n; ++v) order.push_back({{graph_.colour(v), graph_.loops(v)}, v});
-  std::sort(order.begin(), order.end());
+void Refiner::refine_by(const PointVector<std::uint64_t>& keys) {
+  std::vector<std::pair<std::uint64_t, int>> order;
+  order.reserve(static_cast<std::size_t>(keys.size()));
+  for (int v = 0; v < keys.size(); ++v) order.emplace_back(keys[v], v);
+  if (!std::is_sorted(order.begin(), order.end())) std::sort(order.begin(), order.end());
   PointVector<int> starts;
-  for (int position = 0; position < n; ++position) {
+  for (int position = 0; position < keys.size(); ++position) {
     const auto& [key, v] = order[static_cast<std::size_t>(position)];
     partition_.place(v, position);
     if (position == 0 || key != order[static_cast<std::size_t>(position) - 1].first)
@@ -85,6 +92,7 @@ bool Refiner::apply_splitter(int splitter) {
   unsplit_hash_ = 0;
   for (const int v : splitter_members_) {
     const auto neighbours = graph_.neighbours(v);
+    work_ += neighbours.size();
     if (graph_.has_weights()) {
       const auto weights = graph_.weights(v);
       for (std::size_t i = 0; i < neighbours.size(); ++i) count_edge_to(neighbours[i], count_of(weights[i]));

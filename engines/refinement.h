@@ -32,13 +32,16 @@ namespace symfold {
 
 using Trace = std::vector<std::uint64_t>;
 
+// Keys that tell vertices of different colours or loop counts apart.
+PointVector<std::uint64_t> colour_keys(const ColouredGraph& graph);
+
 class Refiner {
  public:
   // Both must outlive the refiner.
   Refiner(const ColouredGraph& graph, OrderedPartition& partition);
 
-  // Splits the one initial cell by colour and loop count and makes the partition equitable.
-  void refine_by_colour();
+  // Splits the one initial cell by the vertices' keys, in ascending order, and makes the partition equitable.
+  void refine_by(const PointVector<std::uint64_t>& keys);
 
   // Cuts v, a member of a larger cell, off to the back of its cell, and makes the partition equitable again.
   // The events are appended to the trace.
@@ -47,6 +50,9 @@ class Refiner {
   // The same, compared with a trace. False at the first difference; the partition is then somewhere between
   // and has to be undone.
   bool individualise_and_compare(int v, std::span<const std::uint64_t> trace);
+
+  // Edges looked at so far.
+  std::size_t work() const { return work_; }
 
  private:
   void individualise(int v);
@@ -68,6 +74,7 @@ class Refiner {
   Trace* recorded_ = nullptr;                // null while comparing
   std::span<const std::uint64_t> expected_;  // what is left of the trace to compare with
 
+  std::size_t work_ = 0;
   std::vector<int> queue_;
   std::size_t queue_head_ = 0;
   PointVector<char> is_queued_;

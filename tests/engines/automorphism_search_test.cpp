@@ -190,6 +190,24 @@ TEST(AutomorphismSearch, SeesWhatRefinementIsBlindTo) {
   }
 }
 
+// A cycle with chords, so that every vertex has three edges: alike to refinement, told apart by short cycles.
+TEST(AutomorphismSearch, FindsTwiceTheSquareOfTheOrderForTwoCopiesOfACubicGraph) {
+  constexpr int kSize = 60;
+  for (unsigned seed = 0; seed < 40; ++seed) {
+    Graph cubic;
+    add_cycle(cubic, kSize);
+    std::vector<int> ends(kSize);
+    std::iota(ends.begin(), ends.end(), 0);
+    std::shuffle(ends.begin(), ends.end(), std::mt19937(seed));
+    for (std::size_t i = 0; i < kSize; i += 2) cubic.edges.emplace_back(ends[i], ends[i + 1]);
+    Graph copies = cubic;
+    copies.n += kSize;
+    for (const auto& [a, b] : cubic.edges) copies.edges.emplace_back(a + kSize, b + kSize);
+    const double order = group_order(cubic);
+    EXPECT_EQ(group_order(renumbered(copies, seed)), 2 * order * order) << "seed " << seed;
+  }
+}
+
 // Two roots, each joined to a triangle and a square of its own. With the roots exchanged, the first choice of
 // a vertex for the triangle's may fall on a square, and only going back to another one finds the
 // automorphism.

@@ -36,7 +36,7 @@ ColouredGraph two_roots(unsigned seed, const std::vector<int>& cycles) {
 PairedDescent::Answer exchange_roots(const ColouredGraph& graph, int most_failures) {
   OrderedPartition right(graph.vertex_count());
   Refiner refiner(graph, right);
-  refiner.refine_by_colour();
+  refiner.refine_by(colour_keys(graph));
   const int splits = right.split_count();
   PairedDescent descent(graph, right, right, refiner);
   descent.return_to(splits, 0);
