@@ -9,13 +9,19 @@ AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
   for (int v = 0; v < roles_.size(); ++v) roles_[v] = {v, false};
 }
 
-// Points do not occur twice, so the moves are a permutation where every moved point is an image.
+// Points do not occur twice, so the moves are a permutation where every moved point is an image. Of two
+// vertices that are exchanged one tells for both: what leads from the other one to a third vertex is seen
+// there or, should that stay, among the edges of the first. (A weight may differ from end to end.)
 bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
   for (const auto& [point, image] : moves) {
     roles_[point].image = image;
     roles_[image].is_image = true;
   }
-  const bool is_kept = std::ranges::all_of(moves, [this](PointMove move) {
+  const auto is_seen_before = [this](PointMove move) {
+    return move.image < move.point && roles_[move.image].image == move.point && !graph_.has_weights();
+  };
+  const bool is_kept = std::ranges::all_of(moves, [&](PointMove move) {
+    if (is_seen_before(move)) return true;
     return roles_[move.point].is_image && move.point != move.image && keeps_edges(move);
   });
   for (const auto& [point, image] : moves) {
@@ -30,10 +36,8 @@ bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
 bool AutomorphismCheck::keeps_edges(PointMove move) {
   const auto neighbours = graph_.neighbours(move.point);
   const auto expected = graph_.neighbours(move.image);
-  if (graph_.colour(move.point) != graph_.colour(move.image) ||
-      graph_.loops(move.point) != graph_.loops(move.image) || neighbours.size() != expected.size()) {
+  if (graph_.kind(move.point) != graph_.kind(move.image) || neighbours.size() != expected.size())
     return false;
-  }
   if (neighbours.size() == 1 && !graph_.has_weights()) return roles_[neighbours[0]].image == expected[0];
   if (neighbours.size() == 2 && !graph_.has_weights()) {
     const auto images = std::minmax(roles_[neighbours[0]].image, roles_[neighbours[1]].image);

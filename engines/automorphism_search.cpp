@@ -1,6 +1,8 @@
 #include "engines/automorphism_search.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -12,16 +14,47 @@
 namespace symfold {
 namespace {
 
+// Sorts moves by point. Many are read off a bit for each point, not compared.
+class MoveSorter {
+ public:
+  explicit MoveSorter(int n) : image_(n), is_moved_(n / kBits + 1, 0) {}
+
+  void sort(SparsePermutation& moves) {
+    if (static_cast<int>(moves.size()) < kFew + is_moved_.size() / 16) {
+      std::ranges::sort(moves, {}, &PointMove::point);
+      return;
+    }
+    for (const auto& [point, image] : moves) {
+      image_[point] = image;
+      is_moved_[point / kBits] |= std::uint64_t{1} << (point % kBits);
+    }
+    auto move = moves.begin();
+    for (int word = 0; word < is_moved_.size(); ++word) {
+      for (std::uint64_t bits = std::exchange(is_moved_[word], 0); bits != 0; bits &= bits - 1) {
+        const int point = word * kBits + std::countr_zero(bits);
+        *move++ = {point, image_[point]};
+      }
+    }
+  }
+
+ private:
+  static constexpr int kBits = 64;
+  static constexpr int kFew = 16;
+
+  PointVector<int> image_;
+  PointVector<std::uint64_t> is_moved_;  // 0 between calls
+};
+
 // Generators that have passed the check, up to the limit.
 class CheckedGenerators {
  public:
   CheckedGenerators(const ColouredGraph& graph, std::size_t most)
-      : check_(graph), image_(graph.vertex_count(), -1), most_(most) {}
+      : check_(graph), sorter_(graph.vertex_count()), most_(most) {}
 
   // False where the moves are no automorphism, or too many have been given.
   bool add(SparsePermutation& moves) {
     if (list_.size() > most_ || !check_.is_automorphism(moves)) return false;
-    sort(moves);
+    sorter_.sort(moves);
     list_.push_back(moves);
     return true;
   }
@@ -30,22 +63,8 @@ class CheckedGenerators {
   std::vector<SparsePermutation> release() { return std::move(list_); }
 
  private:
-  // By point. Many moves are read off an array of all images.
-  void sort(SparsePermutation& moves) {
-    if (moves.size() < static_cast<std::size_t>(image_.size()) / 16) {
-      std::ranges::sort(moves, {}, &PointMove::point);
-      return;
-    }
-    for (const auto& [point, image] : moves) image_[point] = image;
-    moves.clear();
-    for (int point = 0; point < image_.size(); ++point) {
-      const int image = std::exchange(image_[point], -1);
-      if (image >= 0) moves.push_back({point, image});
-    }
-  }
-
   AutomorphismCheck check_;
-  PointVector<int> image_;  // -1 between calls
+  MoveSorter sorter_;
   std::size_t most_;
   std::vector<SparsePermutation> list_;
 };

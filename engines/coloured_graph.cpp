@@ -1,16 +1,16 @@
 #include "engines/coloured_graph.h"
 
-#include <utility>
+#include <numeric>
 
 namespace symfold {
 
 ColouredGraph::ColouredGraph(int n, const std::vector<int>& boundaries, const std::vector<Edge>& edges)
-    : colour_(n, 0), loops_(n, 0), first_(static_cast<std::size_t>(n) + 1, 0) {
-  for (const int boundary : boundaries) colour_[boundary] = 1;
-  for (int v = 1; v < n; ++v) colour_[v] += colour_[v - 1];
+    : kinds_(n), first_(static_cast<std::size_t>(n) + 1, 0) {
+  for (const int boundary : boundaries) kinds_[boundary].colour = 1;
+  for (int v = 1; v < n; ++v) kinds_[v].colour += kinds_[v - 1].colour;
   for (const Edge& edge : edges) {
     if (edge.from == edge.to) {
-      ++loops_[edge.from];
+      ++kinds_[edge.from].loops;
     } else {
       ++first_[static_cast<std::size_t>(edge.from)];
       ++first_[static_cast<std::size_t>(edge.to)];
@@ -28,10 +28,11 @@ ColouredGraph::ColouredGraph(int n, const std::vector<int>& boundaries, const st
   }
 }
 
-ColouredGraph::ColouredGraph(PointVector<int> colour, const std::vector<DirectedEdge>& edges)
-    : colour_(std::move(colour)),
-      loops_(colour_.size(), 0),
-      first_(static_cast<std::size_t>(colour_.size()) + 1, 0) {
+ColouredGraph::ColouredGraph(const PointVector<int>& colour, const std::vector<DirectedEdge>& edges)
+    : kinds_(colour.size()), first_(static_cast<std::size_t>(colour.size()) + 1, 0) {
+  for (int v = 0; v < colour.size(); ++v) kinds_[v].colour = colour[v];
+  neighbours_.reserve(edges.size());
+  weights_.reserve(edges.size());
   for (const DirectedEdge& edge : edges) {
     ++first_[static_cast<std::size_t>(edge.from) + 1];
     neighbours_.push_back(edge.to);

@@ -39,11 +39,19 @@ class ColouredGraph {
 
   // A simple graph with weights. Preconditions: every edge is given from both its ends, in ascending order of
   // `from`; none is a loop.
-  ColouredGraph(PointVector<int> colour, const std::vector<DirectedEdge>& edges);
+  ColouredGraph(const PointVector<int>& colour, const std::vector<DirectedEdge>& edges);
 
-  int vertex_count() const { return loops_.size(); }
-  int colour(int v) const { return colour_[v]; }
-  int loops(int v) const { return loops_[v]; }
+  struct Kind {
+    int colour = 0;
+    int loops = 0;
+
+    bool operator==(const Kind&) const = default;
+  };
+
+  int vertex_count() const { return kinds_.size(); }
+  Kind kind(int v) const { return kinds_[v]; }
+  int colour(int v) const { return kinds_[v].colour; }
+  int loops(int v) const { return kinds_[v].loops; }
 
   // A neighbour appears once per edge; loops are left out.
   std::span<const int> neighbours(int v) const {
@@ -60,8 +68,7 @@ class ColouredGraph {
   }
 
  private:
-  PointVector<int> colour_;
-  PointVector<int> loops_;
+  PointVector<Kind> kinds_;
   std::vector<std::size_t> first_{0};
   std::vector<int> neighbours_;
   std::vector<std::uint64_t> weights_;

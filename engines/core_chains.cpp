@@ -4,15 +4,19 @@ namespace symfold {
 
 CoreChains::CoreChains(const ColouredGraph& graph, const PointVector<int>& degree)
     : graph_(graph), degree_(degree), is_anchor_(degree.size(), 0), is_inner_(degree.size(), 0) {
-  for (int v = 0; v < degree.size(); ++v) is_anchor_[v] = degree[v] > 2 ? 1 : 0;
+  for (int v = 0; v < degree.size(); ++v) {
+    if (degree[v] <= 0) continue;
+    core_.push_back(v);
+    is_anchor_[v] = degree[v] > 2 ? 1 : 0;
+  }
 }
 
 void CoreChains::find() {
-  is_inner_.assign(degree_.size(), 0);
+  for (const int v : inner_) is_inner_[v] = 0;
   chains_.clear();
   cycles_.clear();
   inner_.clear();
-  for (int v = 0; v < degree_.size(); ++v) {
+  for (const int v : core_) {
     if (!is_anchor(v)) continue;
     for (const int neighbour : graph_.neighbours(v)) {
       if (degree_[neighbour] <= 0 || is_inner_[neighbour] != 0) continue;
@@ -23,8 +27,8 @@ void CoreChains::find() {
       }
     }
   }
-  for (int v = 0; v < degree_.size(); ++v) {
-    if (degree_[v] > 0 && !is_anchor(v) && is_inner_[v] == 0) follow(next_vertex(-1, v), v, cycles_);
+  for (const int v : core_) {
+    if (!is_anchor(v) && is_inner_[v] == 0) follow(next_vertex(-1, v), v, cycles_);
   }
 }
 

@@ -37,6 +37,7 @@ class CoreChains {
   // Finds all chains and cycles anew.
   void find();
 
+  std::span<const int> core() const { return core_; }
   bool is_anchor(int v) const { return is_anchor_[v] != 0; }
   std::span<const Chain> chains() const { return chains_; }
   std::span<const Chain> cycles() const { return cycles_; }  // from and to mean nothing
@@ -50,6 +51,7 @@ class CoreChains {
 
   const ColouredGraph& graph_;
   const PointVector<int>& degree_;
+  std::vector<int> core_;  // its vertices, in ascending order
   PointVector<char> is_anchor_;
   PointVector<char> is_inner_;  // of a chain or cycle found
   std::vector<Chain> chains_;

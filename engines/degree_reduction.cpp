@@ -40,8 +40,7 @@ DegreeReduction::DegreeReduction(const ColouredGraph& graph)
       forest_(graph),
       components_(forest_.add_set()),
       degree_(take_off_trees()),
-      chains_(graph, degree_),
-      number_(graph.vertex_count(), -1) {
+      chains_(graph, degree_) {
   chains_.find();
   keep_middles();
   hang_loops();
@@ -164,16 +163,18 @@ void DegreeReduction::hang_cycle(std::span<const int> vertices) {
 }
 
 void DegreeReduction::number_anchors() {
+  for (const int v : chains_.core()) {
+    if (chains_.is_anchor(v)) anchors_.push_back(v);
+  }
+  if (anchors_.empty()) return;
+  number_.assign(graph_.vertex_count(), -1);
   PointVector<int> smallest(graph_.vertex_count());
-  for (int v = 0; v < smallest.size(); ++v) smallest[v] = forest_.smallest_vertex(v);
+  for (const int v : anchors_) smallest[v] = forest_.smallest_vertex(v);
   for (const CoreChains::Chain& chain : chains_.chains()) {
     for (const int v : chains_.inner_vertices(chain)) {
       for (const int end : {chain.from, chain.to})
         smallest[end] = std::min(smallest[end], forest_.smallest_vertex(v));
     }
-  }
-  for (int v = 0; v < smallest.size(); ++v) {
-    if (chains_.is_anchor(v)) anchors_.push_back(v);
   }
   std::ranges::sort(anchors_, {}, [&smallest](int v) { return std::pair(smallest[v], v); });
   for (int i = 0; i < anchors_.size(); ++i) number_[anchors_[i]] = i;
@@ -228,14 +229,12 @@ void DegreeReduction::make_reduced_graph() {
     if (is_first) edges.push_back({arc.from, arc.to, 0});
     edges.back().weight = spread(edges.back().weight + spread(arc.shape));
   }
-  reduced_ = ColouredGraph(std::move(colour), edges);
+  reduced_ = ColouredGraph(colour, edges);
 }
 
 bool DegreeReduction::for_each_own_symmetry(const Use& use) {
-  for (int node = 0; node < forest_.node_count(); ++node) {
-    if (!forest_.is_sequence(node) && !exchange_twins(node, use)) return false;
-  }
-  return exchange_parallels(use) && turn_loops(use) &&
+  return std::ranges::all_of(forest_.branchings(), [&](int node) { return exchange_twins(node, use); }) &&
+         exchange_parallels(use) && turn_loops(use) &&
          std::ranges::all_of(cycles_, [&](const Cycle& cycle) { return turn_cycle(cycle, use); });
 }
 

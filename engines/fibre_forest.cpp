@@ -1,20 +1,16 @@
 #include "engines/fibre_forest.h"
 
 #include <algorithm>
-
-#include "engines/spread.h"
+#include <tuple>
+#include <utility>
 
 namespace symfold {
 
-FibreForest::FibreForest(const ColouredGraph& graph)
-    : vertex_count_(graph.vertex_count()), nodes_(vertex_count_) {
-  for (int v = 0; v < vertex_count_; ++v) {
-    nodes_[v].own = spread(graph.colour(v), graph.loops(v));
-    nodes_[v].smallest = v;
-  }
+FibreForest::FibreForest(const ColouredGraph& graph) : vertex_count_(graph.vertex_count()) {
+  nodes_.reserve(vertex_count_ + vertex_count_ / 2 + 1);
+  for (int v = 0; v < vertex_count_; ++v)
+    nodes_.push_back({.shape = spread(graph.colour(v), graph.loops(v)), .smallest = v});
 }
-
-Shape FibreForest::shape(int node) const { return spread(nodes_[node].own + nodes_[node].hanging); }
 
 int FibreForest::add_set() {
   nodes_.push_back({.smallest = vertex_count_});
@@ -23,46 +19,47 @@ int FibreForest::add_set() {
 
 int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
   const int node = add_set();
-  nodes_[node].own = shape;
+  nodes_[node].shape = shape;
   nodes_[node].is_sequence = true;
   nodes_[node].first = static_cast<int>(parts_.size());
   nodes_[node].length = static_cast<int>(members.size());
   parts_.insert(parts_.end(), members.begin(), members.end());
-  for (const int member : members) {
-    nodes_[node].smallest = std::min(nodes_[node].smallest, nodes_[member].smallest);
-    nodes_[member].parent = node;
-  }
+  for (const int member : members) become_part(member, node);
   return node;
 }
 
 void FibreForest::hang(int child, int parent) {
+  become_part(child, parent);
   Node& above = nodes_[parent];
-  above.hanging += spread(shape(child) + 1);
-  above.smallest = std::min(above.smallest, nodes_[child].smallest);
+  above.shape += nodes_[child].shape;
   ++above.length;
-  nodes_[child].parent = parent;
+}
+
+void FibreForest::become_part(int node, int parent) {
+  nodes_[node].shape = shape(node);
+  nodes_[node].parent = parent;
+  nodes_[parent].smallest = std::min(nodes_[parent].smallest, nodes_[node].smallest);
 }
 
 // The parts come in the order of their smallest vertices when each vertex is followed up to the largest node
-// whose smallest one it is.
+// whose smallest one it is. Stretches are filled from their ends, which leaves `first` at the beginning.
 void FibreForest::arrange() {
   auto total = static_cast<int>(parts_.size());
-  PointVector<int> end(node_count());  // of the parts placed so far
-  for (int node = 0; node < node_count(); ++node) {
-    if (is_sequence(node)) continue;
-    nodes_[node].first = end[node] = total;
-    total += nodes_[node].length;
+  for (int i = 0; i < node_count(); ++i) {
+    Node& node = nodes_[i];
+    if (node.is_sequence) continue;
+    node.first = total += node.length;
+    if (node.length > 1) branchings_.push_back(i);
   }
   parts_.resize(static_cast<std::size_t>(total));
-  for (int v = 0; v < vertex_count_; ++v) {
-    for (int node = v; nodes_[node].smallest == v && nodes_[node].parent >= 0; node = nodes_[node].parent) {
-      if (!is_sequence(nodes_[node].parent))
-        parts_[static_cast<std::size_t>(end[nodes_[node].parent]++)] = node;
+  for (int v = vertex_count_ - 1; v >= 0; --v) {
+    for (int part = v; nodes_[part].smallest == v && nodes_[part].parent >= 0;) {
+      Node& above = nodes_[nodes_[part].parent];
+      if (!above.is_sequence) parts_[static_cast<std::size_t>(--above.first)] = part;
+      part = nodes_[part].parent;
     }
   }
-  for (int node = 0; node < node_count(); ++node) {
-    if (!is_sequence(node) && nodes_[node].length > 1) sort_parts(node);
-  }
+  for (const int node : branchings_) sort_parts(node);
 }
 
 void FibreForest::sort_parts(int node) {
@@ -72,24 +69,28 @@ void FibreForest::sort_parts(int node) {
     std::stable_sort(begin, begin + nodes_[node].length, is_before);
 }
 
+// The last part of each node is gone on with, the others wait.
 bool FibreForest::carry(int from, int to, SparsePermutation& moves, bool is_reversed) {
   if (from == to && !is_reversed) return true;
-  pending_.assign(1, {from, to});
-  bool is_alike = true;
-  for (; is_alike && !pending_.empty(); is_reversed = false) {
-    const auto [a, b] = pending_.back();
-    pending_.pop_back();
-    is_alike = (a < vertex_count_) == (b < vertex_count_) && nodes_[a].length == nodes_[b].length;
-    if (!is_alike) break;
+  pending_.clear();
+  for (int a = from, b = to;; is_reversed = false) {
+    if ((a < vertex_count_) != (b < vertex_count_) || nodes_[a].length != nodes_[b].length) return false;
     if (a < vertex_count_) moves.push_back({a, b});
     const auto parts_a = parts(a);
     const auto parts_b = parts(b);
+    bool goes_on = false;
     for (std::size_t i = 0; i < parts_a.size(); ++i) {
       const int part = parts_b[is_reversed ? parts_b.size() - 1 - i : i];
-      if (parts_a[i] != part) pending_.emplace_back(parts_a[i], part);
+      if (parts_a[i] == part) continue;
+      if (std::exchange(goes_on, true)) pending_.emplace_back(a, b);
+      a = parts_a[i];
+      b = part;
     }
+    if (goes_on) continue;
+    if (pending_.empty()) return true;
+    std::tie(a, b) = pending_.back();
+    pending_.pop_back();
   }
-  return is_alike;
 }
 
 }  // namespace symfold

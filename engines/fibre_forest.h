@@ -25,6 +25,7 @@
 
 #include "engines/coloured_graph.h"
 #include "engines/sparse_permutation.h"
+#include "engines/spread.h"
 
 namespace symfold {
 
@@ -36,8 +37,9 @@ class FibreForest {
   explicit FibreForest(const ColouredGraph& graph);
 
   int node_count() const { return nodes_.size(); }
-  Shape shape(int node) const;
-  bool is_sequence(int node) const { return nodes_[node].is_sequence; }
+  Shape shape(int node) const {
+    return nodes_[node].parent < 0 ? spread(nodes_[node].shape) : nodes_[node].shape;
+  }
   int smallest_vertex(int node) const { return nodes_[node].smallest; }  // the vertex count in an empty set
 
   int add_set();
@@ -51,6 +53,9 @@ class FibreForest {
   // Puts the parts of vertices and sets in order; nothing is hung or added any more.
   void arrange();
 
+  // The vertices and sets with several parts, once they are arranged; in ascending order.
+  std::span<const int> branchings() const { return branchings_; }
+
   // The parts of a vertex or set, arranged.
   std::span<const int> parts(int node) const {
     return {parts_.data() + nodes_[node].first, static_cast<std::size_t>(nodes_[node].length)};
@@ -63,12 +68,13 @@ class FibreForest {
   bool carry(int from, int to, SparsePermutation& moves, bool is_reversed = false);
 
  private:
+  void become_part(int node, int parent);
   void sort_parts(int node);
 
+  // Compact, since every step goes to nodes that are far apart.
   struct Node {
-    Shape own = 0;      // of a vertex, its colour and loops; of a sequence, its members
-    Shape hanging = 0;  // a sum over the parts
-    int smallest = 0;   // vertex
+    Shape shape = 0;   // a sum over itself and its parts until it is a part itself
+    int smallest = 0;  // vertex
     int parent = -1;
     int first = 0;  // of its parts in parts_
     int length = 0;
@@ -78,6 +84,7 @@ class FibreForest {
   int vertex_count_;
   PointVector<Node> nodes_;
   std::vector<int> parts_;
+  std::vector<int> branchings_;
   std::vector<std::pair<int, int>> pending_;  // nodes still to be carried
 };
 

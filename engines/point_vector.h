@@ -38,6 +38,7 @@ class PointVector : private std::vector<T> {
     assert(i >= 0 && i < size());
     return Base::operator[](static_cast<std::size_t>(i));
   }
+  void reserve(int size) { Base::reserve(static_cast<std::size_t>(size)); }
   void assign(int count, const T& value) { Base::assign(static_cast<std::size_t>(count), value); }
   std::vector<T> release() { return std::move(static_cast<Base&>(*this)); }
 };

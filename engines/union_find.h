@@ -14,42 +14,51 @@ namespace symfold {
 
 class UnionFind {
  public:
-  explicit UnionFind(int n) : parent_(identity_images(n)), largest_(parent_), size_(n, 1), mark_(n, -1) {}
+  explicit UnionFind(int n) : points_(n) {
+    for (int x = 0; x < n; ++x) points_[x] = {x, x, 1, -1};
+  }
 
   int find(int x) {
-    while (parent_[x] != x) {
-      parent_[x] = parent_[parent_[x]];
-      x = parent_[x];
+    while (points_[x].parent != x) {
+      points_[x].parent = points_[points_[x].parent].parent;
+      x = points_[x].parent;
     }
     return x;
   }
 
   void unite(int x, int y) {
+    if (points_[x].parent == points_[y].parent) return;
     x = find(x);
     y = find(y);
     if (x == y) return;
-    if (size_[x] < size_[y]) std::swap(x, y);
-    parent_[y] = x;
-    size_[x] += size_[y];
-    largest_[x] = std::max(largest_[x], largest_[y]);
-    mark_[x] = std::max(mark_[x], mark_[y]);
+    if (points_[x].size < points_[y].size) std::swap(x, y);
+    Point& above = points_[x];
+    Point& below = points_[y];
+    below.parent = x;
+    above.size += below.size;
+    above.largest = std::max(above.largest, below.largest);
+    above.mark = std::max(above.mark, below.mark);
   }
 
-  int size_of_class(int x) { return size_[find(x)]; }
-  int largest_of_class(int x) { return largest_[find(x)]; }
+  int size_of_class(int x) { return points_[find(x)].size; }
+  int largest_of_class(int x) { return points_[find(x)].largest; }
 
   // The largest mark, at least 0, that a member of x's class was given; -1 for none.
-  int mark_of_class(int x) { return mark_[find(x)]; }
+  int mark_of_class(int x) { return points_[find(x)].mark; }
   void mark_class(int x, int mark) {
-    const int root = find(x);
-    mark_[root] = std::max(mark_[root], mark);
+    Point& root = points_[find(x)];
+    root.mark = std::max(root.mark, mark);
   }
 
  private:
-  PointVector<int> parent_;
-  PointVector<int> largest_;  // valid at roots, as the next two
-  PointVector<int> size_;
-  PointVector<int> mark_;
+  struct Point {
+    int parent;
+    int largest;  // of the class; valid at roots, as the next two
+    int size;
+    int mark;
+  };
+
+  PointVector<Point> points_;
 };
 
 }  // namespace symfold
