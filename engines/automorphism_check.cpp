@@ -5,30 +5,32 @@
 namespace symfold {
 
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
-    : graph_(graph), roles_(graph.vertex_count()), count_(graph.vertex_count(), 0) {
-  for (int v = 0; v < roles_.size(); ++v) roles_[v] = {v, false};
+    : graph_(graph),
+      image_(identity_images(graph.vertex_count())),
+      is_image_(graph.vertex_count(), 0),
+      count_(graph.vertex_count(), 0) {}
+
+// Exchanges are their own inverses, so that one of two exchanged vertices tells for both.
+bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
+  for (const auto& [point, image] : moves) image_[point] = image;
+  const bool is_exchange =
+      std::ranges::all_of(moves, [this](PointMove move) { return image_[move.image] == move.point; });
+  const bool is_kept =
+      (is_exchange || is_permutation(moves)) && std::ranges::all_of(moves, [&](PointMove move) {
+        if (move.point == move.image) return false;
+        return (is_exchange && move.image < move.point) || keeps_edges(move);
+      });
+  for (const PointMove move : moves) image_[move.point] = move.point;
+  return is_kept;
 }
 
-// Points do not occur twice, so the moves are a permutation where every moved point is an image. Of two
-// vertices that are exchanged one tells for both: what leads from the other one to a third vertex is seen
-// there or, should that stay, among the edges of the first. (A weight may differ from end to end.)
-bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
-  for (const auto& [point, image] : moves) {
-    roles_[point].image = image;
-    roles_[image].is_image = true;
-  }
-  const auto is_seen_before = [this](PointMove move) {
-    return move.image < move.point && roles_[move.image].image == move.point && !graph_.has_weights();
-  };
-  const bool is_kept = std::ranges::all_of(moves, [&](PointMove move) {
-    if (is_seen_before(move)) return true;
-    return roles_[move.point].is_image && move.point != move.image && keeps_edges(move);
-  });
-  for (const auto& [point, image] : moves) {
-    roles_[point].image = point;
-    roles_[image].is_image = false;
-  }
-  return is_kept;
+// Points do not occur twice, so it is enough that every moved point is an image.
+bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
+  for (const PointMove move : moves) is_image_[move.image] = 1;
+  const bool is_onto =
+      std::ranges::all_of(moves, [this](PointMove move) { return is_image_[move.point] != 0; });
+  for (const PointMove move : moves) is_image_[move.image] = 0;
+  return is_onto;
 }
 
 // The images of the point's neighbours are to be the neighbours of its image, each with the same weight in
@@ -38,9 +40,9 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
   const auto expected = graph_.neighbours(move.image);
   if (graph_.kind(move.point) != graph_.kind(move.image) || neighbours.size() != expected.size())
     return false;
-  if (neighbours.size() == 1 && !graph_.has_weights()) return roles_[neighbours[0]].image == expected[0];
+  if (neighbours.size() == 1 && !graph_.has_weights()) return image_[neighbours[0]] == expected[0];
   if (neighbours.size() == 2 && !graph_.has_weights()) {
-    const auto images = std::minmax(roles_[neighbours[0]].image, roles_[neighbours[1]].image);
+    const auto images = std::minmax(image_[neighbours[0]], image_[neighbours[1]]);
     return images == std::minmax(expected[0], expected[1]);
   }
   const auto weights = graph_.weights(move.point);
@@ -49,10 +51,10 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
     return list.empty() ? 1 : list[i];
   };
   for (std::size_t i = 0; i < expected.size(); ++i) count_[expected[i]] += weight(expected_weights, i);
-  for (std::size_t i = 0; i < expected.size(); ++i) count_[roles_[neighbours[i]].image] -= weight(weights, i);
+  for (std::size_t i = 0; i < expected.size(); ++i) count_[image_[neighbours[i]]] -= weight(weights, i);
   const bool is_kept = std::ranges::all_of(expected, [this](int v) { return count_[v] == 0; });
   for (const int v : expected) count_[v] = 0;
-  for (const int v : neighbours) count_[roles_[v].image] = 0;
+  for (const int v : neighbours) count_[image_[v]] = 0;
   return is_kept;
 }
 

@@ -22,16 +22,13 @@ class AutomorphismCheck {
   bool is_automorphism(const SparsePermutation& moves);
 
  private:
+  bool is_permutation(const SparsePermutation& moves);
   bool keeps_edges(PointMove move);
 
   const ColouredGraph& graph_;
-  struct Role {
-    int image;
-    bool is_image;  // of a moved point
-  };
-
-  PointVector<Role> roles_;           // of a point that is not moved, between calls
-  PointVector<std::uint64_t> count_;  // zero between calls
+  PointVector<int> image_;      // of each vertex; the identity between calls
+  PointVector<char> is_image_;  // of a moved point; zero between calls, as the counts
+  PointVector<std::uint64_t> count_;
 };
 
 }  // namespace symfold

@@ -14,16 +14,21 @@
 namespace symfold {
 namespace {
 
-// Sorts moves by point. Many are read off a bit for each point, not compared.
+// Sorts moves by point: many by reading them off a bit for each point.
 class MoveSorter {
  public:
   explicit MoveSorter(int n) : image_(n), is_moved_(n / kBits + 1, 0) {}
 
   void sort(SparsePermutation& moves) {
-    if (static_cast<int>(moves.size()) < kFew + is_moved_.size() / 16) {
+    if (static_cast<int>(moves.size()) < 16 + is_moved_.size() / 8) {
       std::ranges::sort(moves, {}, &PointMove::point);
-      return;
+    } else {
+      sort_many(moves);
     }
+  }
+
+ private:
+  void sort_many(SparsePermutation& moves) {
     for (const auto& [point, image] : moves) {
       image_[point] = image;
       is_moved_[point / kBits] |= std::uint64_t{1} << (point % kBits);
@@ -37,9 +42,7 @@ class MoveSorter {
     }
   }
 
- private:
   static constexpr int kBits = 64;
-  static constexpr int kFew = 16;
 
   PointVector<int> image_;
   PointVector<std::uint64_t> is_moved_;  // 0 between calls

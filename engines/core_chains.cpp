@@ -52,9 +52,11 @@ void CoreChains::follow(int from, int first, std::vector<Chain>& found) {
 int CoreChains::next_vertex(int before, int v) const {
   bool is_passed = false;
   for (const int neighbour : graph_.neighbours(v)) {
-    if (degree_[neighbour] <= 0) continue;
-    if (neighbour != before || is_passed) return neighbour;
-    is_passed = true;
+    if (neighbour == before && !is_passed) {
+      is_passed = true;
+    } else if (degree_[neighbour] > 0) {
+      return neighbour;
+    }
   }
   return before;
 }

@@ -157,7 +157,9 @@ void DegreeReduction::hang_cycle(std::span<const int> vertices) {
     std::rotate(members.begin(), members.begin() + start, members.end());
     if (reversed == shapes) reflection = (2 * length - 1 - start - reversed_start) % length;
   }
-  const int node = forest_.add_sequence(members, forward_shape(forest_, members) + 1);
+  Shape shape = 1;
+  for (const Shape member : std::min(shapes, reversed)) shape = spread(shape + member);
+  const int node = forest_.add_sequence(members, shape);
   cycles_.push_back({node, cyclic_period(shapes), reflection});
   forest_.hang(node, components_);
 }

@@ -14,51 +14,49 @@ namespace symfold {
 
 class UnionFind {
  public:
-  explicit UnionFind(int n) : points_(n) {
-    for (int x = 0; x < n; ++x) points_[x] = {x, x, 1, -1};
+  explicit UnionFind(int n) : parent_(identity_images(n)), classes_(n) {
+    for (int x = 0; x < n; ++x) classes_[x].largest = x;
   }
 
   int find(int x) {
-    while (points_[x].parent != x) {
-      points_[x].parent = points_[points_[x].parent].parent;
-      x = points_[x].parent;
+    while (parent_[x] != x) {
+      parent_[x] = parent_[parent_[x]];
+      x = parent_[x];
     }
     return x;
   }
 
   void unite(int x, int y) {
-    if (points_[x].parent == points_[y].parent) return;
+    if (parent_[x] == parent_[y]) return;
     x = find(x);
     y = find(y);
     if (x == y) return;
-    if (points_[x].size < points_[y].size) std::swap(x, y);
-    Point& above = points_[x];
-    Point& below = points_[y];
-    below.parent = x;
-    above.size += below.size;
-    above.largest = std::max(above.largest, below.largest);
-    above.mark = std::max(above.mark, below.mark);
+    if (classes_[x].size < classes_[y].size) std::swap(x, y);
+    parent_[y] = x;
+    Class& all = classes_[x];
+    const Class& added = classes_[y];
+    all = {all.size + added.size, std::max(all.largest, added.largest), std::max(all.mark, added.mark)};
   }
 
-  int size_of_class(int x) { return points_[find(x)].size; }
-  int largest_of_class(int x) { return points_[find(x)].largest; }
+  int size_of_class(int x) { return classes_[find(x)].size; }
+  int largest_of_class(int x) { return classes_[find(x)].largest; }
 
   // The largest mark, at least 0, that a member of x's class was given; -1 for none.
-  int mark_of_class(int x) { return points_[find(x)].mark; }
+  int mark_of_class(int x) { return classes_[find(x)].mark; }
   void mark_class(int x, int mark) {
-    Point& root = points_[find(x)];
+    Class& root = classes_[find(x)];
     root.mark = std::max(root.mark, mark);
   }
 
  private:
-  struct Point {
-    int parent;
-    int largest;  // of the class; valid at roots, as the next two
-    int size;
-    int mark;
+  struct Class {
+    int size = 1;
+    int largest = 0;
+    int mark = -1;
   };
 
-  PointVector<Point> points_;
+  PointVector<int> parent_;
+  PointVector<Class> classes_;  // valid at roots
 };
 
 }  // namespace symfold
