@@ -5,10 +5,7 @@
 namespace symfold {
 
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
-    : graph_(graph),
-      image_(identity_images(graph.vertex_count())),
-      is_image_(graph.vertex_count(), 0),
-      count_(graph.vertex_count(), 0) {}
+    : graph_(graph), image_(identity_images(graph.vertex_count())) {}
 
 // Exchanges are their own inverses, so that one of two exchanged vertices tells for both.
 bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
@@ -26,6 +23,7 @@ bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
 
 // Points do not occur twice, so it is enough that every moved point is an image.
 bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
+  if (is_image_.empty()) is_image_.assign(image_.size(), 0);
   for (const PointMove move : moves) is_image_[move.image] = 1;
   const bool is_onto =
       std::ranges::all_of(moves, [this](PointMove move) { return is_image_[move.point] != 0; });
@@ -45,6 +43,7 @@ bool AutomorphismCheck::keeps_edges(PointMove move) {
     const auto images = std::minmax(image_[neighbours[0]], image_[neighbours[1]]);
     return images == std::minmax(expected[0], expected[1]);
   }
+  if (count_.empty()) count_.assign(image_.size(), 0);
   const auto weights = graph_.weights(move.point);
   const auto expected_weights = graph_.weights(move.image);
   const auto weight = [](std::span<const std::uint64_t> list, std::size_t i) {

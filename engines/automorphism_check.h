@@ -26,8 +26,10 @@ class AutomorphismCheck {
   bool keeps_edges(PointMove move);
 
   const ColouredGraph& graph_;
-  PointVector<int> image_;      // of each vertex; the identity between calls
-  PointVector<char> is_image_;  // of a moved point; zero between calls, as the counts
+  PointVector<int> image_;  // of each vertex; the identity between calls
+
+  // Made when first needed, since many graphs do without; zero between calls.
+  PointVector<char> is_image_;  // of a moved point
   PointVector<std::uint64_t> count_;
 };
 

@@ -56,6 +56,7 @@ class CheckedGenerators {
 
   // False where the moves are no automorphism, or too many have been given.
   bool add(SparsePermutation& moves) {
+    if (moves.empty()) return true;
     if (list_.size() > most_ || !check_.is_automorphism(moves)) return false;
     sorter_.sort(moves);
     list_.push_back(moves);
@@ -63,13 +64,13 @@ class CheckedGenerators {
   }
 
   bool is_over_limit() const { return list_.size() > most_; }
-  std::vector<SparsePermutation> release() { return std::move(list_); }
+  PermutationList release() { return std::move(list_); }
 
  private:
   AutomorphismCheck check_;
   MoveSorter sorter_;
   std::size_t most_;
-  std::vector<SparsePermutation> list_;
+  PermutationList list_;
 };
 
 // Nothing where a generator fails the check.
@@ -81,15 +82,14 @@ std::optional<AutomorphismGroup> search_reduced(const ColouredGraph& graph, cons
   if (is_sound && reduction.reduced().vertex_count() > 0) {
     const AutomorphismGroup core = search_paths(reduction.reduced(), limits);
     SparsePermutation lifted;
-    is_sound = std::ranges::all_of(core.generators, [&](const SparsePermutation& moves) {
-      return reduction.lift(moves, lifted) && generators.add(lifted);
-    });
+    for (std::size_t g = 0; is_sound && g < core.generators.size(); ++g)
+      is_sound = reduction.lift(core.generators[g], lifted) && generators.add(lifted);
   }
   if (!is_sound && !generators.is_over_limit()) return std::nullopt;
   const bool is_complete = !generators.is_over_limit();
-  StabiliserChain chain = read_chain(graph.vertex_count(), generators.release());
-  return AutomorphismGroup{std::move(chain.generators), std::move(chain.base), std::move(chain.orbit_lengths),
-                           is_complete};
+  AutomorphismGroup group{generators.release(), {}, {}, is_complete};
+  read_base(graph.vertex_count(), group.generators, group.base, group.orbit_lengths);
+  return group;
 }
 
 }  // namespace

@@ -22,7 +22,7 @@
 namespace symfold {
 
 struct AutomorphismGroup {
-  std::vector<SparsePermutation> generators;  // none is the identity
+  PermutationList generators;      // none is the identity
   std::vector<int> base;           // each the smallest vertex moved by the stabiliser of those before
   std::vector<int> orbit_lengths;  // of the base points, each at least 2
   bool is_complete = true;         // false: the search stopped at the generator limit

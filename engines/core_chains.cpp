@@ -1,9 +1,12 @@
 #include "engines/core_chains.h"
 
+#include <algorithm>
+
 namespace symfold {
 
 CoreChains::CoreChains(const ColouredGraph& graph, const PointVector<int>& degree)
     : graph_(graph), degree_(degree), is_anchor_(degree.size(), 0), is_inner_(degree.size(), 0) {
+  core_.reserve(static_cast<std::size_t>(std::ranges::count_if(degree, [](int d) { return d > 0; })));
   for (int v = 0; v < degree.size(); ++v) {
     if (degree[v] <= 0) continue;
     core_.push_back(v);

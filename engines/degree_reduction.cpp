@@ -318,7 +318,7 @@ std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, in
 }
 
 // An arc between two moved vertices is lifted from its end of the smaller number.
-bool DegreeReduction::lift(const SparsePermutation& moves, SparsePermutation& lifted) {
+bool DegreeReduction::lift(std::span<const PointMove> moves, SparsePermutation& lifted) {
   lifted.clear();
   for (const auto& [point, image] : moves) image_[point] = image;
   const bool is_alike = std::ranges::all_of(moves, [&](PointMove move) { return lift_vertex(move, lifted); });

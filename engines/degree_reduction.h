@@ -59,7 +59,7 @@ class DegreeReduction {
 
   // The moves, in no order, of the lift of an automorphism of the reduced graph. False where hashes agreed by
   // chance.
-  bool lift(const SparsePermutation& moves, SparsePermutation& lifted);
+  bool lift(std::span<const PointMove> moves, SparsePermutation& lifted);
 
  private:
   // A chain seen from one of its ends, by reduced numbers.

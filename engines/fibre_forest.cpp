@@ -20,9 +20,9 @@ int FibreForest::add_set() {
 int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
   const int node = add_set();
   nodes_[node].shape = shape;
-  nodes_[node].is_sequence = true;
+  nodes_[node].is_sequence = 1;
   nodes_[node].first = static_cast<int>(parts_.size());
-  nodes_[node].length = static_cast<int>(members.size());
+  nodes_[node].length = static_cast<unsigned>(members.size()) & 0x7fffffffU;
   parts_.insert(parts_.end(), members.begin(), members.end());
   for (const int member : members) become_part(member, node);
   return node;
@@ -47,15 +47,15 @@ void FibreForest::arrange() {
   auto total = static_cast<int>(parts_.size());
   for (int i = 0; i < node_count(); ++i) {
     Node& node = nodes_[i];
-    if (node.is_sequence) continue;
-    node.first = total += node.length;
+    if (node.is_sequence != 0) continue;
+    node.first = total += static_cast<int>(node.length);
     if (node.length > 1) branchings_.push_back(i);
   }
   parts_.resize(static_cast<std::size_t>(total));
   for (int v = vertex_count_ - 1; v >= 0; --v) {
     for (int part = v; nodes_[part].smallest == v && nodes_[part].parent >= 0;) {
       Node& above = nodes_[nodes_[part].parent];
-      if (!above.is_sequence) parts_[static_cast<std::size_t>(--above.first)] = part;
+      if (above.is_sequence == 0) parts_[static_cast<std::size_t>(--above.first)] = part;
       part = nodes_[part].parent;
     }
   }

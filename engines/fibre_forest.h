@@ -58,7 +58,7 @@ class FibreForest {
 
   // The parts of a vertex or set, arranged.
   std::span<const int> parts(int node) const {
-    return {parts_.data() + nodes_[node].first, static_cast<std::size_t>(nodes_[node].length)};
+    return {parts_.data() + nodes_[node].first, std::size_t{nodes_[node].length}};
   }
 
   // Appends the moves that carry all vertices of one node to those of another one of the same shape; none
@@ -77,8 +77,8 @@ class FibreForest {
     int smallest = 0;  // vertex
     int parent = -1;
     int first = 0;  // of its parts in parts_
-    int length = 0;
-    bool is_sequence = false;
+    unsigned length : 31 = 0;
+    unsigned is_sequence : 1 = 0;
   };
 
   int vertex_count_;

@@ -33,6 +33,10 @@ StabiliserChain build_stabiliser_chain(int n, std::vector<SparsePermutation> gen
 // identity. It is the chain of their group exactly if they are strong.
 StabiliserChain read_chain(int n, std::vector<SparsePermutation> generators);
 
+// The same for generators none of which is the identity.
+void read_base(int n, const PermutationList& generators, std::vector<int>& base,
+               std::vector<int>& orbit_lengths);
+
 }  // namespace symfold
 
 #endif  // SYMFOLD_ENGINES_STABILISER_CHAIN_H

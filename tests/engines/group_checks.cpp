@@ -56,7 +56,7 @@ ColouredGraph graph_of(const oracle::Graph& graph) {
   return std::move(result.graph);
 }
 
-std::vector<oracle::Images> images_of(int n, const std::vector<SparsePermutation>& generators) {
+std::vector<oracle::Images> images_of(int n, const PermutationList& generators) {
   std::vector<oracle::Images> dense;
   for (const SparsePermutation& moves : generators) {
     oracle::Images& images = dense.emplace_back();

@@ -14,7 +14,7 @@ namespace symfold {
 // The graph by way of its file's text.
 ColouredGraph graph_of(const oracle::Graph& graph);
 
-std::vector<oracle::Images> images_of(int n, const std::vector<SparsePermutation>& generators);
+std::vector<oracle::Images> images_of(int n, const PermutationList& generators);
 std::vector<Permutation> permutations_of(const std::vector<oracle::Images>& generators);
 
 // The base is the one of the rule "smallest moved point first", with its orbit lengths, and the generators
