@@ -52,7 +52,9 @@ class MoveSorter {
 class CheckedGenerators {
  public:
   CheckedGenerators(const ColouredGraph& graph, std::size_t most)
-      : check_(graph), sorter_(graph.vertex_count()), most_(most) {}
+      : check_(graph), sorter_(graph.vertex_count()), most_(most) {
+    list_.reserve(2 * static_cast<std::size_t>(graph.vertex_count()));  // enough for exchanges of leaves
+  }
 
   // False where the moves are no automorphism, or too many have been given.
   bool add(SparsePermutation& moves) {
@@ -74,7 +76,7 @@ class CheckedGenerators {
 };
 
 // Nothing where a generator fails the check.
-std::optional<AutomorphismGroup> search_reduced(const ColouredGraph& graph, const SearchLimits& limits) {
+std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
   CheckedGenerators generators(graph, limits.generators);
   const auto add = [&generators](SparsePermutation& moves) { return generators.add(moves); };
@@ -87,8 +89,14 @@ std::optional<AutomorphismGroup> search_reduced(const ColouredGraph& graph, cons
   }
   if (!is_sound && !generators.is_over_limit()) return std::nullopt;
   const bool is_complete = !generators.is_over_limit();
-  AutomorphismGroup group{generators.release(), {}, {}, is_complete};
-  read_base(graph.vertex_count(), group.generators, group.base, group.orbit_lengths);
+  return AutomorphismGroup{generators.release(), {}, {}, is_complete};
+}
+
+// The reduction's memory is free again before the base is read.
+std::optional<AutomorphismGroup> search_reduced(const ColouredGraph& graph, const SearchLimits& limits) {
+  std::optional<AutomorphismGroup> group = reduced_generators(graph, limits);
+  if (group.has_value())
+    read_base(graph.vertex_count(), group->generators, group->base, group->orbit_lengths);
   return group;
 }
 

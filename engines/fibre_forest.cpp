@@ -7,7 +7,7 @@
 namespace symfold {
 
 FibreForest::FibreForest(const ColouredGraph& graph) : vertex_count_(graph.vertex_count()) {
-  nodes_.reserve(vertex_count_ + vertex_count_ / 2 + 1);
+  nodes_.reserve(vertex_count_ + vertex_count_ / 8 + 1);
   for (int v = 0; v < vertex_count_; ++v)
     nodes_.push_back({.shape = spread(graph.colour(v), graph.loops(v)), .smallest = v});
 }

@@ -31,6 +31,7 @@ class PermutationList {
     return std::span(moves_).subspan(begin, ends_[i] - begin);
   }
 
+  void reserve(std::size_t moves) { moves_.reserve(moves); }
   void push_back(std::span<const PointMove> moves) {
     moves_.insert(moves_.end(), moves.begin(), moves.end());
     ends_.push_back(moves_.size());
