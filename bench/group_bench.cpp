@@ -1,9 +1,11 @@
 // Detection over the families of examples/: the automorphism search; the strong generating set with its proof
 // and the Schreier trees of all base points, from the search's generators; and the whole run from the model
-// to the permutation file, diagnostics dropped.
+// to the permutation file, diagnostics dropped. The search alone also over random graphs, most of them
+// without symmetry.
 
 #include <benchmark/benchmark.h>
 
+#include "bench/composition_graphs.h"
 #include "bench/example_run.h"
 #include "components/saucy_obj.h"
 #include "components/schreier_sims.h"
@@ -34,11 +36,18 @@ const std::vector<Family> kFamilies = {
     {"tandem", {"N=1000"}},
 };
 
+void search(benchmark::State& state, const ColouredGraph& graph) {
+  for (auto _ : state) benchmark::DoNotOptimize(find_automorphisms(graph).base.data());
+  state.counters["vertices"] = graph.vertex_count();
+}
+
 void automorphisms(benchmark::State& state, const Family& family) {
   const ExampleRun example(family);
-  const GraphFileResult file = read_graph_file(example.graph_file());
-  for (auto _ : state) benchmark::DoNotOptimize(find_automorphisms(file.graph).base.data());
-  state.counters["vertices"] = file.graph.vertex_count();
+  search(state, read_graph_file(example.graph_file()).graph);
+}
+
+void random_automorphisms(benchmark::State& state, const GraphParts& parts) {
+  search(state, {parts.n, parts.boundaries, parts.edges});
 }
 
 void strong_generators(benchmark::State& state, const Family& family) {
@@ -76,6 +85,11 @@ const bool kRegistered = [] {
     benchmark::RegisterBenchmark(("strong_generators/" + title).c_str(), strong_generators, family);
     benchmark::RegisterBenchmark(("whole_detection/" + title).c_str(), whole_detection, family)
         ->Unit(benchmark::kMillisecond);
+  }
+  for (const NamedGraph& graph : graph_families({1'000, 10'000})) {
+    if (graph.name.starts_with("random"))
+      benchmark::RegisterBenchmark(("automorphisms/" + graph.name).c_str(), random_automorphisms,
+                                   graph.parts);
   }
   return true;
 }();

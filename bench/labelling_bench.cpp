@@ -1,10 +1,12 @@
-// Canonical labels of random states, by the detector and by the literal search of tests/oracles/.
+// Canonical labels of random states, by the detector and by the literal search of tests/oracles/, and exact
+// labels.
 
 #include <benchmark/benchmark.h>
 
 #include <random>
 
 #include "bench/example_run.h"
+#include "detector/labelling/exact_labeller.h"
 #include "host/detection_log.h"
 #include "tests/oracles/literal_labeller.h"
 
@@ -81,15 +83,26 @@ void literal_labels(benchmark::State& state, const Family& family, unsigned valu
   for (auto _ : state) benchmark::DoNotOptimize(literal_label(tables, labelling.next_state()).state.data());
 }
 
+void exact_labels(benchmark::State& state, const Family& family, unsigned values) {
+  Labelling labelling(family, values);
+  const ExactGroup group(labelling.detector());
+  ExactLabeller labeller(group);
+  std::string label(static_cast<std::size_t>(labelling.detector().TotalStateSize), '\0');
+  for (auto _ : state) benchmark::DoNotOptimize(labeller.find(labelling.next_state().data(), label.data()));
+}
+
 const bool kRegistered = [] {
   for (const Family& family : kFamilies) {
     for (const unsigned values : {1U, 2U, 4U}) {
       const std::string title =
           family.title() + "/" + std::to_string(values) + (values == 1 ? " value" : " values");
-      benchmark::RegisterBenchmark(("detector/" + title).c_str(), detector_labels, family, values)
-          ->Unit(benchmark::kMicrosecond);
-      benchmark::RegisterBenchmark(("literal/" + title).c_str(), literal_labels, family, values)
-          ->Unit(benchmark::kMicrosecond);
+      const auto add = [&](const std::string& kind, auto labels) {
+        benchmark::RegisterBenchmark((kind + title).c_str(), labels, family, values)
+            ->Unit(benchmark::kMicrosecond);
+      };
+      add("detector/", detector_labels);
+      add("literal/", literal_labels);
+      add("exact/", exact_labels);
     }
   }
   return true;
