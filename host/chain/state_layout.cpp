@@ -21,6 +21,7 @@ StateLayout::StateLayout(const ComposedModel& model, const std::vector<std::stri
   for (std::size_t i = 0; i < model.submodels.size(); ++i) named[model.submodels[i].name] = {false, i};
   for (std::size_t i = 0; i < model.joins.size(); ++i) named[model.joins[i].name] = {true, i};
   std::vector<Partition> partitions;
+  partitions.reserve(order.size());
   for (const std::string& name : order) partitions.push_back(named.at(name));
   place(model, partitions);
 }

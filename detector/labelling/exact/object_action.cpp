@@ -45,6 +45,7 @@ std::vector<ObjectAction::Step> ObjectAction::make_steps(const ObjectPositions& 
                                                          const std::vector<std::uint32_t>& read) {
   const std::size_t count = positions.object_count();
   std::vector<ObjectPair> pairs;
+  pairs.reserve(read.size());
   for (const std::uint32_t position : read) pairs.push_back(positions.pairs()[position]);
   std::vector<Step> steps;
   for (std::size_t i = 0; i < pairs.size(); ++i) {

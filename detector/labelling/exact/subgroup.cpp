@@ -83,6 +83,7 @@ bool Subgroup::contains(const Images& local) const {
 
 Subgroup Subgroup::on(const std::vector<std::uint32_t>& positions, std::vector<Images> generators) const {
   std::vector<std::uint32_t> points;
+  points.reserve(positions.size());
   for (const std::uint32_t position : positions) points.push_back(points_[position]);
   return {whole_, std::move(points), std::move(generators)};
 }
