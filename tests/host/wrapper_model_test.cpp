@@ -82,25 +82,6 @@ TEST(WrapperModel, MayHaveNoJoins) {
   EXPECT_EQ(model.instances.size(), 1u);
 }
 
-TEST(ModelDescription, KeepsTypedActionsForLater) {
-  const ComposedModel model = read_model(example_path("philosophers"));
-  const ModelDescription& description = *model.description;
-  const ActionDecl& take = description.type(0).actions[1];
-  EXPECT_EQ(take.name.text, "takeL");
-  const Expr& guard = description.expr(take.guard);
-  EXPECT_EQ(guard.op, Op::kAnd);
-  EXPECT_EQ(guard.type, kBoolType);
-  const Expr& is_hungry = description.expr(guard.operands[0]);
-  EXPECT_EQ(description.expr(is_hungry.operands[0]).reference, Reference::kVariable);
-  EXPECT_EQ(description.expr(is_hungry.operands[1]).op, Op::kValue);
-  EXPECT_EQ(description.expr(is_hungry.operands[1]).value.integer, 1);
-  EXPECT_EQ(take.assignments[0].variable_index, 0);
-  EXPECT_EQ(description.expr(take.rate).type, kRealType);
-  const Expr& label = description.expr(description.observables[0].value);
-  EXPECT_EQ(label.op, Op::kExists);
-  EXPECT_EQ(description.quantifiers[static_cast<std::size_t>(label.quantifier)].type_index, 0);
-}
-
 TEST(ModelReader, ReadsStreamsAndFiles) {
   std::istringstream in(example_text("star"));
   EXPECT_EQ(read_model(in, "standard input", {{"N", "9"}}).submodels.size(), 9u);
