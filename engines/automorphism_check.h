@@ -1,5 +1,5 @@
-// Certifies automorphisms: the search gives out no generator that has not passed this check, which knows
-// nothing of partitions.
+// Certifies automorphisms: the search gives out none of those that it has found, or lifted from a reduced
+// graph, without this check, which knows nothing of partitions and fibres.
 
 #ifndef SYMFOLD_ENGINES_AUTOMORPHISM_CHECK_H
 #define SYMFOLD_ENGINES_AUTOMORPHISM_CHECK_H

@@ -48,18 +48,17 @@ class MoveSorter {
   PointVector<std::uint64_t> is_moved_;  // 0 between calls
 };
 
-// Generators that have passed the check, up to the limit.
-class CheckedGenerators {
+// Generators, up to the limit.
+class Generators {
  public:
-  CheckedGenerators(const ColouredGraph& graph, std::size_t most)
-      : check_(graph), sorter_(graph.vertex_count()), most_(most) {
-    list_.reserve(2 * static_cast<std::size_t>(graph.vertex_count()));  // enough for exchanges of leaves
+  Generators(int vertex_count, std::size_t most) : sorter_(vertex_count), most_(most) {
+    list_.reserve(2 * static_cast<std::size_t>(vertex_count));  // enough for exchanges of leaves
   }
 
-  // False where the moves are no automorphism, or too many have been given.
+  // Takes the moves of an automorphism in any order. False where too many have been given.
   bool add(SparsePermutation& moves) {
     if (moves.empty()) return true;
-    if (list_.size() > most_ || !check_.is_automorphism(moves)) return false;
+    if (list_.size() > most_) return false;
     sorter_.sort(moves);
     list_.push_back(moves);
     return true;
@@ -69,23 +68,25 @@ class CheckedGenerators {
   PermutationList release() { return std::move(list_); }
 
  private:
-  AutomorphismCheck check_;
   MoveSorter sorter_;
   std::size_t most_;
   PermutationList list_;
 };
 
-// Nothing where a generator fails the check.
+// Nothing where a lift fails the check.
 std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
-  CheckedGenerators generators(graph, limits.generators);
+  Generators generators(graph.vertex_count(), limits.generators);
   const auto add = [&generators](SparsePermutation& moves) { return generators.add(moves); };
   bool is_sound = reduction.for_each_own_symmetry(add);
   if (is_sound && reduction.reduced().vertex_count() > 0) {
     const AutomorphismGroup core = search_paths(reduction.reduced(), limits);
+    AutomorphismCheck check(graph);
     SparsePermutation lifted;
-    for (std::size_t g = 0; is_sound && g < core.generators.size(); ++g)
-      is_sound = reduction.lift(core.generators[g], lifted) && generators.add(lifted);
+    for (std::size_t g = 0; is_sound && g < core.generators.size(); ++g) {
+      is_sound = reduction.lift(core.generators[g], lifted) && check.is_automorphism(lifted) &&
+                 generators.add(lifted);
+    }
   }
   if (!is_sound && !generators.is_over_limit()) return std::nullopt;
   const bool is_complete = !generators.is_over_limit();

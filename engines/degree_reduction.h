@@ -6,12 +6,11 @@
 // vertex or edge of the reduced graph (fibre_forest.h, core_chains.h). The automorphism group is then the
 // product of
 //
-//   - the fibres' own symmetries: exchanges of twins, of parallel chains, of the two ends of a chain that
-//   leads
-//     from a vertex back to it; exchanges of whole components that are trees or cycles; rotations and
-//     reflections of cycles;
+//   - the fibres' own symmetries: exchanges of twins, of parallel chains, of the two ends of a chain from a
+//     vertex back to it; exchanges of whole components that are trees or cycles; rotations and reflections
+//     of cycles;
 //   - one automorphism for each of the reduced graph: its lift carries fibres to fibres in their fixed
-//   orders.
+//     orders.
 //
 // Example: 255 submodels with a join between every two: 97,410 vertices shrink to 255, each two of them with
 // the same weight between them.
@@ -23,8 +22,10 @@
 // is fixed without its ends being so. Where such a middle comes before the fibres of both ends, it stays in
 // the reduced graph, for all chains of its kind.
 //
-// Shapes and weights are hashes: two that agree by chance make a generator that is none, which the check of
-// every generator shows; the graph is then to be searched as it is.
+// Shapes and weights are hashes. Two shapes that agree by chance show when one fibre is carried to another.
+// So the fibres' own symmetries are automorphisms by their making: a tree hangs by one edge, a chain by its
+// ends, and all edges inside are compared. What is lifted need not be one, where weights agreed by chance,
+// and is to be checked. The graph is then to be searched as it is.
 //
 // Cost: linear, but for sorting the chains and anchors. That taking off all leaves again and again ends at
 // one or two centres: C. Jordan, Sur les assemblages de lignes, 1869.
@@ -57,8 +58,8 @@ class DegreeReduction {
   // false. False then, and where hashes agreed by chance.
   bool for_each_own_symmetry(const Use& use);
 
-  // The moves, in no order, of the lift of an automorphism of the reduced graph. False where hashes agreed by
-  // chance.
+  // The moves, in no order, of the lift of an automorphism of the reduced graph, which are to be checked.
+  // False where hashes agreed by chance.
   bool lift(std::span<const PointMove> moves, SparsePermutation& lifted);
 
  private:

@@ -6,7 +6,7 @@
 
 namespace symfold {
 
-FibreForest::FibreForest(const ColouredGraph& graph) : vertex_count_(graph.vertex_count()) {
+FibreForest::FibreForest(const ColouredGraph& graph) : graph_(graph), vertex_count_(graph.vertex_count()) {
   nodes_.reserve(vertex_count_ + vertex_count_ / 8 + 1);
   for (int v = 0; v < vertex_count_; ++v)
     nodes_.push_back({.shape = spread(graph.colour(v), graph.loops(v)), .smallest = v});
@@ -75,7 +75,10 @@ bool FibreForest::carry(int from, int to, SparsePermutation& moves, bool is_reve
   pending_.clear();
   for (int a = from, b = to;; is_reversed = false) {
     if ((a < vertex_count_) != (b < vertex_count_) || nodes_[a].length != nodes_[b].length) return false;
-    if (a < vertex_count_) moves.push_back({a, b});
+    if (a < vertex_count_) {
+      if (graph_.kind(a) != graph_.kind(b)) return false;
+      moves.push_back({a, b});
+    }
     const auto parts_a = parts(a);
     const auto parts_b = parts(b);
     bool goes_on = false;

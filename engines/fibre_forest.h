@@ -3,7 +3,7 @@
 // A node is a vertex, a set or a sequence, and parts hang from it. Vertices and sets hold their parts in no
 // order, sequences, which are the chains and cycles of the graph, in one that counts. The shape of a node is
 // a number over the colours and loops of all that hangs from it: nodes that can take each other's place have
-// the same one, others by a chance of about 1 in 2^64, so that what is read off here has to be checked.
+// the same one, others by a chance of about 1 in 2^64, which shows when one is carried to the other.
 //
 // Parts of one shape in a set are twins: exchanging two of them is a symmetry. The parts of a node stand in
 // the order of shapes and, among twins, of their smallest vertices, and a node is carried to another one part
@@ -33,7 +33,7 @@ using Shape = std::uint64_t;
 
 class FibreForest {
  public:
-  // Every vertex is a node of its own number, with nothing hanging from it.
+  // Every vertex is a node of its own number, with nothing hanging from it. The graph must outlive this.
   explicit FibreForest(const ColouredGraph& graph);
 
   int node_count() const { return nodes_.size(); }
@@ -63,8 +63,8 @@ class FibreForest {
 
   // Appends the moves that carry all vertices of one node to those of another one of the same shape; none
   // where they are the same. The members of a sequence are carried to those of the other one, or to its
-  // members from the last to the first. The moves are in no order. False, with moves that mean nothing, where
-  // the two differ after all.
+  // members from the last to the first. The moves are in no order, and keep colours, loops and the edges
+  // inside the nodes. False, with moves that mean nothing, where the two differ after all.
   bool carry(int from, int to, SparsePermutation& moves, bool is_reversed = false);
 
  private:
@@ -81,6 +81,7 @@ class FibreForest {
     unsigned is_sequence : 1 = 0;
   };
 
+  const ColouredGraph& graph_;
   int vertex_count_;
   PointVector<Node> nodes_;
   std::vector<int> parts_;
