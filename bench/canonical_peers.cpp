@@ -38,10 +38,16 @@ const std::vector<Family> kFamilies = {
     {"complete", {"K=8"}},
     {"complete", {"K=20"}},
     {"routers", {"W=10", "H=10"}},
+    {"torus", {"W=5", "H=5"}},
+    {"torus", {"W=10", "H=10"}},
     {"hypercube", {"d=4"}},
     {"hypercube", {"d=6"}},
     {"clients_servers", {"K=5", "M=5"}},
     {"clients_servers", {"K=10", "M=10"}},
+    {"multiprocessor", {"M=6", "K=4"}},
+    {"cluster", {"N=20"}},
+    {"peer2peer", {"N=10", "B=10"}},
+    {"polling", {"N=50"}},
 };
 
 using State = std::vector<unsigned>;  // a value for each partition
