@@ -202,9 +202,9 @@ class Table {
 
   void add_row(const std::string& name, const char* order, const GraphParts& parts) {
     std::printf("| %s | %s | %d |", name.c_str(), order, parts.n);
-    std::array<std::optional<Measurement>, kTools.size()> results;
+    Results results;
     double fastest = options_.limit;
-    std::array<double, kTools.size()> limits;
+    Limits limits;
     for (std::size_t i = 0; i < kTools.size(); ++i) {
       limits[i] =
           options_.lets_all_run ? options_.limit : std::min(options_.limit, std::max(1.0, 50 * fastest));
@@ -216,7 +216,7 @@ class Table {
       const bool has_ended = results[i].has_value();
       std::printf(" %s%.3g |", has_ended ? "" : "> ", 1e3 * (has_ended ? results[i]->seconds : limits[i]));
     }
-    note_ratio(results);
+    note_ratio(results, limits);
     note_orders(results);
   }
 
@@ -230,8 +230,9 @@ class Table {
 
  private:
   using Results = std::array<std::optional<Measurement>, kTools.size()>;
+  using Limits = std::array<double, kTools.size()>;
 
-  static constexpr int kRounds = 5;
+  static constexpr int kRounds = 15;
   static constexpr double kShort = 0.01;  // seconds
 
   // In turn, so that what else the machine does slows down all of them or none.
@@ -246,12 +247,13 @@ class Table {
   }
 
   // Against a tool that was ended the ratio is at most this.
-  void note_ratio(const Results& results) {
+  void note_ratio(const Results& results, const Limits& limits) {
+    const auto seconds = [&](std::size_t i) {
+      return results[i].has_value() ? results[i]->seconds : limits[i];
+    };
     double fastest = options_.limit;
-    for (std::size_t i = 1; i < results.size(); ++i) {
-      if (results[i].has_value()) fastest = std::min(fastest, results[i]->seconds);
-    }
-    const double ratio = (results[0].has_value() ? results[0]->seconds : options_.limit) / fastest;
+    for (std::size_t i = 1; i < results.size(); ++i) fastest = std::min(fastest, seconds(i));
+    const double ratio = seconds(0) / fastest;
     std::printf(" %.2f |", ratio);
     ++rows_;
     sum_of_logs_ += std::log(ratio);

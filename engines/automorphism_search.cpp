@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "engines/automorphism_check.h"
@@ -14,26 +15,40 @@
 namespace symfold {
 namespace {
 
-// Sorts moves by point: many by reading them off a bit for each point.
+// Writes moves down in the order of their points.
 class MoveSorter {
  public:
   explicit MoveSorter(int n) : image_(n), is_moved_(n / kBits + 1, 0) {}
 
-  void sort(SparsePermutation& moves) {
-    if (static_cast<int>(moves.size()) < 16 + is_moved_.size() / 8) {
-      std::ranges::sort(moves, {}, &PointMove::point);
+  void write(std::span<const PointMove> moves, std::span<PointMove> sorted) {
+    const auto count = static_cast<int>(moves.size());
+    if (count <= 8) {
+      write_few(moves, sorted);
+    } else if (count < 16 + is_moved_.size() / 8) {
+      std::ranges::copy(moves, sorted.begin());
+      std::ranges::sort(sorted, {}, &PointMove::point);
     } else {
-      sort_many(moves);
+      write_many(moves, sorted);
     }
   }
 
  private:
-  void sort_many(SparsePermutation& moves) {
+  // Each at its rank: nothing branches on the points, whose order nothing foretells.
+  static void write_few(std::span<const PointMove> moves, std::span<PointMove> sorted) {
+    for (const PointMove& move : moves) {
+      std::size_t rank = 0;
+      for (const PointMove& other : moves) rank += other.point < move.point ? 1 : 0;
+      sorted[rank] = move;
+    }
+  }
+
+  // Read off a bit for each point.
+  void write_many(std::span<const PointMove> moves, std::span<PointMove> sorted) {
     for (const auto& [point, image] : moves) {
       image_[point] = image;
       is_moved_[point / kBits] |= std::uint64_t{1} << (point % kBits);
     }
-    auto move = moves.begin();
+    auto move = sorted.begin();
     for (int word = 0; word < is_moved_.size(); ++word) {
       for (std::uint64_t bits = std::exchange(is_moved_[word], 0); bits != 0; bits &= bits - 1) {
         const int point = word * kBits + std::countr_zero(bits);
@@ -56,11 +71,10 @@ class Generators {
   }
 
   // Takes the moves of an automorphism in any order. False where too many have been given.
-  bool add(SparsePermutation& moves) {
+  bool add(std::span<const PointMove> moves) {
     if (moves.empty()) return true;
     if (list_.size() > most_) return false;
-    sorter_.sort(moves);
-    list_.push_back(moves);
+    sorter_.write(moves, list_.add(moves.size()));
     return true;
   }
 
@@ -77,7 +91,7 @@ class Generators {
 std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
   Generators generators(graph.vertex_count(), limits.generators);
-  const auto add = [&generators](SparsePermutation& moves) { return generators.add(moves); };
+  const auto add = [&generators](const SparsePermutation& moves) { return generators.add(moves); };
   bool is_sound = reduction.for_each_own_symmetry(add);
   if (is_sound && reduction.reduced().vertex_count() > 0) {
     const AutomorphismGroup core = search_paths(reduction.reduced(), limits);

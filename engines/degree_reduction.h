@@ -44,7 +44,7 @@ namespace symfold {
 
 class DegreeReduction {
  public:
-  using Use = std::function<bool(SparsePermutation&)>;
+  using Use = std::function<bool(const SparsePermutation&)>;
 
   // Whether enough vertices have a degree below three for a reduction to pay.
   static bool is_worthwhile(const ColouredGraph& graph);

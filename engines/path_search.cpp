@@ -32,6 +32,33 @@ struct Level {
   int latest = -1;     // the latest one after the first; they are taken in ascending order
 };
 
+// The orbits of the generators found so far, with what the search knows of each.
+class SearchOrbits {
+ public:
+  explicit SearchOrbits(int n) : classes_(n), largest_(identity_images(n)), mark_(n, -1) {}
+
+  void unite(int x, int y) {
+    x = classes_.find(x);
+    y = classes_.find(y);
+    const int root = classes_.unite(x, y);
+    largest_[root] = std::max(largest_[x], largest_[y]);
+    mark_[root] = std::max(mark_[x], mark_[y]);
+  }
+
+  bool are_together(int x, int y) { return classes_.find(x) == classes_.find(y); }
+  int size(int x) { return classes_.size_of_class(x); }
+  int largest(int x) { return largest_[classes_.find(x)]; }
+
+  // The largest mark, at least 0, that a point of x's orbit was given; -1 for none.
+  int mark(int x) { return mark_[classes_.find(x)]; }
+  void set_mark(int x, int mark) { mark_[classes_.find(x)] = mark; }
+
+ private:
+  UnionFind classes_;
+  PointVector<int> largest_;  // valid at roots, as are the marks
+  PointVector<int> mark_;
+};
+
 class PathSearch {
  public:
   // All must outlive this. `keys` are colours, or finer.
@@ -85,12 +112,12 @@ class PathSearch {
         levels_.size() - i;  // marks this level's failed classes, above all marks of earlier levels
     descent_.return_to(level.splits, level.vertex);
     for (int position = level.cell + level.length - 1; position >= level.cell; --position) {
-      if (orbits_.size_of_class(level.vertex) == level.length) break;
+      if (orbits_.size(level.vertex) == level.length) break;
       const int v = end_.vertex_at(position);
-      if (orbits_.find(v) == orbits_.find(level.vertex) || orbits_.mark_of_class(v) == failed) continue;
+      if (orbits_.are_together(v, level.vertex) || orbits_.mark(v) == failed) continue;
       const std::size_t work = refiner_.work();
-      if (!find_image(i, orbits_.largest_of_class(v))) {
-        orbits_.mark_class(v, failed);
+      if (!find_image(i, orbits_.largest(v))) {
+        orbits_.set_mark(v, failed);
         failed_work_ += refiner_.work() - work;
         if (has_finer_keys()) return false;
       }
@@ -99,7 +126,7 @@ class PathSearch {
         break;
       }
     }
-    level.orbit_length = orbits_.size_of_class(level.vertex);
+    level.orbit_length = orbits_.size(level.vertex);
     return true;
   }
 
@@ -208,7 +235,7 @@ class PathSearch {
   PairedDescent descent_;
   PartialImage partial_image_;
   AutomorphismCheck check_;
-  UnionFind orbits_;  // of the generators found so far
+  SearchOrbits orbits_;
   AutomorphismGroup group_;
   SearchLimits limits_;
   SparsePermutation moves_;  // the current guess

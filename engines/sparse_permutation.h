@@ -4,6 +4,7 @@
 #ifndef SYMFOLD_ENGINES_SPARSE_PERMUTATION_H
 #define SYMFOLD_ENGINES_SPARSE_PERMUTATION_H
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -32,9 +33,13 @@ class PermutationList {
   }
 
   void reserve(std::size_t moves) { moves_.reserve(moves); }
-  void push_back(std::span<const PointMove> moves) {
-    moves_.insert(moves_.end(), moves.begin(), moves.end());
+  void push_back(std::span<const PointMove> moves) { std::ranges::copy(moves, add(moves.size()).begin()); }
+
+  // Room for the moves of one more permutation.
+  std::span<PointMove> add(std::size_t moves) {
+    moves_.resize(moves_.size() + moves);
     ends_.push_back(moves_.size());
+    return std::span(moves_).last(moves);
   }
 
   // Gives copies.

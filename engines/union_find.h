@@ -1,11 +1,10 @@
-// The orbits of a growing set of generators: a disjoint-set forest (union by size, path halving) that knows
-// the largest point of each class and carries a mark from both sides of a union. Amortised cost per call:
-// almost constant (R. E. Tarjan, Efficiency of a good but not linear set union algorithm, J. ACM 22, 1975).
+// The orbits of a growing set of generators: a disjoint-set forest (union by size, path halving). Amortised
+// cost per call: almost constant (R. E. Tarjan, Efficiency of a good but not linear set union algorithm,
+// J. ACM 22, 1975).
 
 #ifndef SYMFOLD_ENGINES_UNION_FIND_H
 #define SYMFOLD_ENGINES_UNION_FIND_H
 
-#include <algorithm>
 #include <utility>
 
 #include "engines/point_vector.h"
@@ -14,49 +13,34 @@ namespace symfold {
 
 class UnionFind {
  public:
-  explicit UnionFind(int n) : parent_(identity_images(n)), classes_(n) {
-    for (int x = 0; x < n; ++x) classes_[x].largest = x;
-  }
+  explicit UnionFind(int n) : parent_(identity_images(n)), size_(n, 1) {}
 
+  // The same member for all of x's class, its root. Two steps at a time without a branch: most classes are
+  // one or two steps deep, and which, nothing foretells.
   int find(int x) {
-    while (parent_[x] != x) {
+    do {
       parent_[x] = parent_[parent_[x]];
       x = parent_[x];
-    }
+    } while (parent_[x] != x);
     return x;
   }
 
-  void unite(int x, int y) {
-    if (parent_[x] == parent_[y]) return;
+  // Gives the root of the joint class.
+  int unite(int x, int y) {
     x = find(x);
     y = find(y);
-    if (x == y) return;
-    if (classes_[x].size < classes_[y].size) std::swap(x, y);
+    if (x == y) return x;
+    if (size_[x] < size_[y]) std::swap(x, y);
     parent_[y] = x;
-    Class& all = classes_[x];
-    const Class& added = classes_[y];
-    all = {all.size + added.size, std::max(all.largest, added.largest), std::max(all.mark, added.mark)};
+    size_[x] += size_[y];
+    return x;
   }
 
-  int size_of_class(int x) { return classes_[find(x)].size; }
-  int largest_of_class(int x) { return classes_[find(x)].largest; }
-
-  // The largest mark, at least 0, that a member of x's class was given; -1 for none.
-  int mark_of_class(int x) { return classes_[find(x)].mark; }
-  void mark_class(int x, int mark) {
-    Class& root = classes_[find(x)];
-    root.mark = std::max(root.mark, mark);
-  }
+  int size_of_class(int x) { return size_[find(x)]; }
 
  private:
-  struct Class {
-    int size = 1;
-    int largest = 0;
-    int mark = -1;
-  };
-
   PointVector<int> parent_;
-  PointVector<Class> classes_;  // valid at roots
+  PointVector<int> size_;  // valid at roots
 };
 
 }  // namespace symfold

@@ -76,7 +76,7 @@ void expect_sound(const oracle::Graph& graph) {
   AutomorphismCheck check(coloured);
   DegreeReduction reduction(coloured);
   EXPECT_TRUE(reduction.for_each_own_symmetry(
-      [&](SparsePermutation& moves) { return !moves.empty() && check.is_automorphism(moves); }));
+      [&](const SparsePermutation& moves) { return !moves.empty() && check.is_automorphism(moves); }));
   SparsePermutation lifted;
   for (const SparsePermutation& moves : search_paths(reduction.reduced()).generators) {
     EXPECT_TRUE(reduction.lift(moves, lifted) && check.is_automorphism(lifted));
