@@ -68,6 +68,7 @@ ExactLabeller::ExactLabeller(const ExactGroup& group)
       word_(group.partitions_.size()),
       image_(group.state_size_) {
   for (std::uint32_t i = 0; i < word_.size(); ++i) {
+    word_[i].source = i;
     if (group_.partitions_[i].size > kValueBytes) long_partitions_.push_back(i);
   }
 }

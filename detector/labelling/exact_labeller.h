@@ -21,8 +21,8 @@ namespace symfold {
 // number of labellers, each on a thread of its own, share it.
 class ExactGroup {
  public:
-  // Of a detector after TrimPermutations or ReadPermFile; keeps no reference to it. Cost: a pass over the
-  // tables for each base point. Throws std::invalid_argument where an entry of the tables is no permutation
+  // Of a detector after TrimPermutations or ReadPermFile; keeps no reference to it. Cost: that of recognise,
+  // recognition.h. Throws std::invalid_argument where an entry of the tables is no permutation
   // that keeps the partitions' sizes, std::length_error where no way is known that fits the bounds.
   explicit ExactGroup(const SymmetryDetection& detector, const SearchBounds& bounds = {});
 
@@ -51,8 +51,8 @@ class ExactLabeller {
   // image of the state, but a larger one may exist. Allocates nothing but for growing work space.
   bool find(const void* state, void* label);
 
-  // Writes a permutation of the partitions that carries the state labelled last onto its label: the bytes of
-  // partition c go to the place of partition witness[c].
+  // Writes a permutation of the partitions that carries the state labelled last onto its label, the identity
+  // before any is: the bytes of partition c go to the place of partition witness[c].
   void find_witness(short* witness) const;
 
   // Labels found so far, and those that are not known to be exact.

@@ -243,6 +243,51 @@ TEST(ExactLabels, NeverCallALabelExactThatIsNot) {
   EXPECT_GT(inexact, 0U);
 }
 
+// Orbits too long for all states: periodic ones, in which many images tie, and random ones. A bound of one
+// element, then of few images, leaves the chain and nothing.
+TEST(ExactLabels, AreTheLargestOnLongOrbits) {
+  const auto turned = [](auto x, auto y) { return std::pair(x + 1, y); };
+  const auto lifted = [](auto x, auto y) { return std::pair(x, y + 1); };
+  const auto mirrored = [](auto x, auto y) { return std::pair(5 - x, y); };
+  const auto once_round = [](auto x, auto y) { return std::pair((x + 1) % 24, y); };
+  const auto back = [](auto x, auto y) { return std::pair((24 - x) % 24, y); };
+  const std::vector<Action> actions{
+      {"ring of 24 with two positions each", std::vector<int>(48, 2), {on_grid(24, 2, once_round)}, 0},
+      {"the same in both directions",
+       std::vector<int>(48, 2),
+       {on_grid(24, 2, once_round), on_grid(24, 2, back)},
+       0},
+      {"6 x 5 torus", std::vector<int>(30, 2), {on_grid(6, 5, turned), on_grid(6, 5, lifted)}, 0},
+      {"the same with mirrors",
+       std::vector<int>(30, 2),
+       {on_grid(6, 5, turned), on_grid(6, 5, lifted), on_grid(6, 5, mirrored)},
+       0},
+  };
+  std::mt19937 random(3);
+  for (const Action& action : actions) {
+    const Action layout = shuffled(action, random);
+    const std::set<Images> elements = closure(layout.generators, layout.size());
+    SymmetryDetection detector;
+    set_tables(detector, layout, 1);
+    const ExactGroup listed(detector);
+    const ExactGroup chained(detector, {20'000, 1});
+    EXPECT_THROW((ExactGroup{detector, {20'000, 1, 10 * layout.size()}}), std::length_error);
+    ExactLabeller by_list(listed);
+    ExactLabeller by_chain(chained);
+    for (std::size_t i = 0; i < 200; ++i) {
+      std::string state(layout.size(), '0');
+      for (std::size_t c = 0; c < state.size(); ++c)
+        state[c] = i < 12 ? (c % (i + 1) == 0 ? '1' : '0') : static_cast<char>('0' + random() % 2);
+      const std::string largest = largest_image(state, elements, 1);
+      for (ExactLabeller* labeller : {&by_list, &by_chain}) {
+        const Label label = label_of(*labeller, state, 1);
+        ASSERT_TRUE(label.is_exact) << action.name;
+        ASSERT_EQ(label.state, largest) << action.name;
+      }
+    }
+  }
+}
+
 // Two racks of three servers, where the greedy search gives equivalent states two labels.
 TEST(ExactLabels, AgreeWhereGreedyOnesDoNot) {
   const Action racks{
@@ -271,6 +316,10 @@ TEST(ExactLabels, RefuseTablesThatAreNone) {
   SymmetryDetection large;
   set_tables(large, {"ring", std::vector<int>(5, 2), {cycles(5, {{0, 1, 2, 3, 4}})}, 0}, 2);
   EXPECT_THROW((ExactGroup{large, {1, 1, 1}}), std::length_error);
+  EXPECT_THROW((ExactGroup{large, {0, 1, 1000}}), std::invalid_argument);
+  std::vector<short> witness(5, -1);
+  ExactLabeller(ExactGroup(large)).find_witness(witness.data());
+  EXPECT_EQ(witness, (std::vector<short>{0, 1, 2, 3, 4})) << "no state was labelled";
 }
 
 }  // namespace

@@ -15,13 +15,14 @@ using Positions = std::vector<std::uint32_t>;
 class BlockRecognition {
  public:
   explicit BlockRecognition(const Subgroup& group)
-      : group_(group), sample_(group.sample()), orbits_(group.orbits()) {}
+      : group_(group), sample_(sample_of(group.generators())), orbits_(group.orbits()) {}
 
   std::optional<RecognisedBlocks> run();
 
  private:
   std::optional<RecognisedBlocks> complete(const Positions& orbit, Classes classes);
   bool coarsen(const Positions& orbit, Classes& classes) const;
+  std::vector<Images> actions_on(const Positions& firsts, Classes& classes) const;
   std::optional<RecognisedBlocks> prove(std::vector<Positions> blocks) const;
   bool has_neighbour_swaps(const std::vector<Positions>& blocks) const;
 
@@ -80,23 +81,36 @@ std::optional<RecognisedBlocks> BlockRecognition::complete(const Positions& orbi
   return prove(classes.lists());
 }
 
-// Makes the classes on the orbit coarser by the least step; false where only one class would be left.
+// Makes the classes on the orbit coarser by the least step; false where only one class would be left. Tried
+// on the classes alone, as points of their own.
 bool BlockRecognition::coarsen(const Positions& orbit, Classes& classes) const {
   const Positions firsts = first_members(orbit, classes);
-  std::optional<Classes> finest;
-  std::size_t most_classes = 1;
-  for (std::size_t i = 1; i < firsts.size(); ++i) {
-    Classes trial = classes;
-    trial.unite_invariantly(firsts[0], firsts[i], sample_);
-    const std::size_t count = first_members(orbit, trial).size();
-    if (count > most_classes) {
-      most_classes = count;
-      finest = std::move(trial);
-    }
+  const std::vector<Images> actions = actions_on(firsts, classes);
+  std::vector<const Images*> letters;
+  for (const Images& action : actions) letters.push_back(&action);
+  std::size_t finest = 0;
+  std::size_t fewest_unions = firsts.size() - 1;
+  for (std::uint32_t i = 1; i < firsts.size() && 2 * fewest_unions > firsts.size(); ++i) {
+    const std::size_t unions = Classes(firsts.size()).unite_invariantly(0, i, letters);
+    if (unions >= fewest_unions) continue;
+    fewest_unions = unions;
+    finest = i;
   }
-  if (!finest) return false;
-  classes = std::move(*finest);
+  if (finest == 0) return false;
+  classes.unite_invariantly(firsts[0], firsts[finest], sample_);
   return true;
+}
+
+// What the sample does to the classes, which are invariant, of these first members.
+std::vector<Images> BlockRecognition::actions_on(const Positions& firsts, Classes& classes) const {
+  Positions number(group_.size());
+  for (std::uint32_t i = 0; i < firsts.size(); ++i) number[firsts[i]] = i;
+  std::vector<Images> actions;
+  for (const Images* letter : sample_) {
+    Images& images = actions.emplace_back();
+    for (const std::uint32_t first : firsts) images.push_back(number[classes.find((*letter)[first])]);
+  }
+  return actions;
 }
 
 bool BlockRecognition::has_neighbour_swaps(const std::vector<Positions>& blocks) const {

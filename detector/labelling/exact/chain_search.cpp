@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "components/schreier_sims.h"
+#include "detector/labelling/exact/subgroup.h"
 #include "detector/labelling/exact/table_group.h"
 
 namespace symfold {
@@ -38,14 +39,13 @@ ChainLevel make_level(std::uint32_t base, const std::vector<const Images*>& stab
   return level;
 }
 
-}  // namespace
-
-std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
-                                   std::size_t most_images) {
+// The levels of the group that these generate.
+std::vector<ChainLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
+                                  std::size_t most_images) {
   std::vector<Permutation> permutations;
-  for (const Images& images : generators) {
+  for (const Images* images : generators) {
     Permutation& permutation = permutations.emplace_back(static_cast<int>(point_count));
-    std::copy(images.begin(), images.end(), permutation.GetP());
+    std::copy(images->begin(), images->end(), permutation.GetP());
   }
   SchreierSims schreier_sims(static_cast<int>(point_count), static_cast<int>(generators.size()));
   std::vector<int> base;
@@ -65,6 +65,48 @@ std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Im
     levels.push_back(make_level(static_cast<std::uint32_t>(point), stabiliser));
   }
   return levels;
+}
+
+// The transversal of the first base point alone has this many.
+std::size_t least_images(std::size_t point_count, const std::vector<const Images*>& generators) {
+  Classes classes(point_count);
+  for (const Images* images : generators) {
+    for (std::uint32_t x = 0; x < point_count; ++x) classes.unite(x, (*images)[x]);
+  }
+  const std::vector<std::vector<std::uint32_t>> orbits = classes.lists();
+  const auto first = std::ranges::find_if(orbits, [](const auto& orbit) { return orbit.size() > 1; });
+  return first == orbits.end() ? 0 : first->size() * point_count;
+}
+
+bool contains(const std::vector<ChainLevel>& levels, Images g) {
+  for (const ChainLevel& level : levels) {
+    const auto place = std::find(level.orbit.begin(), level.orbit.end(), g[level.base]);
+    if (place == level.orbit.end()) return false;
+    if (place == level.orbit.begin()) continue;
+    const Images& back = level.transversal[static_cast<std::size_t>(place - level.orbit.begin())];
+    for (std::uint32_t& image : g) image = back[image];
+  }
+  return is_identity(g);
+}
+
+}  // namespace
+
+// Of a sample of the generators, and ever more of those that this leaves out: tables hold a generator for
+// each point of an orbit, of which few are needed.
+std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
+                                   std::size_t most_images) {
+  std::vector<const Images*> used = sample_of(generators);
+  if (least_images(point_count, used) > most_images) return {};
+  for (;;) {
+    std::vector<ChainLevel> levels = levels_of(point_count, used, most_images);
+    if (levels.empty()) return levels;
+    const std::size_t most = 2 * used.size();
+    const std::size_t before = used.size();
+    for (const Images& generator : generators) {
+      if (used.size() < most && !contains(levels, generator)) used.push_back(&generator);
+    }
+    if (used.size() == before) return levels;
+  }
 }
 
 ChainSearch::ChainSearch(std::size_t position_count, std::vector<ChainLevel> levels,

@@ -17,7 +17,7 @@ class ObjectRecognition {
  public:
   explicit ObjectRecognition(const Subgroup& group);
 
-  std::optional<ObjectPositions> run();
+  std::optional<ObjectPositions> run(std::size_t most_entries);
 
  private:
   // The walk from an orbit's first point: how each other point is reached.
@@ -45,14 +45,17 @@ class ObjectRecognition {
 };
 
 ObjectRecognition::ObjectRecognition(const Subgroup& group)
-    : group_(group), letters_(group.sample()), pairs_(group.size()) {
+    : group_(group), letters_(sample_of(group.generators())), pairs_(group.size()) {
   for (const Images* letter : letters_) inverses_.push_back(inverse(*letter));
 }
 
-std::optional<ObjectPositions> ObjectRecognition::run() {
+std::optional<ObjectPositions> ObjectRecognition::run(std::size_t most_entries) {
   for (const Positions& orbit : group_.orbits()) {
     if (!add_orbit(orbit)) return std::nullopt;
   }
+  std::size_t objects_of_all = 0;
+  for (const Positions& objects : classes_) objects_of_all += objects.size();
+  if (is_unordered_.size() * objects_of_all * objects_of_all > most_entries) return std::nullopt;
   ObjectPositions objects = numbered();
   if (!is_proved(objects)) return std::nullopt;
   return objects;
@@ -195,8 +198,8 @@ bool ObjectRecognition::is_proved(const ObjectPositions& objects) const {
 
 }  // namespace
 
-std::optional<ObjectPositions> recognise_objects(const Subgroup& group) {
-  return ObjectRecognition(group).run();
+std::optional<ObjectPositions> recognise_objects(const Subgroup& group, std::size_t most_entries) {
+  return ObjectRecognition(group).run(most_entries);
 }
 
 }  // namespace symfold

@@ -1,6 +1,7 @@
 #include "detector/labelling/exact/recognition.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -20,42 +21,54 @@ using Positions = std::vector<std::uint32_t>;
 
 std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds);
 
-// All elements, by multiplying those known with as few generators as are needed; nothing where there are too
-// many.
-std::vector<Images> list_elements(const Subgroup& group, const SearchBounds& bounds) {
-  const std::size_t most = std::min(bounds.most_elements, bounds.most_images / group.size());
+// Orbits up to this length are cheap to look at.
+constexpr std::size_t kShortOrbit = 16;
+
+// All elements, by multiplying those known with as few generators as are needed; nothing where there are more
+// than `most`.
+std::vector<Images> list_elements(const Subgroup& group, std::size_t most) {
   Images identity(group.size());
-  for (std::uint32_t i = 0; i < identity.size(); ++i) identity[i] = i;
-  std::vector<Images> elements{identity};
-  std::set<Images> known{identity};
+  std::iota(identity.begin(), identity.end(), 0U);
+  std::set<Images> known{std::move(identity)};
+  std::vector<const Images*> elements{&*known.begin()};
   std::vector<const Images*> used;
   for (const Images& generator : group.generators()) {
     if (known.contains(generator)) continue;
     used.push_back(&generator);
     for (std::size_t i = 0; i < elements.size(); ++i) {
       for (const Images* factor : used) {
-        Images product = composed(*factor, elements[i]);
-        if (!known.insert(product).second) continue;
+        const auto [product, is_new] = known.insert(composed(*factor, *elements[i]));
+        if (!is_new) continue;
         if (elements.size() >= most) return {};
-        elements.push_back(std::move(product));
+        elements.push_back(&*product);
       }
     }
   }
-  return elements;
+  std::vector<Images> all;
+  while (!known.empty()) all.push_back(std::move(known.extract(known.begin()).value()));
+  return all;
 }
 
-// A group of which every position is moved, and which is no direct product.
+// A group of which every position is moved, and which is no direct product. Rings, grids and the like, with
+// few more elements than points in an orbit, are listed before blocks and objects are looked for in vain.
 std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const SearchBounds& bounds) {
+  const std::size_t most_elements = std::min(bounds.most_elements, bounds.most_images / group.size());
+  const auto list = [&](std::size_t most) -> std::unique_ptr<ImageSearch> {
+    std::vector<Images> elements = list_elements(group, std::min(most, most_elements));
+    if (elements.empty()) return nullptr;
+    return std::make_unique<ListedGroup>(std::move(elements), group.positions_with_values());
+  };
+  if (const std::size_t longest = group.orbits().back().size(); longest > kShortOrbit) {
+    if (auto search = list(2 * longest)) return search;
+  }
   if (auto found = recognise_blocks(group)) {
     auto inner = make_search(group.on(found->blocks[0], std::move(found->inner)), bounds);
     return std::make_unique<BlockSort>(std::move(found->blocks), std::move(inner));
   }
-  if (const auto objects = recognise_objects(group)) {
+  if (const auto objects = recognise_objects(group, bounds.most_images)) {
     return std::make_unique<ObjectAction>(*objects, group.positions_with_values(), bounds.most_candidates);
   }
-  if (std::vector<Images> elements = list_elements(group, bounds); !elements.empty()) {
-    return std::make_unique<ListedGroup>(std::move(elements), group.positions_with_values());
-  }
+  if (auto search = list(most_elements)) return search;
   std::vector<ChainLevel> levels = make_chain(group.size(), group.generators(), bounds.most_images);
   if (levels.empty()) throw std::length_error("the symmetry group is too large for exact labels");
   return std::make_unique<ChainSearch>(group.size(), std::move(levels), bounds.most_candidates);
@@ -100,8 +113,9 @@ std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBoun
 }  // namespace
 
 std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds) {
+  if (bounds.most_candidates == 0) throw std::invalid_argument("expected at least one candidate");
   Positions points(group.point_count());
-  for (std::uint32_t i = 0; i < points.size(); ++i) points[i] = i;
+  std::iota(points.begin(), points.end(), 0U);
   return make_search(Subgroup(group, std::move(points), group.permutations()), bounds);
 }
 

@@ -27,8 +27,8 @@ bool Classes::unite(std::uint32_t x, std::uint32_t y) {
   return x != y;
 }
 
-void Classes::unite_invariantly(std::uint32_t x, std::uint32_t y,
-                                const std::vector<const Images*>& permutations) {
+std::size_t Classes::unite_invariantly(std::uint32_t x, std::uint32_t y,
+                                       const std::vector<const Images*>& permutations) {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> united;
   if (unite(x, y)) united.emplace_back(x, y);
   for (std::size_t i = 0; i < united.size(); ++i) {
@@ -38,6 +38,7 @@ void Classes::unite_invariantly(std::uint32_t x, std::uint32_t y,
         united.emplace_back((*permutation)[a], (*permutation)[b]);
     }
   }
+  return united.size();
 }
 
 std::vector<std::vector<std::uint32_t>> Classes::lists() {
@@ -54,24 +55,26 @@ std::vector<std::vector<std::uint32_t>> Classes::lists() {
   return lists;
 }
 
+std::vector<const Images*> sample_of(const std::vector<Images>& permutations) {
+  std::vector<const Images*> chosen;
+  if (permutations.empty()) return chosen;
+  Classes classes(permutations[0].size());
+  const std::size_t stride = std::max<std::size_t>(permutations.size() / kMoreInSample, 1);
+  for (std::size_t i = 0; i < permutations.size(); ++i) {
+    bool joins = false;
+    for (std::uint32_t x = 0; x < permutations[i].size(); ++x)
+      joins = classes.unite(x, permutations[i][x]) || joins;
+    if (joins || i % stride == 0) chosen.push_back(&permutations[i]);
+  }
+  return chosen;
+}
+
 std::vector<std::uint32_t> Subgroup::positions_with_values() const {
   std::vector<std::uint32_t> positions;
   for (std::uint32_t i = 0; i < size(); ++i) {
     if (whole_.has_value(points_[i])) positions.push_back(i);
   }
   return positions;
-}
-
-std::vector<const Images*> Subgroup::sample() const {
-  std::vector<const Images*> chosen;
-  Classes classes(size());
-  const std::size_t stride = std::max<std::size_t>(generators_.size() / kMoreInSample, 1);
-  for (std::size_t i = 0; i < generators_.size(); ++i) {
-    bool joins = false;
-    for (std::uint32_t x = 0; x < size(); ++x) joins = classes.unite(x, generators_[i][x]) || joins;
-    if (joins || i % stride == 0) chosen.push_back(&generators_[i]);
-  }
-  return chosen;
 }
 
 bool Subgroup::contains(const Images& local) const {

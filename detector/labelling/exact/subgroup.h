@@ -23,9 +23,6 @@ class Subgroup {
   std::size_t size() const { return points_.size(); }
   const std::vector<Images>& generators() const { return generators_; }
 
-  // A few of the generators with the same orbits, for what is only guessed and proved later.
-  std::vector<const Images*> sample() const;
-
   // Whether the whole group certainly has this element.
   bool contains(const Images& local) const;
 
@@ -41,6 +38,9 @@ class Subgroup {
   std::vector<Images> generators_;
 };
 
+// A few of the permutations with the same orbits, for what is only guessed and proved later.
+std::vector<const Images*> sample_of(const std::vector<Images>& permutations);
+
 // A disjoint-set forest over the positions.
 class Classes {
  public:
@@ -50,8 +50,9 @@ class Classes {
 
   // Unites x and y, and what the permutations then make of it: the finest invariant partition in which they
   // are one class (M. D. Atkinson, An algorithm for finding the blocks of a permutation group, Math. Comp.
-  // 29, 1975), given that the classes were invariant before.
-  void unite_invariantly(std::uint32_t x, std::uint32_t y, const std::vector<const Images*>& permutations);
+  // 29, 1975), given that the classes were invariant before. Gives by how many there are fewer classes.
+  std::size_t unite_invariantly(std::uint32_t x, std::uint32_t y,
+                                const std::vector<const Images*>& permutations);
 
   // The classes as ascending lists, in the order of their first members.
   std::vector<std::vector<std::uint32_t>> lists();
