@@ -64,12 +64,16 @@ class Labelling {
   std::size_t next_ = 0;
 };
 
+// With the permutation, which the literal search makes too, or without.
+template <bool has_permutation>
 void detector_labels(benchmark::State& state, const Family& family, unsigned values) {
   Labelling labelling(family, values);
   SymmetryDetection& detector = labelling.detector();
   std::string label(static_cast<std::size_t>(detector.TotalStateSize), '\0');
+  std::vector<short> permutation(detector.PartitionInfo.size());
   for (auto _ : state) {
-    detector.FindCanonicalLabel(labelling.next_state().data(), label.data(), nullptr);
+    detector.FindCanonicalLabel(labelling.next_state().data(), label.data(),
+                                has_permutation ? permutation.data() : nullptr);
     benchmark::DoNotOptimize(label.data());
   }
   state.counters["partitions"] = detector.num_partitions;
@@ -100,7 +104,8 @@ const bool kRegistered = [] {
         benchmark::RegisterBenchmark((kind + title).c_str(), labels, family, values)
             ->Unit(benchmark::kMicrosecond);
       };
-      add("detector/", detector_labels);
+      add("detector/", detector_labels<false>);
+      add("detector with permutation/", detector_labels<true>);
       add("literal/", literal_labels);
       add("exact/", exact_labels);
     }
