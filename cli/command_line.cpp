@@ -26,6 +26,12 @@ void add_model_input(CLI::App& app, ModelInput& input) {
       });
 }
 
+// Conversions wrap negative numbers, and take nan and inf.
+std::string refuse_other_than_number(const std::string& text) {
+  const bool is_number = !text.empty() && text.find_first_of("0123456789.") == 0;
+  return is_number ? std::string() : "expected a number, at least 0, got '" + text + "'";
+}
+
 // The subcommands with their options; `command` becomes the one that was chosen.
 struct Commands {
   explicit Commands(const Streams& streams) {
@@ -51,11 +57,13 @@ struct Commands {
     explore_app
         ->add_flag("--compare", explore.compare, "Explore with all of them and print them side by side")
         ->excludes(symmetry);
-    explore_app->add_option("--max-states", explore.most_states, "Stop at so many states");
+    const CLI::Validator is_number(refuse_other_than_number, "");
+    explore_app->add_option("--max-states", explore.most_states, "Stop at so many states")->check(is_number);
     explore_app->add_option("--max-memory", explore.most_memory, "Stop at so many bytes, for instance 500M")
-        ->transform(CLI::AsSizeValue(false));
+        ->transform(CLI::AsSizeValue(false))
+        ->transform(is_number);
     explore_app->add_option("--time-limit", explore.most_seconds, "Stop after so many seconds")
-        ->check(CLI::NonNegativeNumber);
+        ->check(is_number);
     explore_app->add_option("-o,--output", explore.directory,
                             "Run directory of the detection (default: the model's name, .symfold)");
     explore_app->add_flag("--quiet", explore.quiet, "No progress");

@@ -98,6 +98,17 @@ TEST(Explore, StopsCleanlyAtEveryLimit) {
   }
 }
 
+TEST(Explore, RefusesLimitsThatAreNone) {
+  const TempDir directory;
+  for (const std::string limit : {"--max-states", "--max-memory", "--time-limit"}) {
+    for (const std::string value : {"-1", "nan", "inf", "many", ""}) {
+      const Outcome outcome = run({"explore", kPhilosophers, limit, value});
+      EXPECT_EQ(outcome.code, kUsage) << limit << ' ' << value;
+      EXPECT_NE(outcome.err.find(limit), std::string::npos) << outcome.err;
+    }
+  }
+}
+
 TEST(Explore, StopsCleanlyWhenInterrupted) {
   const TempDir directory;
   std::thread interrupts([] {
