@@ -87,6 +87,7 @@ bool BlockRecognition::coarsen(const Positions& orbit, Classes& classes) const {
   const Positions firsts = first_members(orbit, classes);
   const std::vector<Images> actions = actions_on(firsts, classes);
   std::vector<const Images*> letters;
+  letters.reserve(actions.size());
   for (const Images& action : actions) letters.push_back(&action);
   std::size_t finest = 0;
   std::size_t fewest_unions = firsts.size() - 1;
