@@ -29,9 +29,9 @@
 #include <string_view>
 
 #include "bench/composition_graphs.h"
-#include "engines/automorphism_search.h"
+#include "engines/reduction/automorphism_search.h"
 
-namespace symfold {
+namespace symfold::detail {
 namespace {
 
 struct Measurement {
@@ -292,6 +292,6 @@ int run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace symfold
+}  // namespace symfold::detail
 
-int main(int argc, char** argv) { return symfold::run(symfold::read_options(argc, argv)); }
+int main(int argc, char** argv) { return symfold::detail::run(symfold::detail::read_options(argc, argv)); }

@@ -17,8 +17,8 @@
 #include <random>
 
 #include "bench/example_run.h"
-#include "detector/labelling/exact_labeller.h"
-#include "host/label_search.h"
+#include "detector/exact_labeller.h"
+#include "host/symmetry/label_search.h"
 
 namespace symfold {
 namespace {

@@ -6,7 +6,7 @@
 #include <random>
 #include <utility>
 
-namespace symfold {
+namespace symfold::detail {
 namespace {
 
 // Parts in any order; finish() numbers them by colour: types in the order of their numbers, joins, variables.
@@ -331,4 +331,4 @@ GraphParts shuffled(GraphParts parts, unsigned seed) {
   return parts;
 }
 
-}  // namespace symfold
+}  // namespace symfold::detail

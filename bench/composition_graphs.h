@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "engines/coloured_graph.h"
+#include "engines/graph/coloured_graph.h"
 
-namespace symfold {
+namespace symfold::detail {
 
 // What a ColouredGraph is made of.
 struct GraphParts {
@@ -32,6 +32,6 @@ std::vector<NamedGraph> graph_families(const std::vector<int>& sizes);
 // Vertices exchanged at random inside their colours, edges in another order.
 GraphParts shuffled(GraphParts parts, unsigned seed);
 
-}  // namespace symfold
+}  // namespace symfold::detail
 
 #endif  // SYMFOLD_BENCH_COMPOSITION_GRAPHS_H

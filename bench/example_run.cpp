@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "host/model_reader.h"
+#include "host/language/model_reader.h"
 
 namespace symfold {
 
@@ -20,7 +20,7 @@ ComposedModel read_example(const Family& family) {
     const auto equals = constant.find('=');
     overrides.push_back({constant.substr(0, equals), constant.substr(equals + 1)});
   }
-  return read_model(std::string(SYMFOLD_EXAMPLES "/") + family.name + ".sym", overrides);
+  return read_model(std::string(SYMFOLD_EXAMPLES_DIR "/") + family.name + ".sym", overrides);
 }
 
 ExampleRun::ExampleRun(const Family& family) {

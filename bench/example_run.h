@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/detection_run.h"
+#include "host/symmetry/detection_run.h"
 
 namespace symfold {
 

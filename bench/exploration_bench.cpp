@@ -8,7 +8,7 @@
 
 #include "bench/example_run.h"
 #include "host/chain/exploration.h"
-#include "host/label_search.h"
+#include "host/symmetry/label_search.h"
 
 namespace symfold {
 namespace {

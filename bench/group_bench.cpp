@@ -10,10 +10,10 @@
 #include "components/saucy_obj.h"
 #include "components/schreier_sims.h"
 #include "components/schreier_tree.h"
-#include "engines/automorphism_search.h"
-#include "engines/graph_file.h"
+#include "engines/graph/graph_reader.h"
+#include "engines/reduction/automorphism_search.h"
 
-namespace symfold {
+namespace symfold::detail {
 namespace {
 
 const std::vector<Family> kFamilies = {
@@ -95,4 +95,4 @@ const bool kRegistered = [] {
 }();
 
 }  // namespace
-}  // namespace symfold
+}  // namespace symfold::detail

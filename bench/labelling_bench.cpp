@@ -6,8 +6,8 @@
 #include <random>
 
 #include "bench/example_run.h"
-#include "detector/labelling/exact_labeller.h"
-#include "host/detection_log.h"
+#include "detector/exact_labeller.h"
+#include "host/symmetry/detection_log.h"
 #include "tests/oracles/literal_labeller.h"
 
 namespace symfold {

@@ -11,8 +11,8 @@
 #include "cli/explore_command.h"
 #include "cli/label_command.h"
 #include "cli/show_command.h"
-#include "host/detection_run.h"
-#include "host/model_error.h"
+#include "host/model/model_error.h"
+#include "host/symmetry/detection_run.h"
 
 namespace symfold {
 namespace {
@@ -58,11 +58,11 @@ struct Commands {
         ->add_flag("--compare", explore.compare, "Explore with all of them and print them side by side")
         ->excludes(symmetry);
     const CLI::Validator is_number(refuse_other_than_number, "");
-    explore_app->add_option("--max-states", explore.most_states, "Stop at so many states")->check(is_number);
-    explore_app->add_option("--max-memory", explore.most_memory, "Stop at so many bytes, for instance 500M")
+    explore_app->add_option("--max-states", explore.max_states, "Stop at so many states")->check(is_number);
+    explore_app->add_option("--max-memory", explore.max_memory, "Stop at so many bytes, for instance 500M")
         ->transform(CLI::AsSizeValue(false))
         ->transform(is_number);
-    explore_app->add_option("--time-limit", explore.most_seconds, "Stop after so many seconds")
+    explore_app->add_option("--time-limit", explore.max_seconds, "Stop after so many seconds")
         ->check(is_number);
     explore_app->add_option("-o,--output", explore.directory,
                             "Run directory of the detection (default: the model's name, .symfold)");

@@ -12,9 +12,9 @@
 #include "cli/exit_codes.h"
 #include "cli/figures.h"
 #include "host/chain/state_layout.h"
-#include "host/detection_run.h"
-#include "host/label_search.h"
-#include "host/symmetry_names.h"
+#include "host/symmetry/detection_run.h"
+#include "host/symmetry/label_search.h"
+#include "host/symmetry/symmetry_names.h"
 
 namespace symfold {
 namespace {

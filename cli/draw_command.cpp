@@ -5,17 +5,17 @@
 
 #include "cli/exit_codes.h"
 #include "cli/figures.h"
-#include "host/detection_run.h"
-#include "host/drawing/composition_dot.h"
-#include "host/drawing/graphviz.h"
 #include "host/new_file.h"
+#include "host/pictures/composition_dot.h"
+#include "host/pictures/graphviz.h"
+#include "host/symmetry/detection_run.h"
 
 namespace symfold {
 namespace {
 
-constexpr std::size_t kMostSubmodels = 500;
-constexpr std::size_t kMostJoins = 1000;
-constexpr std::size_t kMostNodes = 3000;  // that Graphviz places in about a minute
+constexpr std::size_t kMaxSubmodels = 500;
+constexpr std::size_t kMaxJoins = 1000;
+constexpr std::size_t kMaxNodes = 3000;  // that Graphviz places in about a minute
 
 // Without the ending.
 std::string output_stem(const DrawOptions& options) {
@@ -36,7 +36,7 @@ int run_draw(const DrawOptions& options, const Streams& streams) {
   DetectionRun run(model, options.input.stem() + ".symfold", false);
   run.require_sound();
   const NamedOrbits orbits = find_orbits(run.detector());
-  const bool is_large = model.submodels.size() > kMostSubmodels || model.joins.size() > kMostJoins;
+  const bool is_large = model.submodels.size() > kMaxSubmodels || model.joins.size() > kMaxJoins;
   const DrawnGraph graph =
       options.collapse || is_large ? drawn_orbits(model, orbits) : drawn_parts(model, orbits);
   std::string title = options.input.stem();
@@ -49,8 +49,8 @@ int run_draw(const DrawOptions& options, const Streams& streams) {
   file.commit();
   streams.out << title << ": " << parts << " in " << counted(graph.orbits.size(), "orbit")
               << (graph.is_collapsed ? ", a node for each orbit" : "") << "\nfile  " << stem << ".dot\n";
-  if (graph.nodes.size() > kMostNodes) {
-    streams.err << "symfold: no picture of " << graph.nodes.size() << " nodes, more than " << kMostNodes
+  if (graph.nodes.size() > kMaxNodes) {
+    streams.err << "symfold: no picture of " << graph.nodes.size() << " nodes, more than " << kMaxNodes
                 << "\n";
   } else if (draw_svg(stem + ".dot", stem + ".svg")) {
     streams.out << "file  " << stem << ".svg\n";

@@ -13,10 +13,10 @@
 #include "cli/interrupt.h"
 #include "cli/parameter_range.h"
 #include "cli/progress_line.h"
-#include "host/detection_run.h"
 #include "host/export/chain_export.h"
-#include "host/label_search.h"
-#include "host/plot/growth_plot.h"
+#include "host/pictures/growth_plot.h"
+#include "host/symmetry/detection_run.h"
+#include "host/symmetry/label_search.h"
 
 namespace symfold {
 namespace {
@@ -81,9 +81,9 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
 ExplorationLimits ExploreRun::limits() const {
   const std::size_t held = current_memory();
   ExplorationLimits limits;
-  limits.states = options_.most_states;
-  limits.bytes = options_.most_memory - std::min(options_.most_memory, held);
-  limits.seconds = options_.most_seconds;
+  limits.states = options_.max_states;
+  limits.bytes = options_.max_memory - std::min(options_.max_memory, held);
+  limits.seconds = options_.max_seconds;
   return limits;
 }
 

@@ -16,9 +16,9 @@ struct ExploreOptions {
   ModelInput input;                // at most one constant may be a range, NAME=3..10: a run for each value
   std::string symmetry = "exact";  // or "off", "fast"
   bool compare = false;            // all of them, side by side
-  std::size_t most_states = std::numeric_limits<std::size_t>::max();
-  std::size_t most_memory = std::numeric_limits<std::size_t>::max();  // bytes, of the whole process
-  double most_seconds = std::numeric_limits<double>::infinity();      // of each exploration
+  std::size_t max_states = std::numeric_limits<std::size_t>::max();
+  std::size_t max_memory = std::numeric_limits<std::size_t>::max();  // bytes, of the whole process
+  double max_seconds = std::numeric_limits<double>::infinity();      // of each exploration
   std::string directory;             // of the detection's files; empty: named after the model
   std::vector<std::string> exports;  // files for the chain, the folded one where there are several
   std::string plot;                  // file for the curves of a range

@@ -7,7 +7,7 @@
 
 #include "cli/exit_codes.h"
 #include "cli/figures.h"
-#include "host/state_labeller.h"
+#include "host/symmetry/state_labeller.h"
 
 namespace symfold {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "host/model_reader.h"
+#include "host/language/model_reader.h"
 
 namespace symfold {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/streams.h"
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 

@@ -4,14 +4,14 @@
 #include <cstddef>
 #include <utility>
 
-#include "engines/stabiliser_chain.h"
+#include "engines/group/stabiliser_chain.h"
 
 namespace symfold {
 namespace {
 
 // The moves of a permutation of n points; none for the identity and for what is no such permutation.
-SparsePermutation sparse(const Permutation& permutation, int n) {
-  SparsePermutation moves;
+detail::SparsePermutation sparse(const Permutation& permutation, int n) {
+  detail::SparsePermutation moves;
   if (permutation.GetN() != n) return moves;
   std::vector<char> is_image(static_cast<std::size_t>(n), 0);
   for (int i = 0; i < n; ++i) {
@@ -32,15 +32,15 @@ void SchreierSims::SetKnownOrder(std::vector<int> orbit_lengths) {
 }
 
 std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::vector<int>& base) {
-  std::vector<SparsePermutation> generators;
+  std::vector<detail::SparsePermutation> generators;
   generators.reserve(gens.size());
   for (const Permutation& permutation : gens) generators.push_back(sparse(permutation, n_));
   gens.clear();
-  StabiliserChain chain = build_stabiliser_chain(n_, std::move(generators), known_lengths_);
+  detail::StabiliserChain chain = detail::build_stabiliser_chain(n_, std::move(generators), known_lengths_);
   base = std::move(chain.base);
   orbit_lengths_ = std::move(chain.orbit_lengths);
   std::vector<Permutation> strong;
-  for (const SparsePermutation& moves : chain.generators) {
+  for (const detail::SparsePermutation& moves : chain.generators) {
     Permutation& permutation = strong.emplace_back(n_);
     for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
   }

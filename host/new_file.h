@@ -35,7 +35,7 @@ class NewFile {
 
  private:
   static constexpr std::size_t kBufferSize = std::size_t{1} << 20;
-  static constexpr std::size_t kLongestNumber = 32;  // a double takes at most 24 characters
+  static constexpr std::size_t kMaxNumberLength = 32;  // a double takes at most 24 characters
 
   void put(std::string_view text) {
     if (text.size() > kBufferSize - used_) return put_in_pieces(text);
@@ -49,9 +49,9 @@ class NewFile {
   template <class Number>
   requires std::integral<Number> || std::same_as<Number, double>
   void put(Number number) {
-    make_room(kLongestNumber);
+    make_room(kMaxNumberLength);
     char* const start = buffer_.get() + used_;
-    used_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestNumber, number).ptr - start);
+    used_ += static_cast<std::size_t>(std::to_chars(start, start + kMaxNumberLength, number).ptr - start);
   }
 
   void put_in_pieces(std::string_view text);

@@ -13,7 +13,7 @@ namespace symfold {
 namespace {
 
 // Of all permutations of the table together: 4 GiB.
-constexpr std::size_t kMostImages = std::size_t{1} << 30;
+constexpr std::size_t kMaxImages = std::size_t{1} << 30;
 
 // Of the distinct points, which ascend, the first whose tree makes the table too large; -1 when it fits.
 int first_point_too_many(SchreierTree& tree, const std::vector<int>& points) {
@@ -22,7 +22,7 @@ int first_point_too_many(SchreierTree& tree, const std::vector<int>& points) {
     tree.SetRootValue(point);
     tree.CreateTree(point);
     images += tree.CountPathPermutations() * static_cast<std::size_t>(tree.GetN());
-    if (images > kMostImages) return point;
+    if (images > kMaxImages) return point;
   }
   return -1;
 }
@@ -42,7 +42,7 @@ void SymmetryDetection::FindMCG_FindST() {
   std::vector<int> roots = points;
   roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
   if (const int point = first_point_too_many(tree, roots); point >= 0) {
-    report_refusal("expected a value-permutation table of at most " + std::to_string(kMostImages) +
+    report_refusal("expected a value-permutation table of at most " + std::to_string(kMaxImages) +
                    " images, got more at base point " + std::to_string(point));
     HasWholeGroup = false;
     return;

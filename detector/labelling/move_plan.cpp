@@ -42,8 +42,8 @@
 namespace symfold {
 namespace {
 
-constexpr std::size_t kMostBytes = std::size_t{1} << 30;
-constexpr std::int64_t kLongestState = std::int64_t{1} << 27;
+constexpr std::size_t kMaxBytes = std::size_t{1} << 30;
+constexpr std::int64_t kMaxStateBytes = std::int64_t{1} << 27;
 constexpr int kWord = 8;           // bytes compared at once
 constexpr std::size_t kRoom = 16;  // bytes copied at once
 
@@ -62,7 +62,7 @@ bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     if (sizes[c] < 0 || offsets[c] != end) return false;
     end += sizes[c];
-    if (end > kLongestState) return false;
+    if (end > kMaxStateBytes) return false;
   }
   return true;
 }
@@ -121,7 +121,7 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
       }
     }
     add_move(static_cast<int>(j), sources, sizes, offsets);
-    if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > kMostBytes) return false;
+    if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > kMaxBytes) return false;
   }
   first_of_step_.push_back(moves_.size());
   return true;

@@ -24,7 +24,7 @@
 #include "host/chain/state_packing.h"
 #include "host/chain/state_store.h"
 #include "host/chain/transition_system.h"
-#include "host/labelling.h"
+#include "host/symmetry/labelling.h"
 
 namespace symfold {
 

@@ -2,17 +2,19 @@
 
 #include <algorithm>
 
+#include "host/language/model_description.h"
+
 namespace symfold {
 
-LocalStates::LocalStates(const ComposedModel& model, const StateLayout& layout, std::size_t most_of_one) {
+LocalStates::LocalStates(const ComposedModel& model, const StateLayout& layout, std::size_t max_of_one) {
   std::vector<std::uint32_t> first_number(model.instances.size(), kNone);
   for (std::size_t i = 0; i < model.instances.size(); ++i) {
     const TypeInstance& instance = model.instances[i];
     std::size_t count = 1;
     for (const VariableDecl& variable : model.description->type(instance.type).variables) {
-      count = std::min(count * instance.values_of(variable).size(), most_of_one + 1);
+      count = std::min(count * values_of(instance, variable).size(), max_of_one + 1);
     }
-    if (count > most_of_one || total_ + count > kMostOfAll) continue;
+    if (count > max_of_one || total_ + count > kMaxOfAll) continue;
     first_number[i] = static_cast<std::uint32_t>(total_);
     total_ += count;
   }
@@ -24,7 +26,7 @@ LocalStates::LocalStates(const ComposedModel& model, const StateLayout& layout, 
     const std::uint32_t* slot = layout.slots_of(s);
     if (first != kNone) {
       for (const VariableDecl& variable : model.description->type(instance.type).variables) {
-        const ValueSet& values = instance.values_of(variable);
+        const ValueSet& values = values_of(instance, variable);
         digits_.push_back({*slot++, power});
         start -= static_cast<std::uint32_t>(values.low) * power;
         power *= static_cast<std::uint32_t>(values.size());

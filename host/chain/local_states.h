@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/chain/state_layout.h"
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 
@@ -16,13 +16,13 @@ namespace symfold {
 class LocalStates {
  public:
   // Instances of more local states are not numbered, nor those whose tables would be beyond the total.
-  static constexpr std::size_t kMostOfOneInstance = std::size_t{1} << 16;
-  static constexpr std::size_t kMostOfAll = std::size_t{1} << 22;
+  static constexpr std::size_t kMaxOfOneInstance = std::size_t{1} << 16;
+  static constexpr std::size_t kMaxOfAll = std::size_t{1} << 22;
   static constexpr std::uint32_t kNone = UINT32_MAX;
 
-  // Keeps a reference to the layout. No instance of more than `most_of_one` local states is numbered.
+  // Keeps a reference to the layout. No instance of more than `max_of_one` local states is numbered.
   LocalStates(const ComposedModel& model, const StateLayout& layout,
-              std::size_t most_of_one = kMostOfOneInstance);
+              std::size_t max_of_one = kMaxOfOneInstance);
 
   // The numbers of all local states together: tables have as many entries.
   std::size_t total() const { return total_; }

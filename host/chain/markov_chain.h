@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 

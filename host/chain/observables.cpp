@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "host/chain/state_text.h"
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
 namespace {
 
 // Entries of all quantifiers' tables together, 8 bytes each.
-constexpr std::size_t kMostRemembered = std::size_t{1} << 23;
+constexpr std::size_t kMaxRemembered = std::size_t{1} << 23;
 
 bool equal(const Value& a, const Value& b) {
   return a.scalar == Scalar::kReal || b.scalar == Scalar::kReal ? a.as_real() == b.as_real()
@@ -67,7 +67,7 @@ std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int> around) {
     loop.is_remembered = false;
     return add_quantifier(inner, around);
   });
-  if (local_states_.total() * (quantifiers_.size() + 1) > kMostRemembered) loop.is_remembered = false;
+  if (local_states_.total() * (quantifiers_.size() + 1) > kMaxRemembered) loop.is_remembered = false;
   if (loop.is_remembered) {
     loop.known.resize(local_states_.total());
     loop.is_known.resize(local_states_.total());
@@ -78,7 +78,7 @@ std::uint32_t Observables::add_quantifier(ExprId id, std::vector<int> around) {
 
 std::vector<std::uint32_t> Observables::range_of(const Quantifier& quantifier) const {
   std::vector<Value> arguments;
-  Budget budget(kMostExpressions);
+  Budget budget(kMaxExpressions);
   for (const ExprId argument : quantifier.arguments) {
     arguments.push_back(evaluate(*model_.description, argument, {}, budget));
   }

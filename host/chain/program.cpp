@@ -42,7 +42,7 @@ bool jumps(Opcode opcode, std::int64_t condition, std::size_t& depth) {
 }  // namespace
 
 Cell evaluate(const Program& program, Frames& frames) {
-  std::array<Cell, kDeepestExpression + 1> stack;
+  std::array<Cell, kMaxExpressionDepth + 1> stack;
   std::size_t depth = 0;
   for (std::size_t i = 0; i < program.instructions.size(); ++i) {
     const Instruction& instruction = program.instructions[i];

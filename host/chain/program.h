@@ -7,7 +7,7 @@
 // Types are resolved: an int, a literal and a bool are 64-bit integers, a real is a double, and every
 // operator has an opcode for each. What looks at no variable is folded to a constant, parameters included,
 // unless it has no value (1 div 0): that is an error only where it is reached. Evaluation allocates nothing;
-// its stack is as deep as the expression is high at most, see kDeepestExpression.
+// its stack is as deep as the expression is high at most, see kMaxExpressionDepth.
 
 #ifndef SYMFOLD_HOST_CHAIN_PROGRAM_H
 #define SYMFOLD_HOST_CHAIN_PROGRAM_H
@@ -84,7 +84,7 @@ class Frames {
  private:
   const std::int16_t* state_;
   QuantifierValues* quantifiers_;
-  std::array<const std::uint32_t*, kDeepestQuantifier> slots_{};
+  std::array<const std::uint32_t*, kMaxQuantifierDepth> slots_{};
 };
 
 // Throws EvaluationError where the language gives no value.

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
 namespace {

@@ -4,6 +4,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "host/language/model_description.h"
+
 namespace symfold {
 
 // Slots are handed to the detector as the bytes that they are in memory.

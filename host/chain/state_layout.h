@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/chain/markov_chain.h"
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 

@@ -31,9 +31,9 @@ StateStore::StateStore(const StatePacking& packing)
   rebuild_index(kFirstIndex);
 }
 
-void StateStore::set_limits(std::size_t most_states, std::size_t most_bytes) {
-  most_states_ = std::min(most_states, kMostStates);
-  most_bytes_ = std::min(most_bytes, kMostBytes);
+void StateStore::set_limits(std::size_t max_states, std::size_t max_bytes) {
+  max_states_ = std::min(max_states, kMaxStates);
+  max_bytes_ = std::min(max_bytes, kMaxBytes);
 }
 
 // Multiplications by odd constants, each followed by a fold of the upper half onto the lower one:
@@ -70,7 +70,7 @@ StateStore::Found StateStore::insert(const std::uint64_t* words, std::uint64_t h
     const Entry& entry = index_[position];
     if (entry.hash_bits == hash_bits && equals(entry.id, words)) return {entry.id, Outcome::kKnown};
   }
-  if (size_ >= most_states_) return {0, Outcome::kTooManyStates};
+  if (size_ >= max_states_) return {0, Outcome::kTooManyStates};
   if (size_ == index_room_) {
     if (!grow_index()) return {0, Outcome::kOutOfMemory};
     position = free_entry(hash);
@@ -89,7 +89,7 @@ std::size_t StateStore::free_entry(std::uint64_t hash) const {
 }
 
 bool StateStore::add_chunk() {
-  if (memory() + chunk_bytes() > most_bytes_) return false;
+  if (memory() + chunk_bytes() > max_bytes_) return false;
   chunks_.push_back(std::make_unique<unsigned char[]>(chunk_bytes()));
   return true;
 }
@@ -97,9 +97,9 @@ bool StateStore::add_chunk() {
 // By half, but to no more entries than the states need that the memory can hold in the end, nor than there is
 // room for beside the arena.
 bool StateStore::grow_index() {
-  const std::size_t last_size = most_bytes_ * 17 / (17 * byte_count_ + 20 * sizeof(Entry));
+  const std::size_t last_size = max_bytes_ * 17 / (17 * byte_count_ + 20 * sizeof(Entry));
   const std::size_t arena = chunks_.size() * chunk_bytes();
-  const std::size_t room = (most_bytes_ - std::min(most_bytes_, arena)) / sizeof(Entry);
+  const std::size_t room = (max_bytes_ - std::min(max_bytes_, arena)) / sizeof(Entry);
   const std::size_t grown = std::min({index_.size() + index_.size() / 2, last_size / 17 * 20 + 20, room});
   if (room_of(grown) <= index_room_) return false;
   rebuild_index(grown);

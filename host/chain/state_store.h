@@ -33,9 +33,9 @@ class StateStore {
 
   explicit StateStore(const StatePacking& packing);
 
-  // Room for `most_states` states and, arena and index together, `most_bytes` bytes. Where more is held
+  // Room for `max_states` states and, arena and index together, `max_bytes` bytes. Where more is held
   // already, no state is added any more.
-  void set_limits(std::size_t most_states, std::size_t most_bytes);
+  void set_limits(std::size_t max_states, std::size_t max_bytes);
 
   std::size_t size() const { return size_; }
 
@@ -65,8 +65,8 @@ class StateStore {
   };
 
   static constexpr StateId kEmpty = std::numeric_limits<StateId>::max();
-  static constexpr std::size_t kMostStates = kEmpty;
-  static constexpr std::size_t kMostBytes = std::size_t{1} << 56;
+  static constexpr std::size_t kMaxStates = kEmpty;
+  static constexpr std::size_t kMaxBytes = std::size_t{1} << 56;
 
   // The upper half of the hash, scaled to the index's size; the lower half is stored.
   std::size_t home(std::uint64_t hash) const { return ((hash >> 32) * index_.size()) >> 32; }
@@ -86,8 +86,8 @@ class StateStore {
   std::size_t byte_count_;
   std::uint64_t last_word_mask_;
   unsigned chunk_shift_;
-  std::size_t most_states_ = kMostStates;
-  std::size_t most_bytes_ = kMostBytes;
+  std::size_t max_states_ = kMaxStates;
+  std::size_t max_bytes_ = kMaxBytes;
   std::size_t size_ = 0;
   std::size_t index_room_ = 0;  // states that the index can hold
   std::vector<std::unique_ptr<unsigned char[]>> chunks_;

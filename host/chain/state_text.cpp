@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
 

@@ -3,13 +3,13 @@
 #include <string>
 
 #include "host/chain/state_text.h"
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
 namespace {
 
 // Of one model: 24 bytes an event, 8 a write.
-constexpr std::size_t kMostRemembered = 4'000'000;
+constexpr std::size_t kMaxRemembered = 4'000'000;
 
 }  // namespace
 
@@ -38,7 +38,7 @@ TransitionSystem::CompiledAction TransitionSystem::compile(ProgramCompiler& comp
   for (const Assignment& assignment : action.assignments) {
     const VariableDecl& variable = variables[static_cast<std::size_t>(assignment.variable_index)];
     compiled.writes.push_back({static_cast<std::uint32_t>(assignment.variable_index),
-                               instance.values_of(variable), description.expr(assignment.value).offset,
+                               values_of(instance, variable), description.expr(assignment.value).offset,
                                compiler.compile(assignment.value, variable.type, instance.arguments)});
   }
   return compiled;
@@ -62,7 +62,7 @@ TransitionSystem::Range TransitionSystem::evaluate_events(std::size_t submodel, 
     }
   }
   const Range range{remembered_events_, static_cast<std::uint32_t>(events_.size())};
-  if (local != LocalStates::kNone && events_.size() + writes_.size() <= kMostRemembered) {
+  if (local != LocalStates::kNone && events_.size() + writes_.size() <= kMaxRemembered) {
     known_[local] = range;
     remembered_events_ = range.end;
     remembered_writes_ = static_cast<std::uint32_t>(writes_.size());

@@ -11,7 +11,7 @@
 #include "host/chain/local_states.h"
 #include "host/chain/program_compiler.h"
 #include "host/chain/state_layout.h"
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 

@@ -17,11 +17,11 @@ using Write = void (*)(const MarkovChain&, NewFile&);
 struct Format {
   const char* ending;
   Write write = nullptr;  // of a format with one file for every chain
-  std::size_t most_states = std::numeric_limits<std::size_t>::max();
+  std::size_t max_states = std::numeric_limits<std::size_t>::max();
 };
 
 // Layout programs need minutes for a drawing of more states, and nobody sees anything in it.
-constexpr std::size_t kMostDrawnStates = 5000;
+constexpr std::size_t kMaxDrawnStates = 5000;
 
 constexpr Format kFormats[] = {
     {".all"},
@@ -32,7 +32,7 @@ constexpr Format kFormats[] = {
     {".drn", write_drn},
     {".mtx", write_mtx},
     {".aut", write_aut},
-    {".dot", write_dot, kMostDrawnStates},
+    {".dot", write_dot, kMaxDrawnStates},
 };
 
 std::string ending_of(const std::string& path) {
@@ -85,8 +85,8 @@ class ChainFiles {
 const Format& require_format(const MarkovChain& chain, const std::string& path) {
   const Format* const format = find_format(path);
   if (format == nullptr) refuse(path, "expected a name that ends in one of " + export_endings());
-  if (chain.matrix.state_count() > format->most_states) {
-    refuse(path, "expected a chain of at most " + std::to_string(format->most_states) +
+  if (chain.matrix.state_count() > format->max_states) {
+    refuse(path, "expected a chain of at most " + std::to_string(format->max_states) +
                      " states for this format, got " + std::to_string(chain.matrix.state_count()));
   }
   return *format;

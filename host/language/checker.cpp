@@ -13,7 +13,7 @@
 namespace symfold {
 namespace {
 
-constexpr std::size_t kMostLiterals = 32768;
+constexpr std::size_t kMaxLiterals = 32768;
 
 class Checker {
  public:
@@ -80,7 +80,7 @@ Value Checker::evaluate_constant(const ConstantDecl& constant) {
   Value value = Value::of_int(0);
   if (model_.expr(constant.value).type.is_known()) {
     try {
-      Budget budget(kMostExpressions);
+      Budget budget(kMaxExpressions);
       value = evaluate(model_, constant.value, {}, budget);
     } catch (const EvaluationError& error) {
       errors_.add(error.offset, error.message);
@@ -114,9 +114,9 @@ int Checker::intern(const std::vector<Name>& literals) {
 }
 
 void Checker::declare_literals(VariableDecl& variable, TypeNames& names, const Scope& scope) {
-  if (variable.literals.size() > kMostLiterals) {
-    errors_.add(variable.name.offset, "expected at most " + std::to_string(kMostLiterals) +
-                                          " literals, got " + std::to_string(variable.literals.size()));
+  if (variable.literals.size() > kMaxLiterals) {
+    errors_.add(variable.name.offset, "expected at most " + std::to_string(kMaxLiterals) + " literals, got " +
+                                          std::to_string(variable.literals.size()));
   }
   variable.type.enumeration = intern(variable.literals);
   std::set<std::string_view> own;

@@ -120,13 +120,12 @@ void Composer::compose_submodels(const SubmodelDecl& declaration, int index) {
 void Composer::add_submodel(const SubmodelDecl& declaration, int index, const std::string& name) {
   if (expansion_.is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
-  if (result_.submodels.size() == static_cast<std::size_t>(kMostElements)) {
-    errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " submodels, got more");
+  if (result_.submodels.size() == static_cast<std::size_t>(kMaxElements)) {
+    errors_.fail(offset, "expected at most " + std::to_string(kMaxElements) + " submodels, got more");
   }
   variable_count_ += description_.type(declaration.type_index).variables.size();
-  if (variable_count_ > kMostVariables) {
-    errors_.fail(offset,
-                 "expected at most " + std::to_string(kMostVariables) + " variables in all, got more");
+  if (variable_count_ > kMaxVariables) {
+    errors_.fail(offset, "expected at most " + std::to_string(kMaxVariables) + " variables in all, got more");
   }
   Submodel submodel;
   submodel.name = name;
@@ -170,8 +169,8 @@ void Composer::compose_joins(const JoinDecl& declaration) {
 void Composer::add_join(const JoinDecl& declaration, const std::string& name) {
   if (expansion_.is_left_out(declaration.condition)) return;
   const Offset offset = declaration.name.offset;
-  if (result_.joins.size() == static_cast<std::size_t>(kMostElements)) {
-    errors_.fail(offset, "expected at most " + std::to_string(kMostElements) + " joins, got more");
+  if (result_.joins.size() == static_cast<std::size_t>(kMaxElements)) {
+    errors_.fail(offset, "expected at most " + std::to_string(kMaxElements) + " joins, got more");
   }
   Join join;
   join.name = name;

@@ -9,12 +9,12 @@
 
 #include <memory>
 
-#include "host/composed_model.h"
 #include "host/language/error_list.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 
-inline constexpr std::size_t kMostVariables = 2'000'000;  // of all submodels
+inline constexpr std::size_t kMaxVariables = 2'000'000;  // of all submodels
 
 // Precondition: the model is checked and has no errors. Throws ModelError.
 ComposedModel compose(std::shared_ptr<const ModelDescription> model, ErrorList& errors);

@@ -13,7 +13,7 @@
 
 namespace symfold {
 
-inline constexpr std::size_t kMostErrors = 10;
+inline constexpr std::size_t kMaxErrors = 10;
 
 // "1 index", "2 indices".
 inline std::string counted(std::size_t count, const std::string& one, const std::string& many) {
@@ -24,10 +24,10 @@ class ErrorList {
  public:
   explicit ErrorList(const SourceText& source) : source_(source) {}
 
-  // Throws ModelError, with all errors, as soon as there are kMostErrors.
+  // Throws ModelError, with all errors, as soon as there are kMaxErrors.
   void add(Offset offset, std::string message) {
     errors_.push_back(source_.diagnostic_at(offset, std::move(message)));
-    if (errors_.size() == kMostErrors) throw_if_any();
+    if (errors_.size() == kMaxErrors) throw_if_any();
   }
 
   // For errors that every element of an array repeats: only the first of a pair of places is kept.

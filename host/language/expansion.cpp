@@ -9,7 +9,7 @@ constexpr int kStepsPerError = 200;
 void Expansion::spend(std::int64_t steps, Offset offset) {
   budget_.spend(steps);
   if (!budget_.is_spent()) return;
-  errors_.fail(offset, "expected a system that expands in at most " + std::to_string(kMostSteps) +
+  errors_.fail(offset, "expected a system that expands in at most " + std::to_string(kMaxSteps) +
                            " steps, got a larger one");
 }
 
@@ -35,8 +35,8 @@ Expansion::Span Expansion::span_of(const IndexRange& range) {
   const std::int64_t high = value_of(range.high).integer;
   if (low > high) return {low, 0};
   const auto distance = checked_subtract(high, low);
-  if (!distance || *distance >= kMostElements) {
-    throw EvaluationError{range.name.offset, "expected at most " + std::to_string(kMostElements) +
+  if (!distance || *distance >= kMaxElements) {
+    throw EvaluationError{range.name.offset, "expected at most " + std::to_string(kMaxElements) +
                                                  " values of '" + std::string(range.name.text) + "', got " +
                                                  std::to_string(low) + ".." + std::to_string(high)};
   }

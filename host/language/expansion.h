@@ -12,8 +12,8 @@
 
 namespace symfold {
 
-inline constexpr std::int64_t kMostElements = 1'000'000;  // submodels, joins, or values of one index
-inline constexpr std::int64_t kMostSteps = 100'000'000;
+inline constexpr std::int64_t kMaxElements = 1'000'000;  // submodels, joins, or values of one index
+inline constexpr std::int64_t kMaxSteps = 100'000'000;
 
 class Expansion {
  public:
@@ -77,7 +77,7 @@ class Expansion {
 
   const ModelDescription& model_;
   ErrorList& errors_;
-  Budget budget_{kMostSteps};
+  Budget budget_{kMaxSteps};
   std::vector<std::int64_t> indices_;
 };
 

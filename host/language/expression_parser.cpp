@@ -62,7 +62,7 @@ const BinaryOperator* binary_operator_at(const Token& token, int level) {
 }
 
 std::string too_deep() {
-  return "expected expressions nested at most " + std::to_string(kDeepestExpression) +
+  return "expected expressions nested at most " + std::to_string(kMaxExpressionDepth) +
          " deep, got a deeper one";
 }
 
@@ -81,7 +81,7 @@ class Nesting {
 }  // namespace
 
 void ExpressionParser::check_depth() {
-  if (depth_ == kDeepestExpression) tokens_.fail_at(tokens_.current().offset, too_deep());
+  if (depth_ == kMaxExpressionDepth) tokens_.fail_at(tokens_.current().offset, too_deep());
 }
 
 ExprId ExpressionParser::parse() {
@@ -190,8 +190,8 @@ ExprId ExpressionParser::parse_call(Op op) {
 }
 
 ExprId ExpressionParser::parse_quantifier(Op op) {
-  if (quantifier_depth_ == kDeepestQuantifier) {
-    tokens_.fail("at most " + std::to_string(kDeepestQuantifier) + " quantifiers inside one another");
+  if (quantifier_depth_ == kMaxQuantifierDepth) {
+    tokens_.fail("at most " + std::to_string(kMaxQuantifierDepth) + " quantifiers inside one another");
   }
   const Token word = tokens_.take();
   Quantifier quantifier;
@@ -215,8 +215,8 @@ std::vector<ExprId> ExpressionParser::parse_list(std::string_view closing, bool 
   std::vector<ExprId> list;
   if (allow_none && tokens_.accept(closing)) return list;
   do {
-    if (list.size() == kMostIndices)
-      tokens_.fail("at most " + std::to_string(kMostIndices) + " expressions here");
+    if (list.size() == kMaxIndices)
+      tokens_.fail("at most " + std::to_string(kMaxIndices) + " expressions here");
     list.push_back(parse());
   } while (tokens_.accept(","));
   tokens_.expect(closing);
@@ -224,8 +224,8 @@ std::vector<ExprId> ExpressionParser::parse_list(std::string_view closing, bool 
 }
 
 ExprId ExpressionParser::add(Expr expr) {
-  if (model_.expressions.size() == kMostExpressions) {
-    tokens_.fail_at(expr.offset, "expected a model of at most " + std::to_string(kMostExpressions) +
+  if (model_.expressions.size() == kMaxExpressions) {
+    tokens_.fail_at(expr.offset, "expected a model of at most " + std::to_string(kMaxExpressions) +
                                      " names, numbers and operators, got a larger one");
   }
   model_.expressions.push_back(expr);
@@ -239,7 +239,7 @@ ExprId ExpressionParser::add_operator(Op op, Offset operator_offset, std::initia
   std::copy(operands.begin(), operands.end(), expr.operands.begin());
   expr.offset = std::min(operator_offset, model_.expr(*operands.begin()).offset);
   for (const ExprId operand : operands) expr.height = std::max(expr.height, model_.expr(operand).height + 1);
-  if (expr.height > kDeepestExpression) tokens_.fail_at(operator_offset, too_deep());
+  if (expr.height > kMaxExpressionDepth) tokens_.fail_at(operator_offset, too_deep());
   return add(expr);
 }
 

@@ -9,9 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/composed_model.h"
 #include "host/language/error_list.h"
 #include "host/language/evaluator.h"
+#include "host/model/composed_model.h"
 
 namespace symfold {
 

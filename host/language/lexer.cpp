@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 30> kSymbols = {
     "..", "->", "||", "&&", "==", "!=", "<=", ">=", "{", "}", "[", "]", "(", ")", ";",
     ":",  ",",  ".",  "=",  "<",  ">",  "?",  "!",  "+", "-", "*", "/", "%", "|", "&"};
 
-constexpr std::size_t kLongestShown = 40;
+constexpr std::size_t kMaxShown = 40;
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
@@ -43,7 +43,7 @@ bool has_control(std::string_view text) {
 }
 
 std::string shortened(std::string_view text) {
-  std::size_t length = std::min(text.size(), kLongestShown);
+  std::size_t length = std::min(text.size(), kMaxShown);
   while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
   return std::string(text.substr(0, length)) + (length < text.size() ? "..." : "");
 }
@@ -120,8 +120,8 @@ Token Lexer::name() {
   const std::string_view text = rest();
   const auto end = std::find_if_not(text.begin(), text.end(), is_name_character);
   const auto length = static_cast<std::size_t>(end - text.begin());
-  if (length > kLongestName) {
-    return malformed(length, "expected a name of at most " + std::to_string(kLongestName) +
+  if (length > kMaxNameLength) {
+    return malformed(length, "expected a name of at most " + std::to_string(kMaxNameLength) +
                                  " characters, got one of " + std::to_string(length));
   }
   const bool is_keyword =
@@ -177,8 +177,8 @@ Token Lexer::string() {
   if (has_control(content)) {
     return malformed(end + 1, "expected printable characters between the quotes, got a control character");
   }
-  if (content.size() > kLongestName) {
-    return malformed(end + 1, "expected at most " + std::to_string(kLongestName) +
+  if (content.size() > kMaxNameLength) {
+    return malformed(end + 1, "expected at most " + std::to_string(kMaxNameLength) +
                                   " bytes between the quotes, got " + std::to_string(content.size()));
   }
   return take(TokenKind::kString, end + 1);

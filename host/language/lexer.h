@@ -12,7 +12,7 @@
 namespace symfold {
 
 // Longer names are refused: names are repeated for every element of an array.
-inline constexpr std::size_t kLongestName = 128;
+inline constexpr std::size_t kMaxNameLength = 128;
 
 enum class TokenKind {
   kName,

@@ -18,15 +18,16 @@
 #include <vector>
 
 #include "host/language/source_text.h"
-#include "host/language/value.h"
+#include "host/model/composed_model.h"
+#include "host/model/value.h"
 
 namespace symfold {
 
 // Limits of one model file.
-inline constexpr int kDeepestExpression = 256;
-inline constexpr std::size_t kMostExpressions = 2'000'000;
-inline constexpr std::size_t kMostIndices = 16;  // of one array, and arguments of one type
-inline constexpr int kDeepestQuantifier = 8;
+inline constexpr int kMaxExpressionDepth = 256;
+inline constexpr std::size_t kMaxExpressions = 2'000'000;
+inline constexpr std::size_t kMaxIndices = 16;  // of one array, and arguments of one type
+inline constexpr int kMaxQuantifierDepth = 8;
 
 // Index into ModelDescription::expressions.
 using ExprId = int;
@@ -77,7 +78,7 @@ struct Expr {
   StaticType type;
   Offset offset = 0;           // where the expression starts
   Offset operator_offset = 0;  // where its operator stands
-  int height = 1;              // at most kDeepestExpression
+  int height = 1;              // at most kMaxExpressionDepth
   int index = -1;              // what the reference says
   int quantifier = -1;         // of a quantifier or kMember: index into ModelDescription::quantifiers
   std::array<ExprId, 3> operands{kNoExpr, kNoExpr, kNoExpr};
@@ -218,6 +219,12 @@ struct ModelDescription {
   SystemDecl system;
   std::vector<ObservableDecl> observables;
 };
+
+// The value set of a type's variable in one of the type's instances.
+inline const ValueSet& values_of(const TypeInstance& instance, const VariableDecl& variable) {
+  const auto slot = static_cast<std::size_t>(variable.slot);
+  return (variable.is_shared ? instance.shared_variables : instance.private_variables)[slot].values;
+}
 
 }  // namespace symfold
 

@@ -148,8 +148,8 @@ void Parser::parse_type() {
 void Parser::parse_parameters(TypeDecl& type) {
   if (tokens_.accept(")")) return;
   do {
-    if (type.parameters.size() == kMostIndices)
-      tokens_.fail("at most " + std::to_string(kMostIndices) + " parameters");
+    if (type.parameters.size() == kMaxIndices)
+      tokens_.fail("at most " + std::to_string(kMaxIndices) + " parameters");
     ParameterDecl parameter;
     parameter.type = parse_scalar_type();
     parameter.name = tokens_.expect_name("a name");
@@ -255,7 +255,7 @@ void Parser::parse_system_item(SystemDecl& system) {
 }
 
 void Parser::parse_range(std::vector<IndexRange>& ranges) {
-  if (ranges.size() == kMostIndices) tokens_.fail("at most " + std::to_string(kMostIndices) + " indices");
+  if (ranges.size() == kMaxIndices) tokens_.fail("at most " + std::to_string(kMaxIndices) + " indices");
   IndexRange range;
   range.name = tokens_.expect_name("an index's name");
   tokens_.expect(":");

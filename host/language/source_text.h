@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
 
@@ -17,7 +17,7 @@ namespace symfold {
 using Offset = std::uint32_t;
 
 // Longer texts are refused by the reader.
-inline constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+inline constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;
 
 // Immutable and not movable: tokens and names are views into it.
 // Whether a control character, which a terminal might obey, comes first: U+0000 to U+001F, U+007F to U+009F.

@@ -7,8 +7,8 @@
 #include <regex>
 
 #include "cli/exit_codes.h"
-#include "tests/cli/run_command.h"
-#include "tests/detector/support.h"
+#include "tests/support/detector_support.h"
+#include "tests/support/run_command.h"
 
 namespace symfold {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "tests/host/reader_contract.h"
+#include "tests/support/reader_contract.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const symfold::Reading reading =

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "host/language/arithmetic.h"
-#include "host/model_error.h"
+#include "host/model/model_error.h"
 
 namespace symfold::oracle {
 namespace {
@@ -30,7 +30,7 @@ class Interpreter {
         places_[s].push_back(names.size());
         if (variable.is_shared) continue;
         add(model.submodels[s].name + '.' + std::string(variable.name.text),
-            instance_of(s).values_of(variable), model.submodels[s].initial[index(variable.slot)]);
+            values_of(instance_of(s), variable), model.submodels[s].initial[index(variable.slot)]);
       }
     }
     for (const Join& join : model.joins) {
@@ -224,14 +224,14 @@ void observe(const Interpreter& interpreter, bool rewards, const State& state,
 
 }  // namespace
 
-NaiveChain naive_chain(const ComposedModel& model, std::size_t most_states) {
+NaiveChain naive_chain(const ComposedModel& model, std::size_t max_states) {
   const Interpreter interpreter(model);
   NaiveChain chain{interpreter.names, {interpreter.initial}, {}, {}, {}, "", false};
   std::map<State, std::size_t> numbers{{interpreter.initial, 0}};
   try {
     for (std::size_t s = 0; s < chain.states.size(); ++s) {
       expand(interpreter, s, numbers, chain);
-      if (chain.states.size() > most_states) return chain;
+      if (chain.states.size() > max_states) return chain;
       observe(interpreter, false, chain.states[s], chain.labels);
     }
     for (const State& state : chain.states) observe(interpreter, true, state, chain.rewards);

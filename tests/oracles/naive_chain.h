@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/composed_model.h"
+#include "host/model/composed_model.h"
 
 namespace symfold::oracle {
 
@@ -25,7 +25,7 @@ struct NaiveChain {
   bool is_complete = false;                         // neither an error nor too many states
 };
 
-NaiveChain naive_chain(const ComposedModel& model, std::size_t most_states);
+NaiveChain naive_chain(const ComposedModel& model, std::size_t max_states);
 
 }  // namespace symfold::oracle
 

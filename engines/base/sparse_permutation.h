@@ -1,0 +1,71 @@
+// A permutation as the list of the points that it moves: a generator of a large graph's group moves few
+// points.
+
+#ifndef SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H
+#define SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace symfold::detail {
+
+struct PointMove {
+  int point;
+  int image;  // never equal to point
+
+  bool operator==(const PointMove&) const = default;
+};
+
+// The moves in ascending order of their points; empty for the identity.
+using SparsePermutation = std::vector<PointMove>;
+
+// Permutations one after the other in one stretch of memory: a large group has many small generators.
+class PermutationList {
+ public:
+  std::size_t size() const { return ends_.size(); }
+  bool empty() const { return ends_.empty(); }
+
+  std::span<const PointMove> operator[](std::size_t i) const {
+    const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
+    return std::span(moves_).subspan(begin, ends_[i] - begin);
+  }
+
+  void reserve(std::size_t moves) { moves_.reserve(moves); }
+  void push_back(std::span<const PointMove> moves) { std::ranges::copy(moves, add(moves.size()).begin()); }
+
+  // Room for the moves of one more permutation.
+  std::span<PointMove> add(std::size_t moves) {
+    moves_.resize(moves_.size() + moves);
+    ends_.push_back(moves_.size());
+    return std::span(moves_).last(moves);
+  }
+
+  // Gives copies.
+  class Iterator {
+   public:
+    Iterator(const PermutationList& list, std::size_t i) : list_(&list), i_(i) {}
+
+    SparsePermutation operator*() const { return {(*list_)[i_].begin(), (*list_)[i_].end()}; }
+    Iterator& operator++() {
+      ++i_;
+      return *this;
+    }
+    bool operator==(const Iterator&) const = default;
+
+   private:
+    const PermutationList* list_;
+    std::size_t i_;
+  };
+  Iterator begin() const { return {*this, 0}; }
+  Iterator end() const { return {*this, size()}; }
+
+ private:
+  std::vector<PointMove> moves_;
+  std::vector<std::size_t> ends_;  // of each permutation's moves
+};
+
+}  // namespace symfold::detail
+
+#endif  // SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H

@@ -1,0 +1,38 @@
+// Certifies automorphisms: the search gives out none of those that it has found, or lifted from a reduced
+// graph, without this check, which knows nothing of partitions and fibres.
+
+#ifndef SYMFOLD_ENGINES_GRAPH_AUTOMORPHISM_CHECK_H
+#define SYMFOLD_ENGINES_GRAPH_AUTOMORPHISM_CHECK_H
+
+#include <cstdint>
+
+#include "engines/base/sparse_permutation.h"
+#include "engines/graph/coloured_graph.h"
+
+namespace symfold::detail {
+
+class AutomorphismCheck {
+ public:
+  // The graph must outlive the check.
+  explicit AutomorphismCheck(const ColouredGraph& graph);
+
+  // Whether the moves are a permutation of the graph's vertices that keeps colours, loops and the number of
+  // edges between every two vertices. Only edges at moved vertices can break that: the cost is the sum of
+  // their degrees. Precondition: points and images are vertices, no point occurs twice.
+  bool is_automorphism(const SparsePermutation& moves);
+
+ private:
+  bool is_permutation(const SparsePermutation& moves);
+  bool keeps_edges(PointMove move);
+
+  const ColouredGraph& graph_;
+  PointVector<int> image_;  // of each vertex; the identity between calls
+
+  // Made when first needed, since many graphs do without; zero between calls.
+  PointVector<char> is_image_;  // of a moved point
+  PointVector<std::uint64_t> count_;
+};
+
+}  // namespace symfold::detail
+
+#endif  // SYMFOLD_ENGINES_GRAPH_AUTOMORPHISM_CHECK_H

@@ -1,0 +1,136 @@
+#include "engines/group/shallow_trees.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+#include "engines/base/point_vector.h"
+
+namespace symfold::detail {
+namespace {
+
+using Images = PointVector<int>;
+
+class ShortcutBuilder {
+ public:
+  ShortcutBuilder(int n, StabiliserChain& chain)
+      : chain_(chain), steps_(n), via_(n, -1), parent_(n, -1), depth_(n, -1) {}
+
+  // From the last base point up, whose generators belong to the stabilisers of all base points before it.
+  void run() {
+    std::vector<std::vector<int>> generators_of(chain_.base.size());
+    for (std::size_t g = 0; g < chain_.generators.size(); ++g) {
+      const auto level =
+          std::lower_bound(chain_.base.begin(), chain_.base.end(), chain_.generators[g].front().point);
+      generators_of[static_cast<std::size_t>(level - chain_.base.begin())].push_back(static_cast<int>(g));
+    }
+    for (std::size_t i = chain_.base.size(); i-- > 0;) {
+      for (const int g : generators_of[i]) use_generator(g);
+      const int length = chain_.orbit_lengths[i];
+      const int log_length = static_cast<int>(std::bit_width(static_cast<unsigned>(length - 1)));
+      grow_tree(chain_.base[i]);
+      if (depth_[orbit_.back()] > std::max(2, log_length)) add_doublings(chain_.base[i]);
+    }
+  }
+
+ private:
+  struct Step {
+    int generator;
+    int image;
+  };
+
+  void use_generator(int g) {
+    for (const auto& [point, image] : chain_.generators[static_cast<std::size_t>(g)]) {
+      steps_[point].push_back({g, image});
+    }
+  }
+
+  void grow_tree(int root) {
+    for (const int point : orbit_) depth_[point] = -1;
+    orbit_.clear();
+    orbit_.push_back(root);
+    depth_[root] = 0;
+    for (int i = 0; i < orbit_.size(); ++i) {
+      const int point = orbit_[i];
+      for (const auto& [generator, image] : steps_[point]) {
+        if (depth_[image] >= 0) continue;
+        depth_[image] = depth_[point] + 1;
+        parent_[image] = point;
+        via_[image] = generator;
+        orbit_.push_back(image);
+      }
+    }
+  }
+
+  // The tree is grown anew after every addition, so that the next element has a short path.
+  void add_doublings(int root) {
+    std::vector<Images> there;
+    std::vector<Images> back;
+    for (;;) {
+      const std::vector<char> is_reached = reached_points(root, there, back);
+      const auto outside = std::find_if(orbit_.begin(), orbit_.end(), [&is_reached](int point) {
+        return is_reached[static_cast<std::size_t>(point)] == 0;
+      });
+      if (outside == orbit_.end()) return;
+      there.push_back(path_to(root, *outside));
+      back.push_back(inverse_images(there.back()));
+      add_generator(there.back());
+      add_generator(back.back());
+      grow_tree(root);
+    }
+  }
+
+  // Marks the points that the root reaches by taking or skipping each step, the latest one first, and then
+  // their inverses in the opposite order.
+  std::vector<char> reached_points(int root, const std::vector<Images>& there,
+                                   const std::vector<Images>& back) const {
+    std::vector<char> is_reached(static_cast<std::size_t>(steps_.size()), 0);
+    std::vector<int> reached{root};
+    is_reached[static_cast<std::size_t>(root)] = 1;
+    const auto take_or_skip = [&](const Images& step) {
+      for (std::size_t i = 0, end = reached.size(); i < end; ++i) {
+        const int image = step[reached[i]];
+        if (std::exchange(is_reached[static_cast<std::size_t>(image)], 1) == 0) reached.push_back(image);
+      }
+    };
+    std::for_each(there.rbegin(), there.rend(), take_or_skip);
+    std::for_each(back.begin(), back.end(), take_or_skip);
+    return is_reached;
+  }
+
+  // The product of the generators on the tree's path from the root to the point. Composing from the end of
+  // the path applies each generator before those already there.
+  Images path_to(int root, int point) const {
+    Images images = identity_images(steps_.size());
+    for (; point != root; point = parent_[point]) {
+      const Images later = images;
+      for (const auto& [x, image] : chain_.generators[static_cast<std::size_t>(via_[point])])
+        images[x] = later[image];
+    }
+    return images;
+  }
+
+  void add_generator(const Images& images) {
+    SparsePermutation moves;
+    for (int x = 0; x < images.size(); ++x) {
+      if (images[x] != x) moves.push_back({x, images[x]});
+    }
+    if (std::find(chain_.generators.begin(), chain_.generators.end(), moves) != chain_.generators.end())
+      return;
+    chain_.generators.push_back(std::move(moves));
+    use_generator(static_cast<int>(chain_.generators.size()) - 1);
+  }
+
+  StabiliserChain& chain_;
+  PointVector<std::vector<Step>> steps_;  // per point, of the generators in use
+  PointVector<int> orbit_;                // the latest tree's points, breadth-first
+  PointVector<int> via_;                  // valid for these, as the next two
+  PointVector<int> parent_;
+  PointVector<int> depth_;
+};
+
+}  // namespace
+
+void add_shortcuts(int n, StabiliserChain& chain) { ShortcutBuilder(n, chain).run(); }
+
+}  // namespace symfold::detail

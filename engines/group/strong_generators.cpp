@@ -1,0 +1,228 @@
+#include "engines/group/strong_generators.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <utility>
+
+#include "engines/base/point_vector.h"
+#include "engines/base/union_find.h"
+
+namespace symfold::detail {
+namespace {
+
+using Images = PointVector<int>;
+
+// images, then next.
+void multiply(Images& images, const Images& next) {
+  for (int& image : images) image = next[image];
+}
+
+class ChainBuilder {
+ public:
+  explicit ChainBuilder(int degree) : levels_(degree) {}
+
+  // True where the permutation was new to the chain and has joined it.
+  bool absorb(Images images) {
+    const int stuck = sift(images);
+    if (stuck == levels_.size()) return false;
+    add(std::move(images), stuck);
+    return true;
+  }
+
+  // Sifts every Schreier generator of every level, from the last level up; after an addition again from
+  // there.
+  void verify() {
+    for (int p = levels_.size() - 1; p >= 0; --p) {
+      const int stuck = first_stuck_schreier_generator(p);
+      if (stuck >= 0) p = stuck + 1;
+    }
+  }
+
+  std::vector<int> orbit_lengths() const {
+    std::vector<int> lengths;
+    for (const Level& level : levels_) {
+      if (!level.orbit.empty()) lengths.push_back(level.orbit.size());
+    }
+    return lengths;
+  }
+
+  // Generators that suffice for orbits as long as those of all.
+  std::vector<Images> essential_generators() const {
+    UnionFind orbits(levels_.size());
+    std::vector<Images> kept;
+    for (int p = levels_.size() - 1; p >= 0; --p) {
+      for (const int g : levels_[p].generators) {
+        const Generator& generator = generators_[g];
+        if (generator.smallest != p || orbits.size_of_class(p) == levels_[p].orbit.size()) continue;
+        for (int x = p; x < levels_.size(); ++x) orbits.unite(x, generator.images[x]);
+        kept.push_back(generator.images);
+      }
+    }
+    return kept;
+  }
+
+ private:
+  struct Generator {
+    Images images;
+    Images inverse;
+    int smallest;  // moved point
+  };
+  // The level of point p; without generators where nothing has been found that moves p and fixes all below.
+  struct Level {
+    std::vector<int> generators;  // those whose smallest moved point is p or above
+    PointVector<int> orbit;       // p first; empty while no generator moves p
+    PointVector<int> via;         // per point, the generator that leads there from nearer to p; -1 outside
+  };
+
+  // Multiplies until the identity is left, giving the degree, or until the smallest moved point, which it
+  // gives, has an image outside its orbit.
+  int sift(Images& images) const {
+    for (int p = 0; p < levels_.size(); ++p) {
+      if (images[p] == p) continue;
+      const Level& level = levels_[p];
+      if (level.orbit.empty() || level.via[images[p]] < 0) return p;
+      while (images[p] != p) multiply(images, generators_[level.via[images[p]]].inverse);
+    }
+    return levels_.size();
+  }
+
+  void add(Images images, int smallest) {
+    Images inverse = inverse_images(images);
+    generators_.push_back({std::move(images), std::move(inverse), smallest});
+    Level& own = levels_[smallest];
+    if (own.orbit.empty()) {
+      own.via.assign(levels_.size(), -1);
+      own.orbit.push_back(smallest);
+    }
+    for (int p = 0; p <= smallest; ++p) extend(levels_[p], p, generators_.size() - 1);
+  }
+
+  // The new generator is tried on the old points, all generators on the new ones.
+  void extend(Level& level, int p, int new_generator) {
+    level.generators.push_back(new_generator);
+    const int old_length = level.orbit.size();
+    for (int i = 0; i < level.orbit.size(); ++i) {
+      if (i < old_length) {
+        reach(level, p, level.orbit[i], new_generator);
+      } else {
+        for (const int g : level.generators) reach(level, p, level.orbit[i], g);
+      }
+    }
+  }
+
+  void reach(Level& level, int p, int point, int g) {
+    const int image = generators_[g].images[point];
+    if (image == p || level.via[image] >= 0) return;
+    level.via[image] = g;
+    level.orbit.push_back(image);
+  }
+
+  // Absorbs the first Schreier generator of level p that gets stuck and gives the point where it did; -1 for
+  // none.
+  int first_stuck_schreier_generator(int p) {
+    const Level& level = levels_[p];
+    for (int i = 0; i < level.orbit.size(); ++i) {
+      const Images representative = path_to(level, p, level.orbit[i]);
+      for (const int g : level.generators) {
+        const int image = generators_[g].images[level.orbit[i]];
+        if (level.via[image] == g && image != p) continue;  // an edge of the tree gives the identity
+        Images images = representative;
+        multiply(images, generators_[g].images);
+        const int stuck = sift(images);
+        if (stuck == levels_.size()) continue;
+        add(std::move(images), stuck);
+        return stuck;
+      }
+    }
+    return -1;
+  }
+
+  // The coset representative: carries p to the orbit's point.
+  Images path_to(const Level& level, int p, int point) const {
+    Images backwards = identity_images(levels_.size());
+    while (point != p) {
+      const Images& inverse = generators_[level.via[point]].inverse;
+      multiply(backwards, inverse);
+      point = inverse[point];
+    }
+    return inverse_images(backwards);
+  }
+
+  PointVector<Generator> generators_;
+  PointVector<Level> levels_;
+};
+
+// Product replacement: a list of generators, of which one at a time is multiplied by another; the running
+// product of the changed ones is nearly uniform after a while. The seed is fixed, so every run is the same.
+class RandomElements {
+ public:
+  explicit RandomElements(const std::vector<Images>& generators) : product_(generators.front()) {
+    for (std::size_t i = 0; i < std::max<std::size_t>(generators.size(), 10); ++i) {
+      slots_.push_back(generators[i % generators.size()]);
+    }
+    for (std::size_t i = 0; i < 50 + 5 * slots_.size(); ++i) next();
+  }
+
+  const Images& next() {
+    const std::size_t to = random_() % slots_.size();
+    const std::size_t from = (to + 1 + random_() % (slots_.size() - 1)) % slots_.size();
+    multiply(slots_[to], random_() % 2 == 0 ? slots_[from] : inverse_images(slots_[from]));
+    multiply(product_, slots_[to]);
+    return product_;
+  }
+
+ private:
+  std::vector<Images> slots_;
+  Images product_;
+  std::mt19937_64 random_{2003};
+};
+
+void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std::vector<int>& known_lengths,
+          int quiet_sifts) {
+  RandomElements random(generators);
+  for (int quiet = 0; quiet < quiet_sifts; ++quiet) {
+    if (!chain.absorb(random.next())) continue;
+    quiet = -1;
+    if (chain.orbit_lengths() == known_lengths) return;
+  }
+}
+
+}  // namespace
+
+// Works on the moved points alone, renumbered in their order.
+std::vector<SparsePermutation> strong_generators(int n, const std::vector<SparsePermutation>& generators,
+                                                 const std::vector<int>& known_lengths, int quiet_sifts) {
+  PointVector<int> number(n, 0);
+  for (const SparsePermutation& moves : generators) {
+    for (const PointMove move : moves) number[move.point] = 1;
+  }
+  PointVector<int> points;
+  for (int x = 0; x < n; ++x) {
+    if (number[x] == 0) continue;
+    number[x] = points.size();
+    points.push_back(x);
+  }
+  if (points.empty()) return {};
+
+  std::vector<Images> dense;
+  for (const SparsePermutation& moves : generators) {
+    dense.push_back(identity_images(points.size()));
+    for (const auto& [point, image] : moves) dense.back()[number[point]] = number[image];
+  }
+  ChainBuilder chain(points.size());
+  for (const Images& images : dense) chain.absorb(images);
+  if (chain.orbit_lengths() != known_lengths) fill(chain, dense, known_lengths, quiet_sifts);
+  if (chain.orbit_lengths() != known_lengths) chain.verify();
+
+  std::vector<SparsePermutation> strong;
+  for (const Images& images : chain.essential_generators()) {
+    SparsePermutation& moves = strong.emplace_back();
+    for (int x = 0; x < images.size(); ++x) {
+      if (images[x] != x) moves.push_back({points[x], points[images[x]]});
+    }
+  }
+  return strong;
+}
+
+}  // namespace symfold::detail

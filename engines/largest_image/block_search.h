@@ -1,0 +1,45 @@
+// Symmetric groups that permute blocks of positions, alone or over a group inside each block (a wreath
+// product): the largest image comes from sorting.
+//
+// Three racks with a fan and two servers each, racks interchangeable and servers within a rack: the positions
+// (f0 s0 s1) (f1 s2 s3) (f2 s4 s5) are three blocks. First each block becomes its own largest image, here by
+// sorting its servers; then the blocks are sorted as tuples, largest first.
+//
+// This is right where the blocks' positions are interleaved in one fixed pattern: the k-th positions of the
+// blocks ascend from block to block, for every k. Were two blocks not in order, exchanging them would raise
+// the first position where they differ, which comes before all others that the exchange changes.
+//
+// Cost: for M blocks of B positions the inner searches, M log M comparisons of tuples and two copies. Blocks
+// of one position with few different values are counted instead, in two passes.
+
+#ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_SEARCH_H
+#define SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_SEARCH_H
+
+#include <vector>
+
+#include "engines/largest_image/image_search.h"
+
+namespace symfold::detail {
+
+class BlockSearch : public ImageSearch {
+ public:
+  // Blocks of equal length with ascending positions; every position of a word is in one. `inner` permutes
+  // within a block, null for nothing.
+  BlockSearch(std::vector<std::vector<std::uint32_t>> blocks, std::unique_ptr<ImageSearch> inner);
+  std::unique_ptr<ImageSearch> clone() const override;
+  bool maximise(Placed* word) override;
+
+ private:
+  bool order_by_counting();
+  bool sorts_before(std::uint32_t a, std::uint32_t b) const;
+
+  std::size_t block_length_;
+  std::vector<std::uint32_t> positions_;  // block after block
+  std::unique_ptr<ImageSearch> inner_;
+  std::vector<Placed> tuples_;        // the blocks' contents, block after block
+  std::vector<std::uint32_t> order_;  // of the blocks
+};
+
+}  // namespace symfold::detail
+
+#endif  // SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_SEARCH_H

@@ -1,0 +1,195 @@
+#include "engines/largest_image/chain_search.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "components/schreier_sims.h"
+#include "engines/largest_image/subgroup.h"
+#include "engines/largest_image/table_group.h"
+
+namespace symfold::detail {
+namespace {
+
+bool less_values(const Placed& a, const Placed& b) { return a.value < b.value; }
+bool equal_values(const Placed& a, const Placed& b) { return a.value == b.value; }
+
+bool fixes_below(const Images& images, std::size_t point) {
+  for (std::size_t c = 0; c < point; ++c) {
+    if (images[c] != c) return false;
+  }
+  return true;
+}
+
+// By a breadth-first walk from the base.
+ChainLevel make_level(std::uint32_t base, const std::vector<const Images*>& stabiliser) {
+  const std::size_t count = stabiliser.front()->size();
+  ChainLevel level{base, {base}, {Images(count)}};
+  std::iota(level.transversal[0].begin(), level.transversal[0].end(), 0U);
+  std::vector<bool> is_reached(count);
+  is_reached[base] = true;
+  for (std::size_t i = 0; i < level.orbit.size(); ++i) {
+    for (const Images* generator : stabiliser) {
+      const std::uint32_t image = (*generator)[level.orbit[i]];
+      if (is_reached[image]) continue;
+      is_reached[image] = true;
+      level.orbit.push_back(image);
+      level.transversal.push_back(composed(level.transversal[i], inverse(*generator)));
+    }
+  }
+  return level;
+}
+
+// The levels of the group that these generate.
+std::vector<ChainLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
+                                  std::size_t max_images) {
+  std::vector<Permutation> permutations;
+  for (const Images* images : generators) {
+    Permutation& permutation = permutations.emplace_back(static_cast<int>(point_count));
+    std::copy(images->begin(), images->end(), permutation.GetP());
+  }
+  SchreierSims schreier_sims(static_cast<int>(point_count), static_cast<int>(generators.size()));
+  std::vector<int> base;
+  std::vector<Images> strong;
+  for (const Permutation& permutation : schreier_sims.Go(std::move(permutations), base)) {
+    strong.emplace_back(permutation.GetP(), permutation.GetP() + point_count);
+  }
+  std::size_t elements = 0;
+  for (const int length : schreier_sims.OrbitLengths()) elements += static_cast<std::size_t>(length);
+  if (elements * point_count > max_images) return {};
+  std::vector<ChainLevel> levels;
+  for (const int point : base) {
+    std::vector<const Images*> stabiliser;
+    for (const Images& images : strong) {
+      if (fixes_below(images, static_cast<std::size_t>(point))) stabiliser.push_back(&images);
+    }
+    levels.push_back(make_level(static_cast<std::uint32_t>(point), stabiliser));
+  }
+  return levels;
+}
+
+// The transversal of the first base point alone has this many.
+std::size_t least_images(std::size_t point_count, const std::vector<const Images*>& generators) {
+  Classes classes(point_count);
+  for (const Images* images : generators) {
+    for (std::uint32_t x = 0; x < point_count; ++x) classes.unite(x, (*images)[x]);
+  }
+  const std::vector<std::vector<std::uint32_t>> orbits = classes.lists();
+  const auto first = std::ranges::find_if(orbits, [](const auto& orbit) { return orbit.size() > 1; });
+  return first == orbits.end() ? 0 : first->size() * point_count;
+}
+
+bool contains(const std::vector<ChainLevel>& levels, Images g) {
+  for (const ChainLevel& level : levels) {
+    const auto place = std::find(level.orbit.begin(), level.orbit.end(), g[level.base]);
+    if (place == level.orbit.end()) return false;
+    if (place == level.orbit.begin()) continue;
+    const Images& back = level.transversal[static_cast<std::size_t>(place - level.orbit.begin())];
+    for (std::uint32_t& image : g) image = back[image];
+  }
+  return is_identity(g);
+}
+
+}  // namespace
+
+// Of a sample of the generators, and ever more of those that this leaves out: tables hold a generator for
+// each point of an orbit, of which few are needed.
+std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
+                                   std::size_t max_images) {
+  std::vector<const Images*> used = sample_of(generators);
+  if (least_images(point_count, used) > max_images) return {};
+  for (;;) {
+    std::vector<ChainLevel> levels = levels_of(point_count, used, max_images);
+    if (levels.empty()) return levels;
+    const std::size_t most = 2 * used.size();
+    const std::size_t before = used.size();
+    for (const Images& generator : generators) {
+      if (used.size() < most && !contains(levels, generator)) used.push_back(&generator);
+    }
+    if (used.size() == before) return levels;
+  }
+}
+
+ChainSearch::ChainSearch(std::size_t position_count, std::vector<ChainLevel> levels,
+                         std::size_t max_candidates)
+    : position_count_(position_count),
+      levels_(std::make_shared<const std::vector<ChainLevel>>(std::move(levels))),
+      max_candidates_(max_candidates) {}
+
+bool ChainSearch::maximise(Placed* word) {
+  bool is_exact = true;
+  candidates_.assign(word, word + position_count_);
+  candidate_count_ = 1;
+  std::size_t settled = 0;
+  for (const ChainLevel& level : *levels_) {
+    keep_largest(settled, level.base);
+    if (!descend(level)) is_exact = false;
+    settled = level.base + 1;
+    merge_equal(settled);
+  }
+  keep_largest(settled, position_count_);
+  std::copy_n(candidate(0), position_count_, word);
+  return is_exact;
+}
+
+// The candidates with the largest values at these positions.
+void ChainSearch::keep_largest(std::size_t begin, std::size_t end) {
+  std::size_t kept = 1;
+  for (std::size_t i = 1; i < candidate_count_; ++i) {
+    const Placed* const own = candidate(i);
+    const Placed* const best = candidate(0);
+    if (std::lexicographical_compare(own + begin, own + end, best + begin, best + end, less_values)) continue;
+    if (!std::equal(own + begin, own + end, best + begin, equal_values)) kept = 0;
+    if (kept != i) std::copy_n(own, position_count_, candidate(kept));
+    ++kept;
+  }
+  candidate_count_ = kept;
+}
+
+// Replaces the candidates by those of their images that have the largest value at the base point. False where
+// there are too many.
+bool ChainSearch::descend(const ChainLevel& level) {
+  std::uint64_t best = 0;
+  for (std::size_t i = 0; i < candidate_count_; ++i) {
+    for (const std::uint32_t point : level.orbit) best = std::max(best, candidate(i)[point].value);
+  }
+  std::size_t made = 0;
+  bool is_complete = true;
+  next_.clear();
+  for (std::size_t i = 0; i < candidate_count_; ++i) {
+    for (std::size_t j = 0; j < level.orbit.size(); ++j) {
+      if (candidate(i)[level.orbit[j]].value != best) continue;
+      if (made == max_candidates_) {
+        is_complete = false;
+        continue;
+      }
+      next_.resize((made + 1) * position_count_);
+      Placed* const image = next_.data() + made++ * position_count_;
+      for (std::size_t c = 0; c < position_count_; ++c) image[level.transversal[j][c]] = candidate(i)[c];
+    }
+  }
+  std::swap(candidates_, next_);
+  candidate_count_ = made;
+  return is_complete;
+}
+
+// The first of equal images stays. Their settled positions are equal already.
+void ChainSearch::merge_equal(std::size_t settled) {
+  if (candidate_count_ == 1) return;
+  order_.resize(candidate_count_);
+  std::iota(order_.begin(), order_.end(), 0U);
+  const auto is_less = [&](std::uint32_t a, std::uint32_t b) {
+    return std::lexicographical_compare(candidate(a) + settled, candidate(a) + position_count_,
+                                        candidate(b) + settled, candidate(b) + position_count_, less_values);
+  };
+  std::sort(order_.begin(), order_.end(), is_less);
+  const auto end = std::unique(order_.begin(), order_.end(),
+                               [&](std::uint32_t a, std::uint32_t b) { return !is_less(a, b); });
+  std::sort(order_.begin(), end);
+  candidate_count_ = 0;
+  for (auto kept = order_.begin(); kept != end; ++kept, ++candidate_count_) {
+    if (*kept != candidate_count_)
+      std::copy_n(candidate(*kept), position_count_, candidate(candidate_count_));
+  }
+}
+
+}  // namespace symfold::detail

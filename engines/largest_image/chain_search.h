@@ -1,0 +1,59 @@
+// Any group, level by level down its stabiliser chain.
+//
+// The base points ascend, and up to a base point every position is settled by the choices before it. At each
+// level the candidates are images of the word; every element of the level's transversal brings another value
+// to the base point. The images that have the largest one go on, equal images once (S. Linton, Finding the
+// smallest image of a set, ISSAC 2004; C. Jefferson, E. Jonauskyte, M. Pfeiffer, R. Waldecker, Minimal and
+// canonical images, J. Algebra 521, 2019).
+//
+// Cost: at each level the candidates times the orbit, and a copy of the word for each image that ties. The
+// number of candidates is bounded: groups of many levels can make it exponential.
+
+#ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_CHAIN_SEARCH_H
+#define SYMFOLD_ENGINES_LARGEST_IMAGE_CHAIN_SEARCH_H
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "engines/largest_image/image_search.h"
+
+namespace symfold::detail {
+
+// A base point, its orbit under the elements that fix all points below it, and for each point of the orbit
+// such an element that carries it to the base point.
+struct ChainLevel {
+  std::uint32_t base;
+  std::vector<std::uint32_t> orbit;
+  std::vector<Images> transversal;
+};
+
+// The levels of the group that these permutations generate, base points ascending. Complete by proof. Empty
+// where the transversals would have more than `max_images` entries.
+std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
+                                   std::size_t max_images);
+
+class ChainSearch : public ImageSearch {
+ public:
+  ChainSearch(std::size_t position_count, std::vector<ChainLevel> levels, std::size_t max_candidates);
+  std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ChainSearch>(*this); }
+  bool maximise(Placed* word) override;
+
+ private:
+  Placed* candidate(std::size_t i) { return candidates_.data() + i * position_count_; }
+  bool descend(const ChainLevel& level);
+  void keep_largest(std::size_t begin, std::size_t end);
+  void merge_equal(std::size_t settled);
+
+  std::size_t position_count_;
+  std::shared_ptr<const std::vector<ChainLevel>> levels_;
+  std::size_t max_candidates_;
+  std::size_t candidate_count_ = 0;
+  std::vector<Placed> candidates_;  // one word after the other
+  std::vector<Placed> next_;
+  std::vector<std::uint32_t> order_;
+};
+
+}  // namespace symfold::detail
+
+#endif  // SYMFOLD_ENGINES_LARGEST_IMAGE_CHAIN_SEARCH_H

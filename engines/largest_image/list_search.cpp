@@ -1,0 +1,68 @@
+#include "engines/largest_image/list_search.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engines/largest_image/table_group.h"
+
+namespace symfold::detail {
+
+ListSearch::ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> positions_with_values)
+    : race_(elements.size()), image_(elements.front().size()) {
+  for (Images& element : elements) element = inverse(element);
+  const std::uint32_t first = positions_with_values.front();
+  std::sort(elements.begin(), elements.end(),
+            [&](const Images& a, const Images& b) { return a[first] < b[first]; });
+  Table table{elements.size(), std::move(positions_with_values), {}, {}, {}};
+  table.sources.resize(table.element_count * image_.size());
+  for (std::uint32_t e = 0; e < elements.size(); ++e) {
+    if (e == 0 || elements[e][first] != table.first_sources.back()) {
+      table.first_sources.push_back(elements[e][first]);
+      table.begins.push_back(e);
+    }
+    for (std::size_t p = 0; p < image_.size(); ++p)
+      table.sources[p * table.element_count + e] = elements[e][p];
+  }
+  table.begins.push_back(static_cast<std::uint32_t>(elements.size()));
+  table_ = std::make_shared<const Table>(std::move(table));
+}
+
+// The elements that bring the largest value to the first position; their number.
+std::size_t ListSearch::start_race(const Placed* word) {
+  std::uint64_t best = 0;
+  for (const std::uint32_t source : table_->first_sources) best = std::max(best, word[source].value);
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < table_->first_sources.size(); ++i) {
+    if (word[table_->first_sources[i]].value != best) continue;
+    for (std::uint32_t e = table_->begins[i]; e < table_->begins[i + 1]; ++e) race_[count++] = e;
+  }
+  return count;
+}
+
+bool ListSearch::maximise(Placed* word) {
+  std::size_t count = start_race(word);
+  for (std::size_t p = 1; p < table_->positions_with_values.size() && count > 1; ++p) {
+    const std::uint32_t position = table_->positions_with_values[p];
+    const std::uint32_t* const sources = &table_->sources[position * table_->element_count];
+    std::uint64_t best = 0;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint32_t element = race_[i];
+      const std::uint64_t value = word[sources[element]].value;
+      if (value < best) continue;
+      if (value > best) kept = 0;
+      best = value;
+      race_[kept++] = element;
+    }
+    count = kept;
+  }
+  const std::uint32_t* source = &table_->sources[race_[0]];
+  for (Placed& placed : image_) {
+    placed = word[*source];
+    source += table_->element_count;
+  }
+  std::copy(image_.begin(), image_.end(), word);
+  return true;
+}
+
+}  // namespace symfold::detail

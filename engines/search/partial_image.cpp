@@ -1,0 +1,147 @@
+#include "engines/search/partial_image.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace symfold::detail {
+namespace {
+
+int cell_at(const OrderedPartition& partition, int position) {
+  return partition.cell_of(partition.vertex_at(position));
+}
+
+}  // namespace
+
+int closing_vertex(const OrderedPartition& left, const OrderedPartition& right, int v) {
+  while (right.length(right.cell_of(v)) == 1) v = left.vertex_at(right.position_of(v));
+  return v;
+}
+
+PartialImage::PartialImage(const ColouredGraph& graph)
+    : graph_(graph), image_(graph.vertex_count(), -1), preimage_(graph.vertex_count(), -1) {}
+
+bool PartialImage::read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
+                        SparsePermutation& moves) {
+  collect(left, right, first_split);
+  close_chains();
+  const bool is_ready = follow_clues(left, right);
+  close_chains();
+  moves.clear();
+  for (const int from : sources_) {
+    if (is_ready) moves.push_back({from, image_[from]});
+    preimage_[image_[from]] = -1;
+    image_[from] = -1;
+  }
+  sources_.clear();
+  left_movers_.clear();
+  right_movers_.clear();
+  std::sort(moves.begin(), moves.end(), [](PointMove a, PointMove b) { return a.point < b.point; });
+  return is_ready;
+}
+
+// A front that has become a single vertex counts as new; a larger front does not, however much it has lost.
+void PartialImage::collect(const OrderedPartition& left, const OrderedPartition& right, int first_split) {
+  for (int i = first_split; i < right.split_count(); ++i) {
+    const auto [start, parent] = right.split_at(i);
+    if (right.length(parent) == 1) add_pair(left.vertex_at(parent), right.vertex_at(parent));
+    if (right.length(start) == 1) {
+      add_pair(left.vertex_at(start), right.vertex_at(start));
+    } else {
+      collect_movers(left, right, start);
+    }
+  }
+}
+
+void PartialImage::collect_movers(const OrderedPartition& left, const OrderedPartition& right, int cell) {
+  const int end = cell + right.length(cell);
+  for (int position = cell; position < end; ++position) {
+    const int on_left = left.vertex_at(position);
+    const int on_right = right.vertex_at(position);
+    if (right.cell_of(on_left) != cell) left_movers_.push_back(on_left);
+    const int left_position = left.position_of(on_right);
+    if (left_position < cell || left_position >= end) right_movers_.push_back(on_right);
+  }
+}
+
+// A vertex that stands in the same cell on both sides is guessed to stay.
+int PartialImage::known_image(const OrderedPartition& left, const OrderedPartition& right, int v) const {
+  if (image_[v] >= 0) return image_[v];
+  return right.cell_of(v) == cell_at(right, left.position_of(v)) ? v : -1;
+}
+
+// Clues give pairs and these give clues. A few rounds go as far as hubs and links reach; long chains are left
+// to refinement.
+bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedPartition& right) {
+  constexpr int kRounds = 6;
+  for (int round = 0; round < kRounds && !left_movers_.empty(); ++round) {
+    const std::size_t known = sources_.size();
+    if (!gather_clues(left, right)) return false;
+    pair_unique_clues();
+    if (sources_.size() < known + left_movers_.size() / 8 + 1) return false;
+    std::erase_if(left_movers_, [this](int v) { return image_[v] >= 0; });
+    std::erase_if(right_movers_, [this](int v) { return preimage_[v] >= 0; });
+  }
+  return left_movers_.empty();
+}
+
+// False where the left gives too few clues to be worth the sorting.
+bool PartialImage::gather_clues(const OrderedPartition& left, const OrderedPartition& right) {
+  left_clues_.clear();
+  right_clues_.clear();
+  for (const int v : left_movers_) {
+    const int cell = cell_at(right, left.position_of(v));
+    for (const int neighbour : graph_.neighbours(v)) {
+      const int image = known_image(left, right, neighbour);
+      if (image >= 0) left_clues_.push_back({cell, image, v});
+    }
+  }
+  if (left_clues_.size() < left_movers_.size() / 8) return false;
+  for (const int v : right_movers_) {
+    for (const int neighbour : graph_.neighbours(v)) right_clues_.push_back({right.cell_of(v), neighbour, v});
+  }
+  return true;
+}
+
+void PartialImage::pair_unique_clues() {
+  const auto is_before = [](const Clue& a, const Clue& b) {
+    return std::tie(a.cell, a.neighbour, a.vertex) < std::tie(b.cell, b.neighbour, b.vertex);
+  };
+  const auto is_same_place = [](const Clue& a, const Clue& b) {
+    return a.cell == b.cell && a.neighbour == b.neighbour;
+  };
+  std::sort(left_clues_.begin(), left_clues_.end(), is_before);
+  std::sort(right_clues_.begin(), right_clues_.end(), is_before);
+  auto candidate = right_clues_.begin();
+  for (auto clue = left_clues_.begin(); clue != left_clues_.end();) {
+    const auto next =
+        std::find_if_not(clue, left_clues_.end(), [&](const Clue& c) { return is_same_place(c, *clue); });
+    const Clue lowest{clue->cell, clue->neighbour, -1};
+    candidate =
+        std::find_if_not(candidate, right_clues_.end(), [&](const Clue& c) { return is_before(c, lowest); });
+    const bool is_unique = next - clue == 1 && candidate != right_clues_.end() &&
+                           is_same_place(*candidate, *clue) &&
+                           (candidate + 1 == right_clues_.end() || !is_same_place(candidate[1], *clue));
+    if (is_unique) add_pair(clue->vertex, candidate->vertex);
+    clue = next;
+  }
+}
+
+// The first pair of a vertex stands.
+void PartialImage::add_pair(int from, int to) {
+  if (from == to || image_[from] >= 0 || preimage_[to] >= 0) return;
+  image_[from] = to;
+  preimage_[to] = from;
+  sources_.push_back(from);
+}
+
+void PartialImage::close_chains() {
+  for (std::size_t i = 0; i < sources_.size(); ++i) {
+    const int from = sources_[i];
+    if (preimage_[from] >= 0) continue;
+    int end = from;
+    while (image_[end] >= 0) end = image_[end];
+    add_pair(end, from);
+  }
+}
+
+}  // namespace symfold::detail

@@ -1,0 +1,36 @@
+// The curve that papers show: how many states a model has over a parameter, full and folded.
+
+#ifndef SYMFOLD_HOST_PICTURES_GROWTH_PLOT_H
+#define SYMFOLD_HOST_PICTURES_GROWTH_PLOT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace symfold {
+
+// The numbers of states for one value of the parameter, each at least 1; none where a run did not end.
+struct GrowthPoint {
+  std::int64_t value = 0;
+  std::optional<std::uint64_t> full;
+  std::optional<std::uint64_t> folded;
+};
+
+struct GrowthPlot {
+  std::string title;
+  std::string parameter;            // "N"
+  std::vector<GrowthPoint> points;  // by ascending values, each value once
+};
+
+// The plot as a stand-alone SVG document, for a column of a paper (340 pixels or 90 mm wide): the states on a
+// logarithmic axis, the last number of each curve beside it, and by what factor folding divides the last full
+// state space that was reached. A curve has a gap where a count is missing.
+std::string growth_svg(const GrowthPlot& plot);
+
+// Writes it to a file. Throws std::runtime_error "PATH: error: cannot be written: REASON".
+void write_growth_plot(const GrowthPlot& plot, const std::string& path);
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_PICTURES_GROWTH_PLOT_H

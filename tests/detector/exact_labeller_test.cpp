@@ -1,0 +1,326 @@
+// Exact labels against the largest of all images, by groups whose numbers of classes are known.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <set>
+
+#include "detector/exact_labeller.h"
+#include "engines/largest_image/chain_search.h"
+#include "tests/oracles/state_classes.h"
+
+namespace symfold::detail {
+namespace {
+
+// A group that acts on the positions 0 .. n-1, each with so many values.
+struct Action {
+  std::string name;
+  std::vector<int> values;
+  std::vector<Images> generators;
+  std::size_t classes;
+
+  std::size_t size() const { return values.size(); }
+};
+
+// The permutation that these cycles make.
+Images cycles(std::size_t size, const std::vector<Images>& lists) {
+  Images images(size);
+  std::iota(images.begin(), images.end(), 0U);
+  for (const Images& cycle : lists) {
+    for (std::size_t i = 0; i < cycle.size(); ++i) images[cycle[i]] = cycle[(i + 1) % cycle.size()];
+  }
+  return images;
+}
+
+// What permutations of objects do to the objects and their unordered pairs, in this order.
+std::vector<Images> on_pairs(std::uint32_t objects, const std::vector<Images>& permutations) {
+  std::vector<Images> result;
+  for (const Images& permutation : permutations) {
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
+    for (std::uint32_t a = 0; a < objects; ++a) {
+      for (std::uint32_t b = a + 1; b < objects; ++b) pairs.emplace_back(a, b);
+    }
+    Images images = permutation;
+    for (const auto& [a, b] : pairs) {
+      const std::pair moved = std::minmax(permutation[a], permutation[b]);
+      const auto index =
+          std::find(pairs.begin(), pairs.end(), std::pair(moved.first, moved.second)) - pairs.begin();
+      images.push_back(objects + static_cast<std::uint32_t>(index));
+    }
+    result.push_back(std::move(images));
+  }
+  return result;
+}
+
+// The images of the points of a grid under a map of its coordinates.
+template <class Map>
+Images on_grid(std::uint32_t width, std::uint32_t height, Map map) {
+  Images images;
+  for (std::uint32_t y = 0; y < height; ++y) {
+    for (std::uint32_t x = 0; x < width; ++x) {
+      const auto [to_x, to_y] = map(x, y);
+      images.push_back(to_y % height * width + to_x % width);
+    }
+  }
+  return images;
+}
+
+std::vector<Action> known_actions() {
+  using Pair = std::pair<std::uint32_t, std::uint32_t>;
+  const auto turned = [](auto x, auto y) { return Pair(x + 1, y); };
+  const auto flipped = [](auto x, auto y) { return Pair(y, x); };
+  const auto mirrored = [](auto x, auto y) { return Pair(3 - x, y); };
+  const auto rows_swapped = [](auto x, auto y) { return Pair(x, y < 2 ? 1 - y : y); };
+  const auto columns_swapped = [](auto x, auto y) { return Pair(x < 2 ? 1 - x : x, y); };
+  const auto lifted = [](auto x, auto y) { return Pair(x, y + 1); };
+  const Images cube_turn{1, 3, 0, 2, 5, 7, 4, 6};
+  const Images cube_flip{4, 5, 6, 7, 0, 1, 2, 3};
+  const Images cube_swap{0, 2, 1, 3, 4, 6, 5, 7};
+  const Images cube_tilt{0, 1, 4, 5, 2, 3, 6, 7};
+  return {
+      {"star of 6", std::vector<int>(6, 3), {cycles(6, {{0, 1}}), cycles(6, {{0, 1, 2, 3, 4, 5}})}, 28},
+      {"ring of 5 and forks, both directions",
+       {3, 3, 3, 3, 3, 2, 2, 2, 2, 2},
+       {cycles(10, {{0, 1, 2, 3, 4}, {5, 6, 7, 8, 9}}), cycles(10, {{1, 4}, {2, 3}, {5, 9}, {6, 8}})},
+       888},
+      {"S2 wr S3 with cluster variables",
+       {3, 3, 3, 3, 3, 3, 2, 2, 2},
+       {cycles(9, {{0, 1}}), cycles(9, {{0, 2}, {1, 3}, {6, 7}}),
+        cycles(9, {{0, 2, 4}, {1, 3, 5}, {6, 7, 8}})},
+       364},
+      {"complete 4 with pairs", std::vector<int>(10, 2),
+       on_pairs(4, {cycles(4, {{0, 1}}), cycles(4, {{0, 1, 2, 3}})}), 90},
+      {"3x3 torus",
+       std::vector<int>(9, 2),
+       {on_grid(3, 3, turned), on_grid(3, 3, flipped), on_grid(3, 3, mirrored)},
+       26},
+      {"cube", std::vector<int>(8, 3), {cube_turn, cube_flip, cube_swap, cube_tilt}, 267},
+      {"S4 x S4 on a matrix",
+       std::vector<int>(16, 2),
+       {on_grid(4, 4, turned), on_grid(4, 4, lifted), on_grid(4, 4, rows_swapped),
+        on_grid(4, 4, columns_swapped)},
+       317},
+      {"complete 5 with pairs", std::vector<int>(15, 2),
+       on_pairs(5, {cycles(5, {{0, 1}}), cycles(5, {{0, 1, 2, 3, 4}})}), 544},
+  };
+}
+
+std::set<Images> closure(const std::vector<Images>& generators, std::size_t size) {
+  std::set<Images> known{cycles(size, {})};
+  std::vector<Images> elements(known.begin(), known.end());
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    for (const Images& generator : generators) {
+      Images product = composed(generator, elements[i]);
+      if (known.insert(product).second) elements.push_back(std::move(product));
+    }
+  }
+  return known;
+}
+
+// The same action with its positions in another order.
+Action shuffled(const Action& action, std::mt19937& random) {
+  Action result = action;
+  Images to = cycles(action.size(), {});
+  std::shuffle(to.begin(), to.end(), random);
+  for (std::size_t i = 0; i < to.size(); ++i) result.values[to[i]] = action.values[i];
+  for (Images& generator : result.generators) generator = composed(to, composed(generator, inverse(to)));
+  return result;
+}
+
+// A detector with the tables of the group, all partitions of `bytes` bytes.
+void set_tables(SymmetryDetection& detector, const Action& action, int bytes) {
+  for (std::size_t i = 0; i < action.size(); ++i) {
+    detector.CumPartitionInfo.push_back(static_cast<int>(i) * bytes);
+    detector.PartitionInfo.push_back(bytes);
+  }
+  for (const ChainLevel& level : make_chain(action.size(), action.generators, 1'000'000)) {
+    detector.Bases.push_back(static_cast<int>(level.base));
+    for (std::size_t i = 1; i < level.orbit.size(); ++i) {
+      Permutation permutation(static_cast<int>(action.size()));
+      std::copy(level.transversal[i].begin(), level.transversal[i].end(), permutation.GetP());
+      detector.VPerms[detector.Bases.back()].push_back({static_cast<int>(level.orbit[i]), {permutation}});
+    }
+  }
+}
+
+std::string image_of(const std::string& state, const Images& images, std::size_t bytes) {
+  std::string image(state.size(), '\0');
+  for (std::size_t c = 0; c < images.size(); ++c)
+    image.replace(images[c] * bytes, bytes, state, c * bytes, bytes);
+  return image;
+}
+
+struct Label {
+  std::string state;
+  bool is_exact;
+};
+
+// The label, after a check of its witness.
+Label label_of(ExactLabeller& labeller, const std::string& state, std::size_t bytes) {
+  Label label{std::string(state.size(), '\0'), false};
+  std::vector<short> witness(state.size() / bytes);
+  label.is_exact = labeller.find(state.data(), label.state.data());
+  labeller.find_witness(witness.data());
+  EXPECT_EQ(image_of(state, Images(witness.begin(), witness.end()), bytes), label.state);
+  return label;
+}
+
+// Compares as memcmp does, char may be signed.
+bool is_less(const std::string& a, const std::string& b) {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+  });
+}
+
+std::string largest_image(const std::string& state, const std::set<Images>& group, std::size_t bytes) {
+  std::string largest = state;
+  for (const Images& element : group) largest = std::max(largest, image_of(state, element, bytes), is_less);
+  return largest;
+}
+
+// One label for each class of all states, in the natural order of the positions and in others, and for every
+// 97th state it is the largest image.
+TEST(ExactLabels, AreOneForEachClassOfKnownGroups) {
+  std::mt19937 random(1);
+  for (const Action& known : known_actions()) {
+    const std::set<Images> group = closure(known.generators, known.size());
+    for (int layout = 0; layout < 4; ++layout) {
+      const Action action = layout == 0 ? known : shuffled(known, random);
+      SymmetryDetection detector;
+      set_tables(detector, action, 2);
+      const ExactGroup exact_group(detector);
+      ExactLabeller labeller(exact_group);
+      const std::set<Images> elements = layout == 0 ? group : closure(action.generators, action.size());
+      std::set<std::string> labels;
+      std::size_t number = 0;
+      for (const std::string& state : all_states(std::vector<int>(action.size(), 2), action.values)) {
+        const Label label = label_of(labeller, state, 2);
+        ASSERT_TRUE(label.is_exact) << action.name;
+        labels.insert(label.state);
+        if (number++ % 97 == 0) {
+          ASSERT_EQ(label.state, largest_image(state, elements, 2)) << action.name;
+        }
+      }
+      EXPECT_EQ(labels.size(), action.classes) << action.name << ", layout " << layout;
+      EXPECT_EQ(labeller.inexact_count(), 0U);
+    }
+  }
+}
+
+// Random groups, partitions of up to 10 bytes, little room: what is called exact is, and the rest are images.
+TEST(ExactLabels, NeverCallALabelExactThatIsNot) {
+  std::mt19937 random(2);
+  std::size_t inexact = 0;
+  for (int round = 0; round < 400; ++round) {
+    const std::size_t size = 3 + random() % 5;
+    Action action{"round " + std::to_string(round), std::vector<int>(size, 2), {}, 0};
+    for (unsigned i = 0; i < 1 + random() % 3; ++i) {
+      Images images = cycles(size, {});
+      std::shuffle(images.begin() + random() % 3, images.end(), random);
+      action.generators.push_back(images);
+    }
+    const std::size_t bytes = std::vector<std::size_t>{1, 2, 8, 10}[random() % 4];
+    SymmetryDetection detector;
+    set_tables(detector, action, static_cast<int>(bytes));
+    const ExactGroup group(detector,
+                           {random() % 3 == 0 ? 1U : 20'000U, random() % 2 == 0 ? 1U : 20'000U, 1 << 20});
+    ExactLabeller labeller(group);
+    const std::set<Images> elements = closure(action.generators, size);
+    for (int i = 0; i < 20; ++i) {
+      std::string state(size * bytes, '\0');
+      for (char& byte : state) byte = static_cast<char>(random() % 2 * 255);
+      const Label label = label_of(labeller, state, bytes);
+      const std::string largest = largest_image(state, elements, bytes);
+      if (label.is_exact) {
+        ASSERT_EQ(label.state, largest) << action.name;
+      }
+      ASSERT_FALSE(is_less(largest, label.state)) << action.name;
+      inexact += label.is_exact ? 0 : 1;
+    }
+  }
+  EXPECT_GT(inexact, 0U);
+}
+
+// Orbits too long for all states: periodic ones, in which many images tie, and random ones. A bound of one
+// element, then of few images, leaves the chain and nothing.
+TEST(ExactLabels, AreTheLargestOnLongOrbits) {
+  const auto turned = [](auto x, auto y) { return std::pair(x + 1, y); };
+  const auto lifted = [](auto x, auto y) { return std::pair(x, y + 1); };
+  const auto mirrored = [](auto x, auto y) { return std::pair(5 - x, y); };
+  const auto once_round = [](auto x, auto y) { return std::pair((x + 1) % 24, y); };
+  const auto back = [](auto x, auto y) { return std::pair((24 - x) % 24, y); };
+  const std::vector<Action> actions{
+      {"ring of 24 with two positions each", std::vector<int>(48, 2), {on_grid(24, 2, once_round)}, 0},
+      {"the same in both directions",
+       std::vector<int>(48, 2),
+       {on_grid(24, 2, once_round), on_grid(24, 2, back)},
+       0},
+      {"6 x 5 torus", std::vector<int>(30, 2), {on_grid(6, 5, turned), on_grid(6, 5, lifted)}, 0},
+      {"the same with mirrors",
+       std::vector<int>(30, 2),
+       {on_grid(6, 5, turned), on_grid(6, 5, lifted), on_grid(6, 5, mirrored)},
+       0},
+  };
+  std::mt19937 random(3);
+  for (const Action& action : actions) {
+    const Action layout = shuffled(action, random);
+    const std::set<Images> elements = closure(layout.generators, layout.size());
+    SymmetryDetection detector;
+    set_tables(detector, layout, 1);
+    const ExactGroup listed(detector);
+    const ExactGroup chained(detector, {20'000, 1});
+    EXPECT_THROW((ExactGroup{detector, {20'000, 1, 10 * layout.size()}}), std::length_error);
+    ExactLabeller by_list(listed);
+    ExactLabeller by_chain(chained);
+    for (std::size_t i = 0; i < 200; ++i) {
+      std::string state(layout.size(), '0');
+      for (std::size_t c = 0; c < state.size(); ++c)
+        state[c] = i < 12 ? (c % (i + 1) == 0 ? '1' : '0') : static_cast<char>('0' + random() % 2);
+      const std::string largest = largest_image(state, elements, 1);
+      for (ExactLabeller* labeller : {&by_list, &by_chain}) {
+        const Label label = label_of(*labeller, state, 1);
+        ASSERT_TRUE(label.is_exact) << action.name;
+        ASSERT_EQ(label.state, largest) << action.name;
+      }
+    }
+  }
+}
+
+// Two racks of three servers, where the greedy search gives equivalent states two labels.
+TEST(ExactLabels, AgreeWhereGreedyOnesDoNot) {
+  const Action racks{
+      "racks",
+      std::vector<int>(9, 2),
+      {cycles(9, {{0, 1}}), cycles(9, {{0, 1, 2}}), cycles(9, {{0, 3}, {1, 4}, {2, 5}, {6, 7}})},
+      0};
+  SymmetryDetection detector;
+  set_tables(detector, racks, 1);
+  const ExactGroup group(detector);
+  ExactLabeller labeller(group);
+  EXPECT_EQ(label_of(labeller, "101011010", 1).state, "110110100");
+  EXPECT_EQ(label_of(labeller, "011011010", 1).state, "110110100");
+}
+
+TEST(ExactLabels, RefuseTablesThatAreNone) {
+  SymmetryDetection unequal;
+  set_tables(unequal, {"swap", {2, 2}, {cycles(2, {{0, 1}})}, 0}, 2);
+  unequal.PartitionInfo = {1, 3};
+  unequal.CumPartitionInfo = {0, 1};
+  EXPECT_THROW(ExactGroup{unequal}, std::invalid_argument);
+  SymmetryDetection gap;
+  gap.PartitionInfo = {2, 2};
+  gap.CumPartitionInfo = {0, 3};
+  EXPECT_THROW(ExactGroup{gap}, std::invalid_argument);
+  SymmetryDetection large;
+  set_tables(large, {"ring", std::vector<int>(5, 2), {cycles(5, {{0, 1, 2, 3, 4}})}, 0}, 2);
+  EXPECT_THROW((ExactGroup{large, {1, 1, 1}}), std::length_error);
+  EXPECT_THROW((ExactGroup{large, {0, 1, 1000}}), std::invalid_argument);
+  std::vector<short> witness(5, -1);
+  ExactLabeller(ExactGroup(large)).find_witness(witness.data());
+  EXPECT_EQ(witness, (std::vector<short>{0, 1, 2, 3, 4})) << "no state was labelled";
+}
+
+}  // namespace
+}  // namespace symfold::detail

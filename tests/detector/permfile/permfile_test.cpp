@@ -1,0 +1,129 @@
+// The permutation file: what is written is read back; what cannot be right changes nothing.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <sstream>
+
+#include "detector/permfile/perm_table.h"
+#include "tests/support/detector_support.h"
+
+namespace symfold {
+namespace {
+
+// Two partitions of two bytes and one of four; a base with a record of two permutations and an empty record.
+const char* const kFile = "3\n2 4 2 \n0 2 6 \n2\n0\n2\n2\n2\n2 1 0 \n0 1 2 \n-1\n0\n1\n0\n";
+
+std::string name = "permutations";
+
+TEST(PermFile, IsReadAndWrittenToTheLetter) {
+  const TempDir dir;
+  write_file(name, kFile);
+  SymmetryDetection detector;
+  EXPECT_EQ(
+      captured([&] { detector.ReadPermFile(name); }),
+      "Number of bases: 2\nBase: 0\n\tNum Vperm: 2\n\tvalue: 2  num_perm: 2\n\t\tPerm: (0 2)\n\t\tPerm: ()\n"
+      "\tvalue: -1  num_perm: 0\nBase: 1\n\tNum Vperm: 0\n");
+  EXPECT_EQ(detector.PartitionInfo, (std::vector<int>{2, 4, 2}));
+  EXPECT_EQ(detector.StaticCumPartitionInfo, (std::vector<int>{0, 2, 6}));
+  EXPECT_EQ(detector.num_partitions, 0);
+  std::string copy = "copy";
+  EXPECT_EQ(captured([&] { detector.WritePermFile(copy); }), "");
+  EXPECT_EQ(read_file(copy), kFile);
+  EXPECT_FALSE(std::filesystem::exists("copy.partial"));
+  captured([&] { detector.ReadPermFile(name); });
+  EXPECT_EQ(detector.CumPartitionInfo, (std::vector<int>{0, 2, 6, 0, 2, 6}));
+  EXPECT_EQ(detector.Bases, (std::vector<int>{0, 1, 0, 1}));
+  EXPECT_EQ(detector.VPerms[0].size(), 2U);
+  SymmetryDetection empty;
+  empty.Bases = {4};
+  captured([&] { empty.WritePermFile(copy); });
+  EXPECT_EQ(read_file(copy), "0\n\n\n1\n4\n0\n");
+}
+
+TEST(PermFile, IsRefusedWholeWithTheLineOfTheFault) {
+  const TempDir dir;
+  const struct {
+    const char* text;
+    const char* error;
+  } cases[] = {
+      {"", ": error: cannot be read: empty file"},
+      {"x", ":1: error: expected the number of partitions (0 to 32767), got x"},
+      {"-1", ":1: error: expected the number of partitions (0 to 32767), got -1"},
+      {"40000", ":1: error: expected the number of partitions (0 to 32767), got 40000"},
+      {"99999999999999999999999999999999999",
+       ":1: error: expected the number of partitions (0 to 32767), got 999999999999999999999999"},
+      {"2\n2 2\n0", ":3: error: expected the offset of a partition, got the end of the file"},
+      {"2\n2 -2\n", ":2: error: expected the size of a partition (0 to 67108862), got -2"},
+      {"2\n2 67108863\n", ":2: error: expected the size of a partition (0 to 67108862), got 67108863"},
+      {"2\n2 2\n0 3", ":3: error: expected offset 2, got 3"},
+      {"1\n2\n0\n-1", ":4: error: expected the number of bases (0 to 2147483647), got -1"},
+      {"1\n2\n0\n2000000000\n", ":5: error: expected a base point, got the end of the file"},
+      {"1\n2\n0\n1\n1", ":5: error: expected a base point (-1 to 0), got 1"},
+      {"1\n2\n0\n1\n0\n2", ":6: error: expected the number of records of a base (0 to 1), got 2"},
+      {"1\n2\n0\n1\n0\n1\n1", ":7: error: expected the value of a record (-1 to 0), got 1"},
+      {"1\n2\n0\n1\n0\n1\n0\n-7",
+       ":8: error: expected the number of permutations of a record (0 to 2147483647), got -7"},
+      {"2\n2 2\n0 2\n1\n0\n1\n1\n1\n1 2", ":9: error: expected an image of a permutation (0 to 1), got 2"},
+      {"2\n2 2\n0 2\n1\n0\n1\n1\n1\n1 1\n",
+       ":9: error: expected a permutation, got an image that occurs twice"},
+      {"2\n2 4\n0 2\n1\n0\n1\n1\n1\n1 0\n",
+       ":9: error: expected a partition of 2 bytes as image of partition 0, got 1, of 4 bytes"},
+      {"0\n\n\n0\n7", ":5: error: expected the end of the file, got 7"},
+      {"1\n2.5\n", ":2: error: expected the size of a partition (0 to 67108864), got 2.5"},
+  };
+  for (const auto& c : cases) {
+    write_file(name, c.text);
+    SymmetryDetection detector;
+    detector.Bases = {7};
+    std::string errors;
+    EXPECT_EQ(captured([&] { errors = captured_errors([&] { detector.ReadPermFile(name); }); }), "");
+    EXPECT_EQ(errors, "symfold: permutations" + std::string(c.error) + "\n") << c.text;
+    EXPECT_EQ("symfold: " + detector.PermFileError + "\n", errors);
+    EXPECT_TRUE(detector.PartitionInfo.empty() && detector.VPerms.empty() && detector.Bases.size() == 1)
+        << c.text;
+  }
+}
+
+TEST(PermFile, MissingFilesAndFailedWritesAreReported) {
+  const TempDir dir;
+  SymmetryDetection detector;
+  EXPECT_EQ(captured_errors([&] { detector.ReadPermFile(name); }),
+            "symfold: permutations: error: cannot be read: No such file or directory\n");
+  std::string nowhere = "no/such/file";
+  EXPECT_EQ(captured_errors([&] { detector.WritePermFile(nowhere); }),
+            "symfold: no/such/file: error: cannot be written: No such file or directory\n");
+  std::string full = "/dev/full";
+  EXPECT_EQ(captured_errors([&] { detector.WritePermFile(full); }),
+            "symfold: /dev/full: error: cannot be written: No space left on device\n");
+  write_file(name, kFile);
+  detector.CumPartitionInfo = {0};
+  EXPECT_EQ(captured_errors([&] { detector.WritePermFile(name); }),
+            "symfold: permutations: error: not written: expected tables of 1 partitions\n");
+  EXPECT_EQ(read_file(name), kFile);
+}
+
+// Every cut and a thousand random changes of a sound file: refused, or read as sound tables.
+TEST(PermFile, DamagedFilesNeverGiveUnsoundTables) {
+  const std::string sound = kFile;
+  std::mt19937 random(11);
+  for (std::size_t i = 0; i < sound.size() + 1000; ++i) {
+    std::string text = i < sound.size() ? sound.substr(0, i) : sound;
+    if (i >= sound.size()) text[random() % text.size()] = "0123456789 -x\n"[random() % 14];
+    std::istringstream in(text);
+    PermTable table;
+    if (!read_perm_table(in, "damaged", table).empty()) continue;
+    SymmetryDetection detector;
+    detector.PartitionInfo = table.sizes;
+    for (auto& [base, records] : table.bases) {
+      detector.Bases.push_back(base);
+      detector.VPerms[base] = records;
+    }
+    std::string report;
+    EXPECT_TRUE(detector.VerifySymmetries(report)) << text << report;
+  }
+}
+
+}  // namespace
+}  // namespace symfold

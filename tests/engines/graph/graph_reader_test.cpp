@@ -1,0 +1,138 @@
+#include "engines/graph/graph_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "components/saucy_obj.h"
+
+namespace symfold::detail {
+namespace {
+
+GraphFileResult read(const std::string& text) {
+  std::istringstream in(text);
+  return read_graph(in, "g");
+}
+
+TEST(GraphFile, ReadsVerticesColoursEdgesAndLoops) {
+  const GraphFileResult result = read("5 6 3 2 3\n0 2\n\t2 0  0 1 3 3\r\n4 3 3 3");
+  EXPECT_EQ(result.error, "");
+  const ColouredGraph& graph = result.graph;
+  ASSERT_EQ(graph.vertex_count(), 5);
+  std::ostringstream text;
+  for (int v = 0; v < 5; ++v) {
+    text << graph.colour(v) << '/' << graph.loops(v) << ':';
+    for (const int neighbour : graph.neighbours(v)) text << ' ' << neighbour;
+    text << '\n';
+  }
+  EXPECT_EQ(text.str(), "0/0: 2 2 1\n0/0: 0\n1/0: 0 0\n2/2: 4\n2/0: 3\n");
+  EXPECT_EQ(read("0 0 0\n").error, "");
+  EXPECT_EQ(read("1 0 1").error, "");
+}
+
+TEST(GraphFile, SaysWhereAndWhatWasExpected) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"", "g:1: error: expected the number of vertices (0 to 16777216), got the end of the file"},
+      {"\n\nx", "g:3: error: expected the number of vertices (0 to 16777216), got 'x'"},
+      {"-1 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '-1'"},
+      {"16777217 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '16777217'"},
+      {"99999999999999999999999999999999999999999999 0 1",
+       "g:1: error: expected the number of vertices (0 to 16777216), got '99999999999999999999999999999999'"},
+      {"3 2.5 1", "g:1: error: expected the number of edges (0 to 2147483647), got '2.5'"},
+      {"3", "g:1: error: expected the number of edges (0 to 2147483647), got the end of the file"},
+      {"0 1 0", "g:1: error: expected the number of edges (0), got '1'"},
+      {"3 0 0", "g:1: error: expected the number of colours (1 to 3), got '0'"},
+      {"3 0 4", "g:1: error: expected the number of colours (1 to 3), got '4'"},
+      {"0 0 1", "g:1: error: expected the number of colours (0), got '1'"},
+      {"3 0 2 0", "g:1: error: expected the first vertex of a colour (1 to 2), got '0'"},
+      {"4 0 3 2 2", "g:1: error: expected the first vertex of a colour (3), got '2'"},
+      {"4 0 3 3 4", "g:1: error: expected the first vertex of a colour (1 to 2), got '3'"},
+      {"3 1 1\n0 3", "g:2: error: expected an edge's other vertex (0 to 2), got '3'"},
+      {"3 2 1\n0 1\n-1 2\n", "g:3: error: expected an edge's vertex (0 to 2), got '-1'"},
+      {"3 2147483647 1\n0 1\n", "g:3: error: expected an edge's vertex (0 to 2), got the end of the file"},
+      {"3 1 1\n0 1\n2 \x01\n", "g:3: error: expected the end of the file, got '2'"},
+      {"3 0 1\n\xff", "g:2: error: expected the end of the file, got '?'"},
+  };
+  for (const auto& [text, error] : cases) {
+    EXPECT_EQ(read(text).error, error) << text;
+    EXPECT_EQ(read(text).graph.vertex_count(), 0) << text;
+  }
+}
+
+// Every prefix and every replaced byte of a good file is either read or refused in one line.
+TEST(GraphFile, TakesAnyDamage) {
+  const std::string good = "7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n";
+  EXPECT_EQ(read(good).error, "");
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    read(good.substr(0, i));
+    for (int byte = 0; byte < 256; ++byte) {
+      std::string damaged = good;
+      damaged[i] = static_cast<char>(byte);
+      const std::string error = read(damaged).error;
+      EXPECT_TRUE(error.empty() || (error.starts_with("g:") && error.find('\n') == std::string::npos))
+          << damaged;
+    }
+  }
+}
+
+class SaucyObjFile : public testing::Test {
+ protected:
+  // Runs all four calls on a file of that name; gives what they wrote to standard error.
+  std::string run(saucy_obj& engine, std::string name) {
+    testing::internal::CaptureStderr();
+    saucy_struct* state = engine.saucy_begin2(name.data());
+    engine.saucy_init(state);
+    engine.saucy_search(state);
+    engine.saucy_end(state);
+    return testing::internal::GetCapturedStderr();
+  }
+
+  std::string write(const std::string& text) {
+    std::ofstream(path_) << text;
+    return path_;
+  }
+
+  void TearDown() override { std::filesystem::remove(path_); }
+
+  const std::string path_ = testing::TempDir() + "symfold_graph_file_test";
+};
+
+TEST_F(SaucyObjFile, GivesGeneratorsBaseAndOrbitLengthsOfTheFile) {
+  saucy_obj engine;
+  EXPECT_EQ(run(engine, write("7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n")), "");
+  ASSERT_EQ(engine.generators.size(), 1U);
+  std::ostringstream text;
+  text << engine.generators.front();
+  EXPECT_EQ(text.str(), "(0 1)(4 5)");
+  EXPECT_EQ(engine.generators.front().GetN(), 7);
+  EXPECT_EQ(engine.base, std::vector<int>{0});
+  EXPECT_EQ(engine.orbit_lengths, std::vector<int>{2});
+  EXPECT_TRUE(engine.is_complete);
+}
+
+TEST_F(SaucyObjFile, ReportsABadFileOnceAndForgetsEarlierResults) {
+  saucy_obj engine;
+  run(engine, write("3 0 1\n"));
+  EXPECT_EQ(engine.generators.size(), 2U);
+  EXPECT_EQ(run(engine, write("3 1 1\n0 x\n")),
+            path_ + ":2: error: expected an edge's other vertex (0 to 2), got 'x'\n");
+  EXPECT_TRUE(engine.generators.empty() && engine.base.empty() && engine.orbit_lengths.empty());
+  EXPECT_EQ(run(engine, path_ + ".missing"), path_ + ".missing: error: cannot be opened for reading\n");
+  EXPECT_EQ(run(engine, testing::TempDir()), testing::TempDir() + ": error: cannot be read\n");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(engine.saucy_begin2(nullptr), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: expected the name of a graph file, got none\n");
+}
+
+TEST_F(SaucyObjFile, RefusesAGroupWhoseGeneratorsWouldFillTheMemory) {
+  saucy_obj engine;
+  EXPECT_EQ(run(engine, write("40000 0 1\n")),
+            path_ + ": error: expected at most 6710 generators for 40000 vertices, got more\n");
+  EXPECT_TRUE(engine.generators.empty());
+  EXPECT_FALSE(engine.is_complete);
+}
+
+}  // namespace
+}  // namespace symfold::detail

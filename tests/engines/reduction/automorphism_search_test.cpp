@@ -1,0 +1,260 @@
+#include "engines/reduction/automorphism_search.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <numeric>
+#include <random>
+
+#include "engines/graph/automorphism_check.h"
+#include "tests/support/group_checks.h"
+
+namespace symfold::detail {
+namespace {
+
+using oracle::Graph;
+
+// Bit i of the mask set: a new colour begins at vertex i + 1.
+std::vector<int> boundaries_of(int n, unsigned mask) {
+  std::vector<int> boundaries;
+  for (int v = 1; v < n; ++v) {
+    if ((mask >> (v - 1) & 1U) != 0) boundaries.push_back(v);
+  }
+  return boundaries;
+}
+
+TEST(AutomorphismSearch, AgreesWithAllPermutationsOnEveryColouredGraphOfUpToFiveVertices) {
+  for (int n = 0; n <= 5; ++n) {
+    std::vector<std::pair<int, int>> pairs;
+    for (int a = 0; a < n; ++a) {
+      for (int b = 0; b < a; ++b) pairs.emplace_back(a, b);
+    }
+    for (unsigned colouring = 0; colouring < (n == 0 ? 1U : 1U << (n - 1)); ++colouring) {
+      for (unsigned mask = 0; mask < 1U << pairs.size(); ++mask) {
+        Graph graph{n, boundaries_of(n, colouring), {}};
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+          if ((mask >> i & 1U) != 0) graph.edges.push_back(pairs[i]);
+        }
+        expect_automorphisms(graph);
+        if (HasFailure()) return;
+      }
+    }
+  }
+}
+
+// Three vertices with up to two parallel edges between each two and up to one loop at each.
+TEST(AutomorphismSearch, AgreesWithAllPermutationsOnSmallMultigraphs) {
+  const std::vector<std::pair<int, int>> places{{0, 1}, {0, 1}, {1, 2}, {2, 1}, {0, 2},
+                                                {0, 2}, {0, 0}, {1, 1}, {2, 2}};
+  for (unsigned colouring = 0; colouring < 4; ++colouring) {
+    for (unsigned mask = 0; mask < 1U << places.size(); ++mask) {
+      Graph graph{3, boundaries_of(3, colouring), {}};
+      for (std::size_t i = 0; i < places.size(); ++i) {
+        if ((mask >> i & 1U) != 0) graph.edges.push_back(places[i]);
+      }
+      expect_automorphisms(graph);
+      if (HasFailure()) return;
+    }
+  }
+}
+
+oracle::Images shuffled_inside_colours(const Graph& graph, std::mt19937& random) {
+  oracle::Images images(static_cast<std::size_t>(graph.n));
+  std::iota(images.begin(), images.end(), 0);
+  auto colour_begin = images.begin();
+  for (const int boundary : graph.boundaries) {
+    std::shuffle(colour_begin, images.begin() + boundary, random);
+    colour_begin = images.begin() + boundary;
+  }
+  std::shuffle(colour_begin, images.end(), random);
+  return images;
+}
+
+// Few colours, and edges added together with their images under a random permutation: asymmetric graphs, to
+// which plain random ones mostly belong, prove little.
+Graph random_symmetric_graph(unsigned seed) {
+  std::mt19937 random(seed);
+  Graph graph;
+  graph.n = 6 + static_cast<int>(random() % 3);
+  const auto vertex = [&] { return static_cast<int>(random() % static_cast<unsigned>(graph.n)); };
+  if (random() % 3 == 0) graph.boundaries.push_back(1 + static_cast<int>(random() % 5));
+  const oracle::Images images = shuffled_inside_colours(graph, random);
+  for (auto i = 1 + random() % 3; i > 0; --i) {
+    const std::pair<int, int> first(vertex(), vertex());
+    std::pair<int, int> edge = first;
+    do {
+      graph.edges.push_back(edge);
+      edge = {images[static_cast<std::size_t>(edge.first)], images[static_cast<std::size_t>(edge.second)]};
+    } while (edge != first && edge != std::pair(first.second, first.first));
+  }
+  return graph;
+}
+
+TEST(AutomorphismSearch, AgreesWithAllPermutationsOnRandomGraphsOfUpToEightVertices) {
+  constexpr std::size_t kLargest =
+      1024;  // one group in thirty is larger; those take most of the time to close
+  for (unsigned seed = 0; seed < 2000 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const Graph graph = random_symmetric_graph(seed);
+    if (oracle::all_automorphisms(graph).size() <= kLargest) expect_automorphisms(graph);
+  }
+}
+
+// The product of the orbit lengths, with every generator certified.
+double group_order(const Graph& graph) {
+  const ColouredGraph coloured = graph_of(graph);
+  const AutomorphismGroup group = find_automorphisms(coloured);
+  AutomorphismCheck check(coloured);
+  for (const SparsePermutation& moves : group.generators) EXPECT_TRUE(check.is_automorphism(moves));
+  for (const int failures : {0, 1}) {
+    EXPECT_EQ(find_automorphisms(coloured, {.descent_failures = failures}).orbit_lengths,
+              group.orbit_lengths);
+  }
+  return std::accumulate(group.orbit_lengths.begin(), group.orbit_lengths.end(), 1.0, std::multiplies<>());
+}
+
+void add_cycle(Graph& graph, int length) {
+  for (int i = 0; i < length; ++i) graph.edges.emplace_back(graph.n + i, graph.n + (i + 1) % length);
+  graph.n += length;
+}
+
+// Vertices of a 4 by 4 torus of points, joined where `is_joined` of their differences modulo 4 says so.
+void add_differences(Graph& graph, bool (*is_joined)(int, int)) {
+  for (int a = 0; a < 16; ++a) {
+    for (int b = 0; b < a; ++b) {
+      if (is_joined((a / 4 - b / 4 + 4) % 4, (a - b + 16) % 4))
+        graph.edges.emplace_back(graph.n + a, graph.n + b);
+    }
+  }
+  graph.n += 16;
+}
+
+// Vertices exchanged at random inside their colours, edges in another order.
+Graph renumbered(Graph graph, unsigned seed) {
+  std::mt19937 random(seed);
+  const oracle::Images number = shuffled_inside_colours(graph, random);
+  for (auto& [a, b] : graph.edges) {
+    a = number[static_cast<std::size_t>(a)];
+    b = number[static_cast<std::size_t>(b)];
+  }
+  std::shuffle(graph.edges.begin(), graph.edges.end(), random);
+  return graph;
+}
+
+// Known orders: F. Harary, Graph Theory, 1969, ch. 14; A. E. Brouwer and H. Van Maldeghem, Strongly Regular
+// Graphs, 2022.
+TEST(AutomorphismSearch, FindsTheOrdersOfWellKnownGraphs) {
+  Graph complete{5, {}, {}};
+  for (int a = 0; a < 5; ++a) {
+    for (int b = 0; b < a; ++b) complete.edges.emplace_back(a, b);
+  }
+  EXPECT_EQ(group_order(complete), 120);
+
+  Graph petersen{10, {}, {}};
+  for (int i = 0; i < 5; ++i) {
+    petersen.edges.insert(petersen.edges.end(), {{i, (i + 1) % 5}, {i, i + 5}, {i + 5, (i + 2) % 5 + 5}});
+  }
+  EXPECT_EQ(group_order(petersen), 120);
+
+  Graph hypercube{16, {}, {}};
+  for (int v = 0; v < 16; ++v) {
+    for (int bit = 1; bit < 16; bit *= 2) {
+      if ((v & bit) == 0) hypercube.edges.emplace_back(v, v | bit);
+    }
+  }
+  EXPECT_EQ(group_order(hypercube), 384);
+
+  for (int length = 3; length < 40; ++length) {
+    Graph cycle;
+    add_cycle(cycle, length);
+    EXPECT_EQ(group_order(cycle), 2 * length);
+  }
+}
+
+// Degrees tell nothing apart here, so that only individualisation and backtracking can.
+TEST(AutomorphismSearch, SeesWhatRefinementIsBlindTo) {
+  Graph hexagon_and_triangles;
+  for (const int length : {3, 6, 3, 6, 3, 3}) add_cycle(hexagon_and_triangles, length);
+  EXPECT_EQ(group_order(hexagon_and_triangles), 12 * 12 * 2 * 6 * 6 * 6 * 6 * 24);
+
+  const auto rook = [](int row, int column) { return (row == 0) != (column == 0); };
+  const auto shrikhande = [](int row, int column) {
+    return (row == 0 && column % 2 == 1) || (column == 0 && row % 2 == 1) || (row == column && row % 2 == 1);
+  };
+  Graph regular;
+  add_differences(regular, shrikhande);
+  EXPECT_EQ(group_order(regular), 192);
+  add_differences(regular, rook);
+  EXPECT_EQ(group_order(regular), 192 * 1152);
+  add_differences(regular, shrikhande);
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    EXPECT_EQ(group_order(renumbered(regular, seed)), 192.0 * 192 * 2 * 1152) << "seed " << seed;
+  }
+}
+
+// A cycle with chords, so that every vertex has three edges: alike to refinement, told apart by short cycles.
+TEST(AutomorphismSearch, FindsTwiceTheSquareOfTheOrderForTwoCopiesOfACubicGraph) {
+  constexpr int kSize = 60;
+  for (unsigned seed = 0; seed < 40; ++seed) {
+    Graph cubic;
+    add_cycle(cubic, kSize);
+    std::vector<int> ends(kSize);
+    std::iota(ends.begin(), ends.end(), 0);
+    std::shuffle(ends.begin(), ends.end(), std::mt19937(seed));
+    for (std::size_t i = 0; i < kSize; i += 2) cubic.edges.emplace_back(ends[i], ends[i + 1]);
+    Graph copies = cubic;
+    copies.n += kSize;
+    for (const auto& [a, b] : cubic.edges) copies.edges.emplace_back(a + kSize, b + kSize);
+    const double order = group_order(cubic);
+    EXPECT_EQ(group_order(renumbered(copies, seed)), 2 * order * order) << "seed " << seed;
+  }
+}
+
+// Two roots, each joined to a triangle and a square of its own. With the roots exchanged, the first choice of
+// a vertex for the triangle's may fall on a square, and only going back to another one finds the
+// automorphism.
+TEST(AutomorphismSearch, GoesBackToOtherChoices) {
+  Graph rooted{2, {2}, {}};
+  for (const int root : {0, 1}) {
+    for (int v = 0; v < 7; ++v) rooted.edges.emplace_back(root, rooted.n + v);
+    for (const int length : {3, 4}) add_cycle(rooted, length);
+  }
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    const Graph graph = renumbered(rooted, seed);
+    EXPECT_EQ(group_order(graph), 6 * 8 * 6 * 8 * 2) << graph.file_text();
+  }
+}
+
+// A star whose first path has one level per leaf. Generators move two leaves each.
+TEST(AutomorphismSearch, TakesOneGeneratorOfTwoLeavesForEveryLevelOfAStar) {
+  constexpr int kLeaves = 50'000;
+  std::vector<Edge> edges;
+  for (int leaf = 0; leaf < kLeaves; ++leaf) edges.push_back({leaf, kLeaves});
+  const AutomorphismGroup group = find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges));
+  ASSERT_EQ(group.generators.size(), std::size_t{kLeaves - 1});
+  for (const SparsePermutation& moves : group.generators) EXPECT_EQ(moves.size(), 2U);
+  for (int i = 0; i + 1 < kLeaves; ++i) {
+    EXPECT_EQ(group.base[static_cast<std::size_t>(i)], i);
+    EXPECT_EQ(group.orbit_lengths[static_cast<std::size_t>(i)], kLeaves - i);
+  }
+  EXPECT_FALSE(
+      find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges), {.generators = 10}).is_complete);
+}
+
+TEST(AutomorphismCheck, RefusesWhatBreaksColoursLoopsEdgesOrIsNoPermutation) {
+  // A square 0-1-2-3 with a double edge 0-1, a loop at 3, and the vertex 4 of a colour of its own.
+  const ColouredGraph graph(5, {4}, {{0, 1}, {1, 0}, {1, 2}, {2, 3}, {3, 0}, {3, 3}});
+  AutomorphismCheck check(graph);
+  EXPECT_TRUE(check.is_automorphism({}));
+  EXPECT_FALSE(check.is_automorphism({{0, 1}, {1, 0}, {2, 3}, {3, 2}})) << "the loop";
+  EXPECT_FALSE(check.is_automorphism({{0, 2}, {2, 0}})) << "the double edge";
+  EXPECT_FALSE(check.is_automorphism({{3, 4}, {4, 3}})) << "the colour";
+  EXPECT_FALSE(check.is_automorphism({{0, 2}})) << "no permutation";
+  EXPECT_FALSE(check.is_automorphism({{0, 1}, {1, 2}, {2, 1}})) << "no permutation";
+  const ColouredGraph square(4, {}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
+  EXPECT_TRUE(AutomorphismCheck(square).is_automorphism({{0, 1}, {1, 2}, {2, 3}, {3, 0}}));
+}
+
+}  // namespace
+}  // namespace symfold::detail

@@ -1,0 +1,68 @@
+// Detected permutations against the composed model itself, by code that knows nothing of graphs.
+
+#include "host/symmetry/detection_run.h"
+#include "host/chain/state_layout.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "tests/support/model_support.h"
+
+namespace symfold {
+namespace {
+
+// Per join, its members as (partition of the submodel, variable); partitions in the detector's order.
+using Memberships = std::map<int, std::set<std::pair<int, std::string>>>;
+
+void expect_symmetry(const Memberships& joins, const std::map<int, std::string>& types,
+                     const Permutation& p) {
+  for (const auto& [partition, type] : types) EXPECT_EQ(types.at(p[partition]), type);
+  for (const auto& [join, members] : joins) {
+    std::set<std::pair<int, std::string>> moved;
+    for (const auto& [submodel, variable] : members) moved.emplace(p[submodel], variable);
+    EXPECT_EQ(joins.at(p[join]), moved);
+  }
+}
+
+// Every record moves its value onto its base, and submodels onto submodels of their type, joins onto the
+// joins of the moved members.
+TEST(DetectionRun, StoresSymmetriesOfTheModelForEveryExample) {
+  const auto directory = std::filesystem::temp_directory_path() / ("symfold-run-" + std::to_string(getpid()));
+  for (const std::string& name : example_names()) {
+    SCOPED_TRACE(name);
+    const ComposedModel model = read_model(example_path(name));
+    const DetectionRun run(model, directory.string(), false);
+    EXPECT_TRUE(run.is_sound()) << run.unsound_reason();
+    const SymmetryDetection& detector = run.detector();
+    std::map<std::string, int> position;
+    for (const std::string& partition : detector.SSOrder) position.emplace(partition, position.size());
+    std::map<int, std::string> types;
+    for (const Submodel& submodel : model.submodels) {
+      types[position.at(submodel.name)] = model.instance_of(submodel).token;
+    }
+    Memberships joins;
+    for (const Join& join : model.joins) {
+      for (const JoinMember& member : join.members) {
+        const Submodel& submodel = model.submodels[static_cast<std::size_t>(member.submodel)];
+        joins[position.at(join.name)].emplace(position.at(submodel.name), model.variable_of(member).name);
+      }
+    }
+    for (const auto& [base, records] : detector.VPerms) {
+      for (const ValPerms& record : records) {
+        ASSERT_EQ(record.Perms.size(), 1U);
+        EXPECT_EQ(record.Perms[0][record.Value], base);
+        expect_symmetry(joins, types, record.Perms[0]);
+      }
+    }
+    EXPECT_EQ(static_cast<int>(2 * StateLayout(model, detector.SSOrder).slot_count()),
+              detector.CumPartitionInfo.back() + detector.PartitionInfo.back());
+  }
+  std::filesystem::remove_all(directory);
+}
+
+}  // namespace
+}  // namespace symfold

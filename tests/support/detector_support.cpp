@@ -1,0 +1,136 @@
+#include "tests/support/detector_support.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+namespace symfold {
+namespace {
+
+std::string captured_stream(std::ostream& stream, const std::function<void()>& action) {
+  std::ostringstream text;
+  std::streambuf* before = stream.rdbuf(text.rdbuf());
+  action();
+  stream.rdbuf(before);
+  return text.str();
+}
+
+}  // namespace
+
+TempDir::TempDir() : before_(std::filesystem::current_path()) {
+  std::string name = (std::filesystem::temp_directory_path() / "symfold-test-XXXXXX").string();
+  path_ = mkdtemp(name.data());
+  std::filesystem::current_path(path_);
+}
+
+TempDir::~TempDir() {
+  std::filesystem::current_path(before_);
+  std::filesystem::remove_all(path_);
+}
+
+void write_file(const std::string& name, const std::string& text) { std::ofstream(name) << text; }
+
+std::string read_file(const std::string& name) {
+  std::ostringstream text;
+  text << std::ifstream(name).rdbuf();
+  return text.str();
+}
+
+std::string captured(const std::function<void()>& action) { return captured_stream(std::cout, action); }
+
+std::string captured_errors(const std::function<void()>& action) {
+  std::string errors;
+  captured([&] { errors = captured_stream(std::cerr, action); });
+  return errors;
+}
+
+TestModel::TestModel(const std::vector<TestJoin>& joins) {
+  for (const TestJoin& join : joins) {
+    auto& names = names_.emplace_back();
+    auto& heads = heads_.emplace_back();
+    for (const SharedVariable& variable : join.variables) {
+      names.push_back(text(variable.name));
+      SharedVarEntry* next = nullptr;
+      for (auto member = variable.members.rbegin(); member != variable.members.rend(); ++member) {
+        variables_.push_back(std::make_unique<StateVariable>(StateVariable{text(member->second)}));
+        models_.push_back(std::make_unique<AtomicModel>(AtomicModel{text(member->first)}));
+        entries_.push_back(std::make_unique<SharedVarEntry>(
+            SharedVarEntry{variables_.back().get(), models_.back().get(), next}));
+        next = entries_.back().get();
+      }
+      heads.push_back(next);
+    }
+    joins_.push_back(std::make_unique<JoinModel>());
+    joins_.back()->JoinName = text(join.name);
+    joins_.back()->NumSharedStateVars = static_cast<int>(names.size());
+  }
+  for (std::size_t j = 0; j < joins_.size(); ++j) {
+    joins_[j]->SharedStateVarNames = names_[j].data();
+    joins_[j]->SharedStateVars = heads_[j].data();
+    pointers_.push_back(joins_[j].get());
+  }
+  wrapper_ = {pointers_.data(), static_cast<int>(pointers_.size())};
+}
+
+char* TestModel::text(const std::string& name) {
+  texts_.push_back(std::make_unique<std::string>(name));
+  return texts_.back()->data();
+}
+
+void detect(SymmetryDetection& detector, const std::string& types, int submodel_bytes) {
+  write_file("types", types);
+  captured([&] {
+    detector.FindMCG();
+    for (ModelCompGraphNode& node : detector.GraphNodes) {
+      if (node.PrivateOrJoin && node.Type != "join") node.StateSize = submodel_bytes;
+    }
+    detector.CreatePartitionInfo();
+    detector.SSOrder = detector.GNOrder;
+    detector.ShrinkPermutations();
+    detector.AdjustPermutations();
+    detector.AdjustPartitionInfo();
+    detector.TrimPermutations();
+  });
+}
+
+void start_labelling(SymmetryDetection& detector) {
+  captured([&] {
+    detector.num_partitions = static_cast<int>(detector.PartitionInfo.size());
+    detector.Initialize();
+    detector.ConvertSTLToStatic();
+  });
+}
+
+void stop_labelling(SymmetryDetection& detector) {
+  detector.Cleanup();
+  detector.CleanStaticMembers();
+}
+
+std::string label_of(SymmetryDetection& detector, std::string state, std::vector<short>* perm) {
+  std::string label(state.size(), '\0');
+  if (perm != nullptr) perm->resize(static_cast<std::size_t>(detector.num_partitions));
+  detector.FindCanonicalLabel(state.data(), label.data(), perm == nullptr ? nullptr : perm->data());
+  return label;
+}
+
+void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state) {
+  const LiteralLabel expected = literal_label(tables, state);
+  std::vector<short> perm;
+  ASSERT_EQ(label_of(detector, state, &perm), expected.state);
+  ASSERT_EQ(perm, expected.perm);
+  std::vector<short> witness(tables.sizes.size());
+  detector.FindWitness(witness.data());
+  ASSERT_EQ(witness, expected.witness);
+  ASSERT_EQ(moved(tables.sizes, {witness.begin(), witness.end()}, state), expected.state);
+  ASSERT_EQ(label_of(detector, state), expected.state) << "without a permutation";
+  for (const unsigned char* member : {detector.af_current_state, detector.af_best_state}) {
+    ASSERT_TRUE(std::equal(expected.state.begin(), expected.state.end(), member,
+                           [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+  }
+}
+
+}  // namespace symfold

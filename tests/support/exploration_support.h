@@ -1,0 +1,59 @@
+// Explorations as tests look at them: whole chains in plain vectors.
+
+#ifndef SYMFOLD_TESTS_SUPPORT_EXPLORATION_SUPPORT_H
+#define SYMFOLD_TESTS_SUPPORT_EXPLORATION_SUPPORT_H
+
+#include <string>
+#include <vector>
+
+#include "host/chain/exploration.h"
+#include "host/symmetry/detection_run.h"
+#include "host/symmetry/label_search.h"
+
+namespace symfold {
+
+// An example with constants for which its full state space is small.
+ComposedModel small_example(const std::string& name);
+
+// n submodels of k local states each on one join; every submodel moves on, starts again, or stays.
+std::string star_text(int n, int k);
+
+struct Explored {
+  std::string error;  // what a ModelError says; then nothing else is known
+  Ending ending = Ending::kUnderWay;
+  ExplorationFigures figures;
+  MarkovChain chain;  // of all states where the exploration was complete
+  std::vector<std::vector<std::int16_t>> states;
+};
+
+Explored explored(const ComposedModel& model, const StateLayout& layout, Labelling* labelling = nullptr,
+                  const ExplorationLimits& limits = {});
+Explored explored(const ComposedModel& model);
+
+// A model's symmetries, ready for folding.
+class Folding {
+ public:
+  explicit Folding(const ComposedModel& model);
+
+  // The chain of all states, and those of the representatives, in the order of the state vector.
+  Explored full(const ExplorationLimits& limits = {}) const {
+    return explored(model_, layout_, nullptr, limits);
+  }
+  Explored folded(bool is_exact) {
+    return explored(model_, layout_, is_exact ? static_cast<Labelling*>(&exact_) : &greedy_);
+  }
+
+  // By state, the number of its symmetry class.
+  std::vector<int> classes_of(const std::vector<std::vector<std::int16_t>>& states) const;
+
+ private:
+  const ComposedModel& model_;
+  DetectionRun run_;
+  StateLayout layout_;
+  LabelSearch greedy_;
+  ExactLabelSearch exact_;
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_TESTS_SUPPORT_EXPLORATION_SUPPORT_H
