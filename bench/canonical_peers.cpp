@@ -162,19 +162,19 @@ double average(const std::vector<State>& states, Prepare prepare, Run run) {
 }
 
 // symfold's own calls are shorter than the clock is fine: all states in one go.
-double average_label(Labelling& labelling, const std::vector<State>& states) {
+double average_label(Labeller& labeller, const std::vector<State>& states) {
   std::vector<std::vector<std::uint16_t>> words;
   for (const State& state : states) words.emplace_back(state.begin(), state.end());
   std::vector<std::uint16_t> label(words[0].size());
   constexpr int kRepeats = 20;
   const auto start = std::chrono::steady_clock::now();
   for (int repeat = 0; repeat < kRepeats; ++repeat) {
-    for (const auto& word : words) labelling.find(word.data(), label.data());
+    for (const auto& word : words) labeller.find(word.data(), label.data());
   }
   return microseconds_since(start) / (kRepeats * static_cast<double>(words.size()));
 }
 
-std::vector<double> measure(const Graph& composition, Labelling& exact, const std::vector<State>& states) {
+std::vector<double> measure(const Graph& composition, Labeller& exact, const std::vector<State>& states) {
   Nauty nauty(composition);
   bliss::Graph bliss_graph(static_cast<unsigned>(composition.type.size()));
   for (std::size_t v = 0; v < composition.type.size(); ++v) {

@@ -27,23 +27,23 @@ const char* name_of(Symmetry symmetry) {
   return symmetry == Symmetry::kOff ? "off/" : symmetry == Symmetry::kFast ? "fast/" : "exact/";
 }
 
-// A model's symmetries and the labelling by them.
+// A model's symmetries and the labeller by them.
 class Folding {
  public:
   Folding(const Family& family, Symmetry symmetry) : example_(family) {
     if (symmetry == Symmetry::kFast) {
-      labelling_ = std::make_unique<LabelSearch>(example_.run().detector());
+      labeller_ = std::make_unique<LabelSearch>(example_.run().detector());
     } else {
-      labelling_ = std::make_unique<ExactLabelSearch>(example_.run().detector());
+      labeller_ = std::make_unique<ExactLabelSearch>(example_.run().detector());
     }
   }
 
   const std::vector<std::string>& order() { return example_.run().detector().SSOrder; }
-  Labelling* labelling() { return labelling_.get(); }
+  Labeller* labeller() { return labeller_.get(); }
 
  private:
   ExampleRun example_;
-  std::unique_ptr<Labelling> labelling_;
+  std::unique_ptr<Labeller> labeller_;
 };
 
 void explore(benchmark::State& state, const Family& family, Symmetry symmetry) {
@@ -53,7 +53,7 @@ void explore(benchmark::State& state, const Family& family, Symmetry symmetry) {
     std::optional<Folding> folding;
     if (symmetry != Symmetry::kOff) folding.emplace(family, symmetry);
     const StateLayout layout = folding ? StateLayout(model, folding->order()) : StateLayout(model);
-    Exploration exploration(model, layout, folding ? folding->labelling() : nullptr, false);
+    Exploration exploration(model, layout, folding ? folding->labeller() : nullptr, false);
     exploration.run({}, [](const ExplorationFigures&) { return true; });
     states = exploration.figures().states;
   }

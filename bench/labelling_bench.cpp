@@ -35,9 +35,9 @@ const std::vector<Family> kFamilies = {
 };
 
 // A family's detector, ready to label, and a thousand states whose variables hold one of `values` values.
-class Labelling {
+class Workload {
  public:
-  Labelling(const Family& family, unsigned values) : example_(family), states_(1000) {
+  Workload(const Family& family, unsigned values) : example_(family), states_(1000) {
     const DetectionLog silent("");
     detector().num_partitions = static_cast<int>(detector().PartitionInfo.size());
     detector().Initialize();
@@ -48,12 +48,12 @@ class Labelling {
       for (std::size_t i = 0; i < state.size(); i += 2) state[i] = static_cast<char>(random() % values);
     }
   }
-  ~Labelling() {
+  ~Workload() {
     detector().Cleanup();
     detector().CleanStaticMembers();
   }
-  Labelling(const Labelling&) = delete;
-  Labelling& operator=(const Labelling&) = delete;
+  Workload(const Workload&) = delete;
+  Workload& operator=(const Workload&) = delete;
 
   SymmetryDetection& detector() { return example_.run().detector(); }
   std::string& next_state() { return states_[next_++ % states_.size()]; }
@@ -67,12 +67,12 @@ class Labelling {
 // With the permutation, which the literal search makes too, or without.
 template <bool has_permutation>
 void detector_labels(benchmark::State& state, const Family& family, unsigned values) {
-  Labelling labelling(family, values);
-  SymmetryDetection& detector = labelling.detector();
+  Workload workload(family, values);
+  SymmetryDetection& detector = workload.detector();
   std::string label(static_cast<std::size_t>(detector.TotalStateSize), '\0');
   std::vector<short> permutation(detector.PartitionInfo.size());
   for (auto _ : state) {
-    detector.FindCanonicalLabel(labelling.next_state().data(), label.data(),
+    detector.FindCanonicalLabel(workload.next_state().data(), label.data(),
                                 has_permutation ? permutation.data() : nullptr);
     benchmark::DoNotOptimize(label.data());
   }
@@ -80,19 +80,19 @@ void detector_labels(benchmark::State& state, const Family& family, unsigned val
 }
 
 void literal_labels(benchmark::State& state, const Family& family, unsigned values) {
-  Labelling labelling(family, values);
-  SymmetryDetection& detector = labelling.detector();
+  Workload workload(family, values);
+  SymmetryDetection& detector = workload.detector();
   LabelTables tables{detector.PartitionInfo, {}};
   for (const int base : detector.Bases) tables.records.emplace_back(base, detector.VPerms[base]);
-  for (auto _ : state) benchmark::DoNotOptimize(literal_label(tables, labelling.next_state()).state.data());
+  for (auto _ : state) benchmark::DoNotOptimize(literal_label(tables, workload.next_state()).state.data());
 }
 
 void exact_labels(benchmark::State& state, const Family& family, unsigned values) {
-  Labelling labelling(family, values);
-  const ExactGroup group(labelling.detector());
+  Workload workload(family, values);
+  const ExactGroup group(workload.detector());
   ExactLabeller labeller(group);
-  std::string label(static_cast<std::size_t>(labelling.detector().TotalStateSize), '\0');
-  for (auto _ : state) benchmark::DoNotOptimize(labeller.find(labelling.next_state().data(), label.data()));
+  std::string label(static_cast<std::size_t>(workload.detector().TotalStateSize), '\0');
+  for (auto _ : state) benchmark::DoNotOptimize(labeller.find(workload.next_state().data(), label.data()));
 }
 
 const bool kRegistered = [] {

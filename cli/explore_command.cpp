@@ -28,18 +28,18 @@ class Folding {
       : run_(model, directory, false) {
     run_.require_sound();
     if (symmetry == "exact") {
-      labelling_ = std::make_unique<ExactLabelSearch>(run_.detector());
+      labeller_ = std::make_unique<ExactLabelSearch>(run_.detector());
     } else {
-      labelling_ = std::make_unique<LabelSearch>(run_.detector());
+      labeller_ = std::make_unique<LabelSearch>(run_.detector());
     }
   }
 
   const SymmetryDetection& detector() const { return run_.detector(); }
-  Labelling& labelling() { return *labelling_; }
+  Labeller& labeller() { return *labeller_; }
 
  private:
   DetectionRun run_;
-  std::unique_ptr<Labelling> labelling_;
+  std::unique_ptr<Labeller> labeller_;
 };
 
 class ExploreRun {
@@ -101,7 +101,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, const std::str
   result.symmetry = symmetry;
   if (folding) result.group_order = group_order(folding->detector().SGSOrbitLengths);
   result.detection_seconds = folding ? seconds_since(start) : 0;
-  Exploration exploration(model, layout, folding ? &folding->labelling() : nullptr, is_exported);
+  Exploration exploration(model, layout, folding ? &folding->labeller() : nullptr, is_exported);
   {
     ProgressLine line(streams_, "symmetry " + symmetry, options_.quiet);
     result.ending = exploration.run(limits(), [&](const ExplorationFigures& figures) {
@@ -110,7 +110,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, const std::str
     });
   }
   result.figures = exploration.figures();
-  if (folding) result.inexact_labels = folding->labelling().inexact_count();
+  if (folding) result.inexact_labels = folding->labeller().inexact_count();
   result.peak_memory = peak_memory();
   for (std::size_t i = 0; i < exploration.observables().label_count(); ++i) {
     result.labels.push_back(exploration.observables().label_name(i));

@@ -3,7 +3,7 @@
 // Two phases. Detection builds the model composition graph of submodels and joins, takes generators of its
 // automorphism group, a base and strong generating set, and for every base point its orbit with a permutation
 // per orbit point, and rewrites these tables from graph nodes to the partitions of the state vector.
-// Labelling then maps any state, TotalStateSize bytes cut into num_partitions partitions, to a representative
+// Labeller then maps any state, TotalStateSize bytes cut into num_partitions partitions, to a representative
 // of its symmetry class: base by base, it keeps the lexicographically largest image (bytes in memcmp order).
 //
 // The host drives the operations in this order:
@@ -105,7 +105,7 @@ class SymmetryDetection {
   // the size of the tables.
   bool VerifySymmetries(std::string& report);
 
-  // --- Labelling (detector/labelling/) ---
+  // --- Labeller (detector/labelling/) ---
 
   // Allocates the search buffers for states of the sum of PartitionInfo and for num_partitions partitions.
   void Initialize();

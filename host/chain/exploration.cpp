@@ -26,10 +26,10 @@ bool differ(const std::vector<std::uint64_t>& a, const std::uint64_t* b) {
 
 }  // namespace
 
-Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, Labelling* labelling,
+Exploration::Exploration(const ComposedModel& model, const StateLayout& layout, Labeller* labeller,
                          bool keeps_matrix)
     : layout_(layout),
-      labelling_(labelling),
+      labeller_(labeller),
       keeps_matrix_(keeps_matrix),
       local_states_(model, layout),
       system_(model, layout, local_states_),
@@ -61,7 +61,7 @@ Ending Exploration::run(const ExplorationLimits& limits, const Progress& progres
 
 void Exploration::insert_initial_state() {
   values_ = layout_.initial_state();
-  if (labelling_ != nullptr) labelling_->find(values_.data(), values_.data());
+  if (labeller_ != nullptr) labeller_->find(values_.data(), values_.data());
   packing_.pack(values_.data(), new_successor_words());
   successors_.push_back({0, store_.hash(successor_words_.data()), false});
   insert_successors();
@@ -98,10 +98,10 @@ void Exploration::add_successor(double rate, std::span<const Write> writes, cons
   std::copy(words_.begin(), words_.end(), words);
   for (const Write& write : writes) packing_.set(words, slots[write.variable], write.value);
   const bool is_changed = differ(words_, words);
-  if (labelling_ != nullptr && is_changed) {
+  if (labeller_ != nullptr && is_changed) {
     std::copy(values_.begin(), values_.end(), image_.begin());
     for (const Write& write : writes) image_[slots[write.variable]] = write.value;
-    labelling_->find(image_.data(), image_.data());
+    labeller_->find(image_.data(), image_.data());
     packing_.pack(image_.data(), words);
   }
   const std::uint64_t hash = store_.hash(words);

@@ -1,7 +1,7 @@
 // Breadth-first exploration of a model's state space, as it is or folded by its symmetries.
 //
 // The states reached are expanded in the order of their numbers. A successor's place in the index is fetched
-// while the other successors are computed. With a labelling every successor is replaced by its canonical
+// while the other successors are computed. With a labeller every successor is replaced by its canonical
 // label before it is looked up, so that the chain is that of the representatives: the rate from r to s is the
 // sum over r's actions whose successor has the label s.
 //
@@ -17,6 +17,7 @@
 #include <limits>
 #include <vector>
 
+#include "detector/labeller.h"
 #include "host/chain/local_states.h"
 #include "host/chain/markov_chain.h"
 #include "host/chain/observables.h"
@@ -24,7 +25,6 @@
 #include "host/chain/state_packing.h"
 #include "host/chain/state_store.h"
 #include "host/chain/transition_system.h"
-#include "host/symmetry/labelling.h"
 
 namespace symfold {
 
@@ -67,9 +67,9 @@ class Exploration {
   // Called about ten times a second, and at the end; false interrupts.
   using Progress = std::function<bool(const ExplorationFigures&)>;
 
-  // Explores the whole state space for `labelling` null, else that of the representatives; the layout is in
+  // Explores the whole state space for `labeller` null, else that of the representatives; the layout is in
   // the order of the labelled state vector. Keeps references to all three.
-  Exploration(const ComposedModel& model, const StateLayout& layout, Labelling* labelling, bool keeps_matrix);
+  Exploration(const ComposedModel& model, const StateLayout& layout, Labeller* labeller, bool keeps_matrix);
   Exploration(const Exploration&) = delete;
   Exploration& operator=(const Exploration&) = delete;
 
@@ -115,7 +115,7 @@ class Exploration {
   }
 
   const StateLayout& layout_;
-  Labelling* labelling_;
+  Labeller* labeller_;
   bool keeps_matrix_;
   ExplorationLimits limits_;
   LocalStates local_states_;

@@ -4,14 +4,14 @@
 #define SYMFOLD_HOST_SYMMETRY_LABEL_SEARCH_H
 
 #include "detector/exact_labeller.h"
+#include "detector/labeller.h"
 #include "detector/symmetry_detection.h"
-#include "host/symmetry/labelling.h"
 
 namespace symfold {
 
 // The detector's own greedy search. Allocates the search buffers of a detector that has its final tables, and
 // releases them.
-class LabelSearch : public Labelling {
+class LabelSearch : public Labeller {
  public:
   // The detector must outlive the search.
   explicit LabelSearch(SymmetryDetection& detector);
@@ -29,7 +29,7 @@ class LabelSearch : public Labelling {
 };
 
 // One label for each class: the largest image of a state.
-class ExactLabelSearch : public Labelling {
+class ExactLabelSearch : public Labeller {
  public:
   // Keeps no reference to the detector. Throws GroupLimitError where the group is too large for exact labels.
   explicit ExactLabelSearch(const SymmetryDetection& detector);

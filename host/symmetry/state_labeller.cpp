@@ -39,9 +39,9 @@ StateLabeller::StateLabeller(const std::string& perm_file, bool is_exact) {
   detector_.DetermineTotalStateSize();
   detector_.num_partitions = static_cast<int>(detector_.PartitionInfo.size());
   if (is_exact) {
-    labelling_ = std::make_unique<ExactLabelSearch>(detector_);
+    labeller_ = std::make_unique<ExactLabelSearch>(detector_);
   } else {
-    labelling_ = std::make_unique<LabelSearch>(detector_);
+    labeller_ = std::make_unique<LabelSearch>(detector_);
   }
   image_.resize(static_cast<std::size_t>(state_size()));
   witness_.resize(static_cast<std::size_t>(partition_count()));
@@ -49,7 +49,7 @@ StateLabeller::StateLabeller(const std::string& perm_file, bool is_exact) {
 
 const std::vector<short>& StateLabeller::checked_witness(const unsigned char* state,
                                                          const unsigned char* label) {
-  labelling_->find_witness(witness_.data());
+  labeller_->find_witness(witness_.data());
   for (std::size_t c = 0; c < witness_.size(); ++c) {
     const auto d = static_cast<std::size_t>(witness_[c]);
     std::copy_n(state + detector_.CumPartitionInfo[c], detector_.PartitionInfo[c],

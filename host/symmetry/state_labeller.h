@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "detector/labeller.h"
 #include "detector/symmetry_detection.h"
-#include "host/symmetry/labelling.h"
 
 namespace symfold {
 
@@ -25,10 +25,10 @@ class StateLabeller {
   const SymmetryDetection& detector() const { return detector_; }
 
   // Writes the canonical label of `state` to `label`, state_size() bytes each.
-  void label(const unsigned char* state, unsigned char* label) { labelling_->find(state, label); }
+  void label(const unsigned char* state, unsigned char* label) { labeller_->find(state, label); }
 
   // The labels so far of which it is not sure that they are exact.
-  std::size_t inexact_count() const { return labelling_->inexact_count(); }
+  std::size_t inexact_count() const { return labeller_->inexact_count(); }
 
   // The permutation of the partitions that carries the state labelled last onto its label. Applies it to
   // `state` and compares with `label`; throws std::logic_error where they differ.
@@ -36,7 +36,7 @@ class StateLabeller {
 
  private:
   SymmetryDetection detector_;
-  std::unique_ptr<Labelling> labelling_;
+  std::unique_ptr<Labeller> labeller_;
   std::vector<unsigned char> image_;
   std::vector<short> witness_;
 };

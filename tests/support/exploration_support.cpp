@@ -42,11 +42,11 @@ std::string star_text(int n, int k) {
     label "all away" = forall p : Place . p.x > 0; reward "x" = sum p : Place . 0.1 * p.x;)";
 }
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, Labelling* labelling,
+Explored explored(const ComposedModel& model, const StateLayout& layout, Labeller* labeller,
                   const ExplorationLimits& limits) {
   Explored result;
   try {
-    Exploration exploration(model, layout, labelling, true);
+    Exploration exploration(model, layout, labeller, true);
     const Ending ending = exploration.run(limits, [](const ExplorationFigures&) { return true; });
     result.figures = exploration.figures();
     if (ending == Ending::kComplete) result.chain = exploration.take_chain();

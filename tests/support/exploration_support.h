@@ -26,7 +26,7 @@ struct Explored {
   std::vector<std::vector<std::int16_t>> states;
 };
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, Labelling* labelling = nullptr,
+Explored explored(const ComposedModel& model, const StateLayout& layout, Labeller* labeller = nullptr,
                   const ExplorationLimits& limits = {});
 Explored explored(const ComposedModel& model);
 
@@ -40,7 +40,7 @@ class Folding {
     return explored(model_, layout_, nullptr, limits);
   }
   Explored folded(bool is_exact) {
-    return explored(model_, layout_, is_exact ? static_cast<Labelling*>(&exact_) : &greedy_);
+    return explored(model_, layout_, is_exact ? static_cast<Labeller*>(&exact_) : &greedy_);
   }
 
   // By state, the number of its symmetry class.
