@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -30,6 +31,43 @@ void copy_partition(const unsigned char* from, unsigned char* to, std::size_t co
   }
 }
 
+// Throws std::invalid_argument if the first point_count images are no permutation.
+detail::Images images_of(const Permutation& permutation, std::size_t point_count) {
+  detail::Images images(point_count);
+  std::vector<bool> is_image(point_count);
+  for (std::size_t c = 0; c < point_count; ++c) {
+    const int image = permutation[static_cast<int>(c)];
+    if (image < 0 || static_cast<std::size_t>(image) >= point_count ||
+        is_image[static_cast<std::size_t>(image)]) {
+      throw std::invalid_argument("expected permutations of " + std::to_string(point_count) +
+                                  " partitions, got another table");
+    }
+    is_image[static_cast<std::size_t>(image)] = true;
+    images[c] = static_cast<std::uint32_t>(image);
+  }
+  return images;
+}
+
+// The tables Bases and VPerms, the permutations of each record multiplied in their order.
+std::vector<detail::TableLevel> table_levels(const SymmetryDetection& detector, std::size_t point_count) {
+  std::vector<detail::TableLevel> levels;
+  for (const int base : detector.Bases) {
+    const auto found = detector.VPerms.find(base);
+    if (found == detector.VPerms.end()) continue;
+    detail::TableLevel& level = levels.emplace_back();
+    level.base = static_cast<std::size_t>(base);
+    for (const ValPerms& record : found->second) {
+      detail::Images images(point_count);
+      std::iota(images.begin(), images.end(), 0U);
+      for (const Permutation& step : record.Perms) {
+        images = detail::composed(images_of(step, point_count), images);
+      }
+      level.records.push_back({static_cast<std::size_t>(record.Value), std::move(images)});
+    }
+  }
+  return levels;
+}
+
 }  // namespace
 
 // Positions of the search are partitions in the order of their offsets: table entry i is the partition i, and
@@ -50,7 +88,7 @@ ExactGroup::ExactGroup(const SymmetryDetection& detector, const detail::SearchBo
   state_size_ = end;
   std::vector<bool> has_bytes;
   for (const Partition& partition : partitions_) has_bytes.push_back(partition.size > 0);
-  const detail::TableGroup group(std::move(has_bytes), detector.Bases, detector.VPerms);
+  const detail::TableGroup group(std::move(has_bytes), table_levels(detector, partitions_.size()));
   for (const detail::Images& images : group.permutations()) {
     for (std::size_t c = 0; c < images.size(); ++c) {
       if (partitions_[c].size != partitions_[images[c]].size) {

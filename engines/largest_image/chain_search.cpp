@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "components/schreier_sims.h"
+#include "engines/group/stabiliser_chain.h"
 #include "engines/largest_image/subgroup.h"
 #include "engines/largest_image/table_group.h"
 
@@ -18,6 +18,23 @@ bool fixes_below(const Images& images, std::size_t point) {
     if (images[c] != c) return false;
   }
   return true;
+}
+
+SparsePermutation moves_of(const Images& images) {
+  SparsePermutation moves;
+  for (std::size_t c = 0; c < images.size(); ++c) {
+    if (images[c] != c) moves.push_back({static_cast<int>(c), static_cast<int>(images[c])});
+  }
+  return moves;
+}
+
+Images images_of(const SparsePermutation& moves, std::size_t point_count) {
+  Images images(point_count);
+  std::iota(images.begin(), images.end(), 0U);
+  for (const auto& [point, image] : moves) {
+    images[static_cast<std::size_t>(point)] = static_cast<std::uint32_t>(image);
+  }
+  return images;
 }
 
 // By a breadth-first walk from the base.
@@ -42,22 +59,17 @@ ChainLevel make_level(std::uint32_t base, const std::vector<const Images*>& stab
 // The levels of the group that these generate.
 std::vector<ChainLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
                                   std::size_t max_images) {
-  std::vector<Permutation> permutations;
-  for (const Images* images : generators) {
-    Permutation& permutation = permutations.emplace_back(static_cast<int>(point_count));
-    std::copy(images->begin(), images->end(), permutation.GetP());
-  }
-  SchreierSims schreier_sims(static_cast<int>(point_count), static_cast<int>(generators.size()));
-  std::vector<int> base;
-  std::vector<Images> strong;
-  for (const Permutation& permutation : schreier_sims.Go(std::move(permutations), base)) {
-    strong.emplace_back(permutation.GetP(), permutation.GetP() + point_count);
-  }
+  std::vector<SparsePermutation> permutations;
+  for (const Images* images : generators) permutations.push_back(moves_of(*images));
+  const StabiliserChain chain =
+      build_stabiliser_chain(static_cast<int>(point_count), std::move(permutations), {});
   std::size_t elements = 0;
-  for (const int length : schreier_sims.OrbitLengths()) elements += static_cast<std::size_t>(length);
+  for (const int length : chain.orbit_lengths) elements += static_cast<std::size_t>(length);
   if (elements * point_count > max_images) return {};
+  std::vector<Images> strong;
+  for (const SparsePermutation& moves : chain.generators) strong.push_back(images_of(moves, point_count));
   std::vector<ChainLevel> levels;
-  for (const int point : base) {
+  for (const int point : chain.base) {
     std::vector<const Images*> stabiliser;
     for (const Images& images : strong) {
       if (fixes_below(images, static_cast<std::size_t>(point))) stabiliser.push_back(&images);

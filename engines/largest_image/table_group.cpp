@@ -1,36 +1,8 @@
 #include "engines/largest_image/table_group.h"
 
-#include <numeric>
-#include <stdexcept>
-#include <string>
 #include <utility>
 
 namespace symfold::detail {
-namespace {
-
-Images identity(std::size_t point_count) {
-  Images images(point_count);
-  std::iota(images.begin(), images.end(), 0U);
-  return images;
-}
-
-Images images_of(const Permutation& permutation, std::size_t point_count) {
-  Images images(point_count);
-  std::vector<bool> is_image(point_count);
-  for (std::size_t c = 0; c < point_count; ++c) {
-    const int image = permutation[static_cast<int>(c)];
-    if (image < 0 || static_cast<std::size_t>(image) >= point_count ||
-        is_image[static_cast<std::size_t>(image)]) {
-      throw std::invalid_argument("expected permutations of " + std::to_string(point_count) +
-                                  " partitions, got another table");
-    }
-    is_image[static_cast<std::size_t>(image)] = true;
-    images[c] = static_cast<std::uint32_t>(image);
-  }
-  return images;
-}
-
-}  // namespace
 
 Images composed(const Images& a, const Images& b) {
   Images result(a.size());
@@ -51,25 +23,18 @@ bool is_identity(const Images& a) {
   return true;
 }
 
-TableGroup::TableGroup(std::vector<bool> has_value, const std::vector<int>& bases,
-                       const std::map<int, std::vector<ValPerms>>& records)
+TableGroup::TableGroup(std::vector<bool> has_value, std::vector<TableLevel> levels)
     : has_value_(std::move(has_value)) {
-  const std::size_t point_count = has_value_.size();
-  for (const int base : bases) {
-    Level level{static_cast<std::size_t>(base), std::vector<std::int32_t>(point_count, -1)};
-    const auto found = records.find(base);
-    if (found == records.end()) continue;
-    for (const ValPerms& record : found->second) {
-      Images images = identity(point_count);
-      for (const Permutation& step : record.Perms) images = composed(images_of(step, point_count), images);
-      if (is_identity(images)) continue;
-      const auto value = static_cast<std::size_t>(record.Value);
-      if (value < point_count && images[value] == level.base) {
-        level.record_of[value] = static_cast<std::int32_t>(permutations_.size());
+  for (TableLevel& table_level : levels) {
+    Level& level =
+        levels_.emplace_back(Level{table_level.base, std::vector<std::int32_t>(point_count(), -1)});
+    for (TableRecord& record : table_level.records) {
+      if (is_identity(record.images)) continue;
+      if (record.value < point_count() && record.images[record.value] == level.base) {
+        level.record_of[record.value] = static_cast<std::int32_t>(permutations_.size());
       }
-      permutations_.push_back(std::move(images));
+      permutations_.push_back(std::move(record.images));
     }
-    levels_.push_back(std::move(level));
   }
 }
 

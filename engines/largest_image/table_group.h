@@ -1,13 +1,12 @@
-// The group that a detector's tables generate, as permutations of the partitions.
+// A permutation group given by a table: for each base point, a permutation for each point of its orbit.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_TABLE_GROUP_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_TABLE_GROUP_H
 
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <vector>
 
-#include "components/permutation.h"
 #include "engines/largest_image/image_search.h"
 
 namespace symfold::detail {
@@ -17,13 +16,23 @@ Images composed(const Images& a, const Images& b);
 Images inverse(const Images& a);
 bool is_identity(const Images& a);
 
+// A permutation, and the point that it should carry to the base point of its level.
+struct TableRecord {
+  std::size_t value;
+  Images images;
+};
+
+struct TableLevel {
+  std::size_t base;
+  std::vector<TableRecord> records;
+};
+
 class TableGroup {
  public:
-  // Takes the table of Bases and VPerms, on as many points as `has_value` has, which says of each whether
-  // anything lies there: a partition may have no bytes. The permutations of a record are applied in their
-  // order. Throws std::invalid_argument where one is no permutation of the points.
-  TableGroup(std::vector<bool> has_value, const std::vector<int>& bases,
-             const std::map<int, std::vector<ValPerms>>& records);
+  // The points are as many as has_value has entries; has_value[c] is false if nothing lies at point c. All
+  // images are permutations of the points. Bases and values that are no points are allowed: no member is
+  // recognised by them.
+  TableGroup(std::vector<bool> has_value, std::vector<TableLevel> levels);
 
   std::size_t point_count() const { return has_value_.size(); }
   bool has_value(std::size_t point) const { return has_value_[point]; }
