@@ -13,7 +13,7 @@ namespace symfold {
 
 struct saucy_struct {
   detail::ColouredGraph graph;
-  std::string file_name;
+  std::string name;  // for messages
 };
 
 namespace {
@@ -26,19 +26,70 @@ Permutation dense(const detail::SparsePermutation& moves, int n) {
   return permutation;
 }
 
+std::string expectation(const std::string& what, std::size_t low, std::size_t high, long long got) {
+  const std::string range =
+      low == high ? std::to_string(low) : std::to_string(low) + " to " + std::to_string(high);
+  return "expected " + what + " (" + range + "), got " + std::to_string(got);
+}
+
+// The first value that a graph file must not have either; empty if there is none.
+std::string fault_of(int vertex_count, const std::vector<int>& boundaries,
+                     const std::vector<std::pair<int, int>>& edges) {
+  if (vertex_count < 0 || vertex_count > detail::kMaxVertices)
+    return expectation("the number of vertices", 0, detail::kMaxVertices, vertex_count);
+  const auto n = static_cast<std::size_t>(vertex_count);
+  if (n == 0 && !edges.empty())
+    return expectation("the number of edges", 0, 0, static_cast<long long>(edges.size()));
+  const std::size_t colours = n == 0 && boundaries.empty() ? 0 : boundaries.size() + 1;
+  if (colours > n)
+    return expectation("the number of colours", n == 0 ? 0 : 1, n, static_cast<long long>(colours));
+  std::size_t low = 1;
+  for (std::size_t i = 0; i < boundaries.size(); ++i) {
+    const int boundary = boundaries[i];
+    const std::size_t high = n - (boundaries.size() - i);  // later boundaries need room, too
+    if (boundary < 0 || static_cast<std::size_t>(boundary) < low || static_cast<std::size_t>(boundary) > high)
+      return expectation("the first vertex of a colour", low, high, boundary);
+    low = static_cast<std::size_t>(boundary) + 1;
+  }
+  for (const auto& [from, to] : edges) {
+    if (from < 0 || from >= vertex_count) return expectation("an edge's vertex", 0, n - 1, from);
+    if (to < 0 || to >= vertex_count) return expectation("an edge's other vertex", 0, n - 1, to);
+  }
+  return "";
+}
+
 }  // namespace
+
+saucy_obj::saucy_obj() : errors(&std::cerr) {}
+
+void saucy_obj::report(const std::string& message) const {
+  if (errors != nullptr) *errors << message << std::endl;
+}
 
 saucy_struct* saucy_obj::saucy_begin2(char* file_name) {
   if (file_name == nullptr) {
-    std::cerr << "error: expected the name of a graph file, got none" << std::endl;
+    report("error: expected the name of a graph file, got none");
     return nullptr;
   }
   detail::GraphFileResult result = detail::read_graph_file(file_name);
   if (!result.error.empty()) {
-    std::cerr << result.error << std::endl;
+    report(result.error);
     return nullptr;
   }
   return new saucy_struct{std::move(result.graph), file_name};
+}
+
+saucy_struct* saucy_obj::saucy_begin_graph(int vertex_count, const std::vector<int>& boundaries,
+                                           const std::vector<std::pair<int, int>>& edges,
+                                           const std::string& name) {
+  if (const std::string fault = fault_of(vertex_count, boundaries, edges); !fault.empty()) {
+    report(name + ": error: " + fault);
+    return nullptr;
+  }
+  std::vector<detail::Edge> graph_edges;
+  graph_edges.reserve(edges.size());
+  for (const auto& [from, to] : edges) graph_edges.push_back({from, to});
+  return new saucy_struct{detail::ColouredGraph(vertex_count, boundaries, graph_edges), name};
 }
 
 void saucy_obj::saucy_init(saucy_struct*) {
@@ -54,8 +105,8 @@ void saucy_obj::saucy_search(saucy_struct* state) {
   const std::size_t limit = n == 0 ? 0 : kMaxImages / static_cast<std::size_t>(n);
   detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.generators = limit});
   if (!group.is_complete) {
-    std::cerr << state->file_name << ": error: expected at most " << limit << " generators for " << n
-              << " vertices, got more" << std::endl;
+    report(state->name + ": error: expected at most " + std::to_string(limit) + " generators for " +
+           std::to_string(n) + " vertices, got more");
     return;
   }
   for (const detail::SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));

@@ -1,12 +1,16 @@
-// Generators of the automorphism group of a coloured graph, read from a graph file.
+// Generators of the automorphism group of a coloured graph, given as a file or as plain values.
 //
-// The calls come in this order: saucy_begin2, saucy_init, saucy_search, saucy_end. Points are the vertex
-// numbers of the file, 0-based. An object holds the result of its latest search; objects share nothing, so
-// different threads may use different objects.
+// The calls come in this order: saucy_begin2 or saucy_begin_graph, then saucy_init, saucy_search and
+// saucy_end. Points are the graph's vertex numbers, 0-based. An object holds the result of its latest search.
+// Objects share nothing but the stream for messages, so different threads may use different objects with
+// different streams.
 
 #ifndef SYMFOLD_COMPONENTS_SAUCY_OBJ_H
 #define SYMFOLD_COMPONENTS_SAUCY_OBJ_H
 
+#include <iosfwd>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "components/permutation.h"
@@ -18,6 +22,8 @@ struct saucy_struct;
 
 class saucy_obj {
  public:
+  saucy_obj();
+
   // After saucy_search: permutations of all vertices that together generate the automorphism group, none of
   // them the identity. Empty for a group without non-trivial automorphisms.
   std::vector<Permutation> generators;
@@ -29,23 +35,36 @@ class saucy_obj {
   std::vector<int> base;
   std::vector<int> orbit_lengths;
 
-  // After saucy_search: true where the generators generate the whole group; false where there was no graph to
-  // search, or where the group was too large to be listed.
+  // After saucy_search: true if the generators generate the whole group; false if there was no graph to
+  // search, or if the group was too large to be listed.
   bool is_complete = false;
 
-  // Reads the graph. A missing or malformed file is reported in one line on standard error, which says where
-  // and what was expected, and gives null. Otherwise the caller owes the result to saucy_end.
+  // Where the calls report errors, a line each; standard error at first, null for nowhere. The stream must
+  // outlive the calls.
+  std::ostream* errors;
+
+  // Reads the graph. A missing or malformed file is reported in one line, which says where and what was
+  // expected, and the result is null. Otherwise the caller must pass the result to saucy_end.
   saucy_struct* saucy_begin2(char* file_name);
+
+  // Takes the graph as values: its vertices are 0 .. vertex_count - 1; `boundaries`, strictly ascending,
+  // holds the first vertex of every colour but the first; `edges` holds pairs of vertices. Values that a
+  // graph file must not have are refused like such a file. `name` stands for the file's name in messages.
+  saucy_struct* saucy_begin_graph(int vertex_count, const std::vector<int>& boundaries,
+                                  const std::vector<std::pair<int, int>>& edges, const std::string& name);
 
   // Makes the state ready for a search and drops the results of an earlier one.
   void saucy_init(saucy_struct* state);
 
-  // Fills these members; does nothing to them where state is null. A group that would need more than
-  // 2^28 images in all (1 GiB) is reported in one line on standard error and leaves them empty.
+  // Fills these members; leaves them as they are if state is null. A group that would need more than
+  // 2^28 images in all (1 GiB) is reported in one line and leaves them empty.
   void saucy_search(saucy_struct* state);
 
   // Releases the state, null or not; the results stay.
   void saucy_end(saucy_struct* state);
+
+ private:
+  void report(const std::string& message) const;
 };
 
 }  // namespace symfold
