@@ -5,13 +5,12 @@
 
 #include <cassert>
 #include <cstddef>
-#include <numeric>
 #include <utility>
 #include <vector>
 
 namespace symfold::detail {
 
-// As std::vector, but with int for indices and sizes; debug builds check every index.
+// Works like std::vector, but with int for indices and sizes. Debug builds check every index.
 template <typename T>
 class PointVector : private std::vector<T> {
   using Base = std::vector<T>;
@@ -28,6 +27,7 @@ class PointVector : private std::vector<T> {
   using Base::end;
   using Base::pop_back;
   using Base::push_back;
+  using typename Base::value_type;
 
   int size() const { return static_cast<int>(Base::size()); }
   T& operator[](int i) {
@@ -42,20 +42,6 @@ class PointVector : private std::vector<T> {
   void assign(int count, const T& value) { Base::assign(static_cast<std::size_t>(count), value); }
   std::vector<T> release() { return std::move(static_cast<Base&>(*this)); }
 };
-
-// The vector 0, 1, .. n-1.
-inline PointVector<int> identity_images(int n) {
-  PointVector<int> images(n);
-  std::iota(images.begin(), images.end(), 0);
-  return images;
-}
-
-// The inverse of a permutation given by its images.
-inline PointVector<int> inverse_images(const PointVector<int>& images) {
-  PointVector<int> inverse(images.size());
-  for (int x = 0; x < images.size(); ++x) inverse[images[x]] = x;
-  return inverse;
-}
 
 }  // namespace symfold::detail
 

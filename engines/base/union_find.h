@@ -1,12 +1,14 @@
-// The orbits of a growing set of generators: a disjoint-set forest (union by size, path halving). Amortised
-// cost per call: almost constant (R. E. Tarjan, Efficiency of a good but not linear set union algorithm,
-// J. ACM 22, 1975).
+// A disjoint-set forest with union by size and path halving, which keeps the orbits of a growing set of
+// generators. The amortised cost of a call of `find` or `unite` is almost constant (R. E. Tarjan, Efficiency
+// of a good but not linear set union algorithm, J. ACM 22, 1975).
 
 #ifndef SYMFOLD_ENGINES_BASE_UNION_FIND_H
 #define SYMFOLD_ENGINES_BASE_UNION_FIND_H
 
 #include <utility>
+#include <vector>
 
+#include "engines/base/images.h"
 #include "engines/base/point_vector.h"
 
 namespace symfold::detail {
@@ -15,8 +17,9 @@ class UnionFind {
  public:
   explicit UnionFind(int n) : parent_(identity_images(n)), size_(n, 1) {}
 
-  // The same member for all of x's class, its root. Two steps at a time without a branch: most classes are
-  // one or two steps deep, and which, nothing foretells.
+  // Returns the root of x's class, which is the same member for the whole class. Takes two steps at a time
+  // without a branch, because most classes are one or two steps deep, in no order that a processor could
+  // predict.
   int find(int x) {
     do {
       parent_[x] = parent_[parent_[x]];
@@ -25,18 +28,34 @@ class UnionFind {
     return x;
   }
 
-  // Gives the root of the joint class.
-  int unite(int x, int y) {
+  // Joins the two classes. Returns true if they were different ones.
+  bool unite(int x, int y) {
     x = find(x);
     y = find(y);
-    if (x == y) return x;
+    if (x == y) return false;
     if (size_[x] < size_[y]) std::swap(x, y);
     parent_[y] = x;
     size_[x] += size_[y];
-    return x;
+    return true;
   }
 
   int size_of_class(int x) { return size_[find(x)]; }
+
+  // Returns the classes as ascending lists, in the order of their first members.
+  template <class Point = int>
+  std::vector<std::vector<Point>> lists() {
+    std::vector<std::vector<Point>> lists;
+    PointVector<int> list_of(parent_.size(), -1);  // by root
+    for (int x = 0; x < parent_.size(); ++x) {
+      const int root = find(x);
+      if (list_of[root] < 0) {
+        list_of[root] = static_cast<int>(lists.size());
+        lists.emplace_back().reserve(static_cast<std::size_t>(size_[root]));
+      }
+      lists[static_cast<std::size_t>(list_of[root])].push_back(static_cast<Point>(x));
+    }
+    return lists;
+  }
 
  private:
   PointVector<int> parent_;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engines/base/images.h"
+
 namespace symfold::detail {
 
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)

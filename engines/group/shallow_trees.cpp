@@ -4,6 +4,7 @@
 #include <bit>
 #include <utility>
 
+#include "engines/base/images.h"
 #include "engines/base/point_vector.h"
 
 namespace symfold::detail {
@@ -73,7 +74,7 @@ class ShortcutBuilder {
       });
       if (outside == orbit_.end()) return;
       there.push_back(path_to(root, *outside));
-      back.push_back(inverse_images(there.back()));
+      back.push_back(inverse(there.back()));
       add_generator(there.back());
       add_generator(back.back());
       grow_tree(root);

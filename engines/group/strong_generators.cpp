@@ -5,6 +5,7 @@
 #include <random>
 #include <utility>
 
+#include "engines/base/images.h"
 #include "engines/base/point_vector.h"
 #include "engines/base/union_find.h"
 
@@ -88,8 +89,8 @@ class ChainBuilder {
   }
 
   void add(Images images, int smallest) {
-    Images inverse = inverse_images(images);
-    generators_.push_back({std::move(images), std::move(inverse), smallest});
+    Images backwards = inverse(images);
+    generators_.push_back({std::move(images), std::move(backwards), smallest});
     Level& own = levels_[smallest];
     if (own.orbit.empty()) {
       own.via.assign(levels_.size(), -1);
@@ -146,7 +147,7 @@ class ChainBuilder {
       multiply(backwards, inverse);
       point = inverse[point];
     }
-    return inverse_images(backwards);
+    return inverse(backwards);
   }
 
   PointVector<Generator> generators_;
@@ -167,7 +168,7 @@ class RandomElements {
   const Images& next() {
     const std::size_t to = random_() % slots_.size();
     const std::size_t from = (to + 1 + random_() % (slots_.size() - 1)) % slots_.size();
-    multiply(slots_[to], random_() % 2 == 0 ? slots_[from] : inverse_images(slots_[from]));
+    multiply(slots_[to], random_() % 2 == 0 ? slots_[from] : inverse(slots_[from]));
     multiply(product_, slots_[to]);
     return product_;
   }

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <tuple>
 
+#include "engines/base/images.h"
 #include "engines/base/mix.h"
 #include "engines/reduction/cyclic_sequence.h"
 

@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+#include "engines/base/images.h"
+
 namespace symfold::detail {
 
 OrderedPartition::OrderedPartition(int n)

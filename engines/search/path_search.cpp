@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "engines/base/images.h"
 #include "engines/base/union_find.h"
 #include "engines/graph/automorphism_check.h"
 #include "engines/search/ball_hashes.h"
@@ -40,9 +41,10 @@ class SearchOrbits {
   void unite(int x, int y) {
     x = classes_.find(x);
     y = classes_.find(y);
-    const int root = classes_.unite(x, y);
-    largest_[root] = std::max(largest_[x], largest_[y]);
-    mark_[root] = std::max(mark_[x], mark_[y]);
+    if (!classes_.unite(x, y)) return;
+    // One of the two is the root of the joint class.
+    largest_[x] = largest_[y] = std::max(largest_[x], largest_[y]);
+    mark_[x] = mark_[y] = std::max(mark_[x], mark_[y]);
   }
 
   bool are_together(int x, int y) { return classes_.find(x) == classes_.find(y); }

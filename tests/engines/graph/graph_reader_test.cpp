@@ -40,6 +40,9 @@ TEST(GraphFile, SaysWhereAndWhatWasExpected) {
       {"16777217 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '16777217'"},
       {"99999999999999999999999999999999999999999999 0 1",
        "g:1: error: expected the number of vertices (0 to 16777216), got '99999999999999999999999999999999'"},
+      // Its first 32 characters are a number, the rest another one.
+      {"\n000000000000000000000000000000000 0",
+       "g:2: error: expected the number of vertices (0 to 16777216), got '00000000000000000000000000000000'"},
       {"3 2.5 1", "g:1: error: expected the number of edges (0 to 2147483647), got '2.5'"},
       {"3", "g:1: error: expected the number of edges (0 to 2147483647), got the end of the file"},
       {"0 1 0", "g:1: error: expected the number of edges (0), got '1'"},
