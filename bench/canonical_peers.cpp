@@ -16,9 +16,9 @@
 #include <map>
 #include <random>
 
-#include "bench/example_run.h"
+#include "bench/example_family.h"
 #include "detector/exact_labeller.h"
-#include "host/symmetry/label_search.h"
+#include "host/symmetry/detection.h"
 
 namespace symfold {
 namespace {
@@ -195,14 +195,15 @@ std::vector<double> measure(const Graph& composition, Labeller& exact, const std
 }
 
 void run_family(const Family& family, unsigned values) {
-  ExampleRun example(family);
-  SymmetryDetection& detector = example.run().detector();
+  Detection detection(read_example(family), nullptr, false);
+  SymmetryDetection& detector = detection.detector();
   const Graph composition(detector);
   for (std::size_t i = 0; i < detector.PartitionInfo.size(); ++i) {
     detector.PartitionInfo[i] = 2;
     detector.CumPartitionInfo[i] = static_cast<int>(2 * i);
   }
-  ExactLabelSearch exact(detector);
+  const ExactGroup group(detector);
+  ExactLabeller exact(group);
   std::mt19937 random(1);
   std::vector<State> states(kStates, State(composition.partitions));
   for (State& state : states) {

@@ -4,11 +4,11 @@
 #include <benchmark/benchmark.h>
 
 #include <memory>
-#include <optional>
+#include <string>
 
-#include "bench/example_run.h"
+#include "bench/example_family.h"
 #include "host/chain/exploration.h"
-#include "host/symmetry/label_search.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 namespace {
@@ -21,39 +21,14 @@ const std::vector<Family> kFamilies = {
     {"peer2peer", {"N=6"}},      {"complete", {}},           {"two_speeds", {"N=14"}},
 };
 
-enum class Symmetry { kOff, kFast, kExact };
-
-const char* name_of(Symmetry symmetry) {
-  return symmetry == Symmetry::kOff ? "off/" : symmetry == Symmetry::kFast ? "fast/" : "exact/";
-}
-
-// A model's symmetries and the labeller by them.
-class Folding {
- public:
-  Folding(const Family& family, Symmetry symmetry) : example_(family) {
-    if (symmetry == Symmetry::kFast) {
-      labeller_ = std::make_unique<LabelSearch>(example_.run().detector());
-    } else {
-      labeller_ = std::make_unique<ExactLabelSearch>(example_.run().detector());
-    }
-  }
-
-  const std::vector<std::string>& order() { return example_.run().detector().SSOrder; }
-  Labeller* labeller() { return labeller_.get(); }
-
- private:
-  ExampleRun example_;
-  std::unique_ptr<Labeller> labeller_;
-};
-
 void explore(benchmark::State& state, const Family& family, Symmetry symmetry) {
   std::size_t states = 0;
   for (auto _ : state) {
     const ComposedModel model = read_example(family);
-    std::optional<Folding> folding;
-    if (symmetry != Symmetry::kOff) folding.emplace(family, symmetry);
-    const StateLayout layout = folding ? StateLayout(model, folding->order()) : StateLayout(model);
-    Exploration exploration(model, layout, folding ? folding->labeller() : nullptr, false);
+    const Folding folding(model, symmetry);
+    const std::unique_ptr<Labeller> labeller = folding.make_labeller();
+    const StateLayout layout = labeller ? StateLayout(model, folding.order()) : StateLayout(model);
+    Exploration exploration(model, layout, labeller.get(), false);
     exploration.run({}, [](const ExplorationFigures&) { return true; });
     states = exploration.figures().states;
   }
@@ -64,8 +39,9 @@ void explore(benchmark::State& state, const Family& family, Symmetry symmetry) {
 
 const bool kRegistered = [] {
   for (const Family& family : kFamilies) {
-    for (const Symmetry symmetry : {Symmetry::kOff, Symmetry::kFast, Symmetry::kExact}) {
-      benchmark::RegisterBenchmark((name_of(symmetry) + family.title()).c_str(), explore, family, symmetry)
+    for (const Symmetry symmetry : kSymmetries) {
+      benchmark::RegisterBenchmark((to_string(symmetry) + ("/" + family.title())).c_str(), explore, family,
+                                   symmetry)
           ->Unit(benchmark::kMillisecond);
     }
   }

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "bench/example_run.h"
+#include "bench/example_family.h"
 #include "host/chain/exploration.h"
 #include "host/export/chain_export.h"
 

@@ -1,17 +1,20 @@
 // Detection over the families of examples/: the automorphism search; the strong generating set with its proof
 // and the Schreier trees of all base points, from the search's generators; and the whole run from the model
-// to the permutation file, diagnostics dropped. The search alone also over random graphs, most of them
+// file to the tables, in memory. The search alone also over random graphs, most of them
 // without symmetry.
 
 #include <benchmark/benchmark.h>
 
+#include <iostream>
+
 #include "bench/composition_graphs.h"
-#include "bench/example_run.h"
+#include "bench/example_family.h"
 #include "components/saucy_obj.h"
 #include "components/schreier_sims.h"
 #include "components/schreier_tree.h"
-#include "engines/graph/graph_reader.h"
+#include "detector/graph/graph_names.h"
 #include "engines/reduction/automorphism_search.h"
+#include "host/symmetry/detection.h"
 
 namespace symfold::detail {
 namespace {
@@ -41,9 +44,16 @@ void search(benchmark::State& state, const ColouredGraph& graph) {
   state.counters["vertices"] = graph.vertex_count();
 }
 
+NumberedGraph numbered_example(const Family& family) {
+  const Detection detection(read_example(family), nullptr, false);
+  return number_graph(detection.detector().GraphNodes, detection.detector().GraphEdges, std::cerr);
+}
+
 void automorphisms(benchmark::State& state, const Family& family) {
-  const ExampleRun example(family);
-  search(state, read_graph_file(example.graph_file()).graph);
+  const NumberedGraph graph = numbered_example(family);
+  std::vector<Edge> edges;
+  for (const auto& [from, to] : graph.edges) edges.push_back({from, to});
+  search(state, {graph.vertex_count, graph.boundaries, edges});
 }
 
 void random_automorphisms(benchmark::State& state, const GraphParts& parts) {
@@ -51,13 +61,12 @@ void random_automorphisms(benchmark::State& state, const GraphParts& parts) {
 }
 
 void strong_generators(benchmark::State& state, const Family& family) {
-  const ExampleRun example(family);
-  std::string file_name = example.graph_file();
+  const NumberedGraph graph = numbered_example(family);
   saucy_obj search;
-  saucy_struct* graph = search.saucy_begin2(file_name.data());
-  search.saucy_init(graph);
-  search.saucy_search(graph);
-  search.saucy_end(graph);
+  saucy_struct* begun = search.saucy_begin_graph(graph.vertex_count, graph.boundaries, graph.edges, "graph");
+  search.saucy_init(begun);
+  search.saucy_search(begun);
+  search.saucy_end(begun);
   const int n = search.generators.empty() ? 0 : search.generators.front().GetN();
   for (auto _ : state) {
     SchreierSims chain(n, static_cast<int>(search.generators.size()));
@@ -75,7 +84,10 @@ void strong_generators(benchmark::State& state, const Family& family) {
 }
 
 void whole_detection(benchmark::State& state, const Family& family) {
-  for (auto _ : state) benchmark::DoNotOptimize(ExampleRun(family).run().detector().Bases.data());
+  for (auto _ : state) {
+    const Detection detection(read_example(family), nullptr, false);
+    benchmark::DoNotOptimize(detection.detector().Bases.data());
+  }
 }
 
 const bool kRegistered = [] {

@@ -5,9 +5,9 @@
 
 #include <random>
 
-#include "bench/example_run.h"
+#include "bench/example_family.h"
 #include "detector/exact_labeller.h"
-#include "host/symmetry/detection_log.h"
+#include "host/symmetry/detection.h"
 #include "tests/oracles/literal_labeller.h"
 
 namespace symfold {
@@ -37,8 +37,8 @@ const std::vector<Family> kFamilies = {
 // A family's detector, ready to label, and a thousand states whose variables hold one of `values` values.
 class Workload {
  public:
-  Workload(const Family& family, unsigned values) : example_(family), states_(1000) {
-    const DetectionLog silent("");
+  Workload(const Family& family, unsigned values)
+      : detection_(read_example(family), nullptr, false), states_(1000) {
     detector().num_partitions = static_cast<int>(detector().PartitionInfo.size());
     detector().Initialize();
     detector().ConvertSTLToStatic();
@@ -55,11 +55,11 @@ class Workload {
   Workload(const Workload&) = delete;
   Workload& operator=(const Workload&) = delete;
 
-  SymmetryDetection& detector() { return example_.run().detector(); }
+  SymmetryDetection& detector() { return detection_.detector(); }
   std::string& next_state() { return states_[next_++ % states_.size()]; }
 
  private:
-  ExampleRun example_;
+  Detection detection_;
   std::vector<std::string> states_;
   std::size_t next_ = 0;
 };

@@ -1,18 +1,11 @@
-#include "cli/command_line.h"
+#include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <functional>
 #include <iostream>
 
-#include "cli/detect_command.h"
-#include "cli/draw_command.h"
-#include "cli/exit_codes.h"
-#include "cli/explore_command.h"
-#include "cli/label_command.h"
-#include "cli/show_command.h"
 #include "host/model/model_error.h"
-#include "host/symmetry/detection_run.h"
 
 namespace symfold {
 namespace {
@@ -30,6 +23,16 @@ void add_model_input(CLI::App& app, ModelInput& input) {
 std::string refuse_other_than_number(const std::string& text) {
   const bool is_number = !text.empty() && text.find_first_of("0123456789.") == 0;
   return is_number ? std::string() : "expected a number, at least 0, got '" + text + "'";
+}
+
+std::vector<std::string> symmetry_names() {
+  std::vector<std::string> names;
+  for (const Symmetry symmetry : kSymmetries) names.emplace_back(to_string(symmetry));
+  return names;
+}
+
+void require_no_error(const std::string& error) {
+  if (!error.empty()) throw CLI::ValidationError(error);
 }
 
 // The subcommands with their options; `command` becomes the one that was chosen.
@@ -50,13 +53,13 @@ struct Commands {
     CLI::App* explore_app =
         app.add_subcommand("explore", "Explore the state space of a model, folded or not");
     add_model_input(*explore_app, explore.input);
-    CLI::Option* symmetry = explore_app
-                                ->add_option("--symmetry", explore.symmetry,
-                                             "off, or fold by fast or exact labels (default: exact)")
-                                ->check(CLI::IsMember({"off", "fast", "exact"}));
+    CLI::Option* symmetry_option =
+        explore_app
+            ->add_option("--symmetry", symmetry, "off, or fold by fast or exact labels (default: exact)")
+            ->check(CLI::IsMember(symmetry_names()));
     explore_app
         ->add_flag("--compare", explore.compare, "Explore with all of them and print them side by side")
-        ->excludes(symmetry);
+        ->excludes(symmetry_option);
     const CLI::Validator is_number(refuse_other_than_number, "");
     explore_app->add_option("--max-states", explore.max_states, "Stop at so many states")->check(is_number);
     explore_app->add_option("--max-memory", explore.max_memory, "Stop at so many bytes, for instance 500M")
@@ -65,7 +68,7 @@ struct Commands {
     explore_app->add_option("--time-limit", explore.max_seconds, "Stop after so many seconds")
         ->check(is_number);
     explore_app->add_option("-o,--output", explore.directory,
-                            "Run directory of the detection (default: the model's name, .symfold)");
+                            "Run directory for the detection's files (default: none are written)");
     explore_app->add_flag("--quiet", explore.quiet, "No progress");
     explore_app->add_flag("--json", explore.json, "Print the results as one JSON object");
     explore_app->add_option("--export", explore.exports, "Write the chain; the ending names the format")
@@ -73,9 +76,8 @@ struct Commands {
     explore_app->add_option("--plot", explore.plot,
                             "Write the numbers of states over a range of values, --const N=3..10, as SVG");
     explore_app->callback([this, streams] {
-      if (const std::string conflict = conflict_in(explore); !conflict.empty()) {
-        throw CLI::ValidationError(conflict);
-      }
+      explore.symmetry = *symmetry_named(symmetry);
+      require_no_error(option_error(explore));
       command = [this, streams] { return run_explore(explore, streams); };
     });
 
@@ -86,9 +88,7 @@ struct Commands {
                          "NAME.dot or NAME.svg; both are written (default: the model's name)");
     draw_app->add_flag("--collapse", draw.collapse, "A node for each orbit, as is done for large models");
     draw_app->callback([this, streams] {
-      if (const std::string conflict = conflict_in(draw); !conflict.empty()) {
-        throw CLI::ValidationError(conflict);
-      }
+      require_no_error(option_error(draw));
       command = [this, streams] { return run_draw(draw, streams); };
     });
 
@@ -112,6 +112,7 @@ struct Commands {
   DetectOptions detect;
   DrawOptions draw;
   ExploreOptions explore;
+  std::string symmetry = to_string(explore.symmetry);
   LabelOptions label;
   ShowOptions show;
   std::function<int()> command;
@@ -124,7 +125,7 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
     streams.err << error.what() << "\n";
     return kModelError;
   } catch (const GroupLimitError& error) {
-    streams.err << "symfold: " << error.what() << "\n";
+    streams.err << error.refusals() << "symfold: " << error.what() << "\n";
     return kLimitReached;
   } catch (const UnsoundSymmetryError& error) {
     streams.err << "symfold: " << error.what() << "\n";

@@ -1,4 +1,4 @@
-#include "cli/detect_command.h"
+#include "cli/commands.h"
 
 #include <chrono>
 #include <iomanip>
@@ -9,11 +9,9 @@
 #include <sstream>
 #include <utility>
 
-#include "cli/exit_codes.h"
 #include "cli/figures.h"
 #include "host/chain/state_layout.h"
-#include "host/symmetry/detection_run.h"
-#include "host/symmetry/label_search.h"
+#include "host/symmetry/detection.h"
 #include "host/symmetry/symmetry_names.h"
 
 namespace symfold {
@@ -52,8 +50,8 @@ struct Report {
 };
 
 // The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
-Report make_report(const ComposedModel& model, DetectionRun& run, bool is_whole) {
-  SymmetryDetection& detector = run.detector();
+Report make_report(const ComposedModel& model, const Folding& folding, bool is_whole) {
+  const SymmetryDetection& detector = folding.detection()->detector();
   Report report{};
   report.submodels = model.submodels.size();
   report.joins = model.joins.size();
@@ -67,18 +65,18 @@ Report make_report(const ComposedModel& model, DetectionRun& run, bool is_whole)
                                                is_whole ? kAll : kPrintedCycles));
     }
   }
-  report.order = group_order(detector.SGSOrbitLengths);
+  report.order = group_order(folding.orbit_lengths());
   report.orbits = find_orbits(detector);
-  report.state_bytes = static_cast<std::size_t>(detector.DetermineTotalStateSize());
-  report.partitions = detector.PartitionInfo.size();
-  report.unsound_reason = run.unsound_reason();
-  if (run.is_sound()) {
-    std::vector<std::int16_t> state = StateLayout(model, detector.SSOrder).initial_state();
+  report.state_bytes = folding.state_size();
+  report.partitions = folding.cell_sizes().size();
+  report.unsound_reason = folding.unsound_reason();
+  if (folding.is_sound()) {
+    std::vector<std::int16_t> state = StateLayout(model, folding.order()).initial_state();
     report.initial_state = hexadecimal(state);
-    LabelSearch(detector).find(state.data(), state.data());
+    folding.make_labeller()->find(state.data(), state.data());
     report.initial_label = hexadecimal(state);
   }
-  report.phases = run.phases();
+  report.phases = folding.detection()->phases();
   report.peak_bytes = peak_memory();
   return report;
 }
@@ -152,8 +150,9 @@ int run_detect(const DetectOptions& options, const Streams& streams) {
   const std::chrono::duration<double> reading = std::chrono::steady_clock::now() - start;
   const std::string directory =
       options.directory.empty() ? options.input.stem() + ".symfold" : options.directory;
-  DetectionRun run(model, directory, !options.no_log);
-  Report report = make_report(model, run, options.json);
+  const Folding folding(model, Symmetry::kFast, {directory, !options.no_log});
+  streams.err << folding.refusals();
+  Report report = make_report(model, folding, options.json);
   report.model = options.input.model;
   report.directory = directory;
   report.phases.insert(report.phases.begin(), {"read", reading.count()});
@@ -162,7 +161,7 @@ int run_detect(const DetectOptions& options, const Streams& streams) {
   } else {
     print_report(streams.out, report);
   }
-  return run.is_sound() ? kOk : kCheckFailed;
+  return folding.is_sound() ? kOk : kCheckFailed;
 }
 
 }  // namespace symfold

@@ -1,14 +1,14 @@
-#include "cli/draw_command.h"
+#include "cli/commands.h"
 
 #include <filesystem>
 #include <iostream>
 
-#include "cli/exit_codes.h"
 #include "cli/figures.h"
 #include "host/new_file.h"
 #include "host/pictures/composition_dot.h"
 #include "host/pictures/graphviz.h"
-#include "host/symmetry/detection_run.h"
+#include "host/symmetry/detection.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 namespace {
@@ -25,7 +25,7 @@ std::string output_stem(const DrawOptions& options) {
 
 }  // namespace
 
-std::string conflict_in(const DrawOptions& options) {
+std::string option_error(const DrawOptions& options) {
   const std::filesystem::path path = options.output;
   if (options.output.empty() || path.extension() == ".dot" || path.extension() == ".svg") return "";
   return "--output " + options.output + ": expected one of the endings .dot, .svg";
@@ -33,9 +33,10 @@ std::string conflict_in(const DrawOptions& options) {
 
 int run_draw(const DrawOptions& options, const Streams& streams) {
   const ComposedModel model = read_input(options.input, streams);
-  DetectionRun run(model, options.input.stem() + ".symfold", false);
-  run.require_sound();
-  const NamedOrbits orbits = find_orbits(run.detector());
+  const Folding folding(model, Symmetry::kExact);
+  streams.err << folding.refusals();
+  folding.require_sound();
+  const NamedOrbits orbits = find_orbits(folding.detection()->detector());
   const bool is_large = model.submodels.size() > kMaxSubmodels || model.joins.size() > kMaxJoins;
   const DrawnGraph graph =
       options.collapse || is_large ? drawn_orbits(model, orbits) : drawn_parts(model, orbits);
@@ -45,7 +46,7 @@ int run_draw(const DrawOptions& options, const Streams& streams) {
       counted(model.submodels.size(), "submodel") + ", " + counted(model.joins.size(), "join");
   const std::string stem = output_stem(options);
   NewFile file(stem + ".dot");
-  file.append(composition_dot(graph, {title, parts, group_order(run.detector().SGSOrbitLengths)}));
+  file.append(composition_dot(graph, {title, parts, group_order(folding.orbit_lengths())}));
   file.commit();
   streams.out << title << ": " << parts << " in " << counted(graph.orbits.size(), "orbit")
               << (graph.is_collapsed ? ", a node for each orbit" : "") << "\nfile  " << stem << ".dot\n";

@@ -112,7 +112,8 @@ const char* name_of(Ending ending) {
 }  // namespace
 
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results) {
-  std::vector<Row> rows{row("symmetry", results, [](const auto& result) { return result.symmetry; })};
+  std::vector<Row> rows{
+      row("symmetry", results, [](const auto& result) { return std::string(to_string(result.symmetry)); })};
   for (Row& counts : count_rows(results)) rows.push_back(std::move(counts));
   for (Row& costs : cost_rows(results)) rows.push_back(std::move(costs));
   if (results.size() > 1) {
@@ -125,19 +126,19 @@ void print_results(std::ostream& out, const std::vector<ExplorationResult>& resu
 }
 
 void print_range_head(std::ostream& out, const std::string& parameter,
-                      const std::vector<std::string>& symmetries) {
+                      const std::vector<Symmetry>& symmetries) {
   std::vector<std::string> cells{parameter};
-  for (const std::string& symmetry : symmetries) cells.push_back(symmetry);
-  for (const std::string& symmetry : symmetries) cells.push_back(symmetry + " in");
+  for (const Symmetry symmetry : symmetries) cells.emplace_back(to_string(symmetry));
+  for (const Symmetry symmetry : symmetries) cells.push_back(std::string(to_string(symmetry)) + " in");
   if (symmetries.size() > 1) cells.emplace_back("reduction");
   print_range_cells(out, cells);
 }
 
-void print_range_row(std::ostream& out, long value, const std::vector<std::string>& symmetries,
+void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>& symmetries,
                      const std::vector<ExplorationResult>& results) {
   std::vector<std::string> counts;
   std::vector<std::string> times;
-  for (const std::string& symmetry : symmetries) {
+  for (const Symmetry symmetry : symmetries) {
     const auto result = std::find_if(results.begin(), results.end(), [&](const auto& each) {
       return each.symmetry == symmetry && each.is_complete();
     });
@@ -152,16 +153,16 @@ void print_range_row(std::ostream& out, long value, const std::vector<std::strin
 }
 
 std::string ending_text(const ExplorationResult& result) {
-  return "exploration with symmetry " + result.symmetry + " not complete (" + name_of(result.ending) +
-         "): " + grouped(result.figures.states) + " states reached, " + grouped(result.figures.frontier()) +
-         " of them in the frontier, not expanded";
+  return std::string("exploration with symmetry ") + to_string(result.symmetry) + " not complete (" +
+         name_of(result.ending) + "): " + grouped(result.figures.states) + " states reached, " +
+         grouped(result.figures.frontier()) + " of them in the frontier, not expanded";
 }
 
 nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& results) {
   nlohmann::ordered_json runs = nlohmann::ordered_json::array();
   for (const ExplorationResult& result : results) {
     const ExplorationFigures& figures = result.figures;
-    nlohmann::ordered_json run = {{"symmetry", result.symmetry},
+    nlohmann::ordered_json run = {{"symmetry", to_string(result.symmetry)},
                                   {"ending", name_of(result.ending)},
                                   {"states", figures.states},
                                   {"frontier", figures.frontier()},
@@ -179,7 +180,7 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
     run["bytes_per_state"] = {{"packed", figures.state_bytes}, {"with_index", bytes_per_state(figures)}};
     run["peak_memory_bytes"] = result.peak_memory;
     if (result.is_folded()) run["group_order"] = result.group_order;
-    if (result.symmetry == "exact") run["inexact_labels"] = result.inexact_labels;
+    if (result.symmetry == Symmetry::kExact) run["inexact_labels"] = result.inexact_labels;
     if (reduction(results, result) > 0) run["reduction"] = reduction(results, result);
     runs.push_back(std::move(run));
   }

@@ -9,11 +9,12 @@
 #include <vector>
 
 #include "host/chain/exploration.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 
 struct ExplorationResult {
-  std::string symmetry;     // "off", "fast" or "exact"
+  Symmetry symmetry;
   std::string group_order;  // in decimal; empty without folding
   Ending ending;
   ExplorationFigures figures;
@@ -32,8 +33,8 @@ void print_results(std::ostream& out, const std::vector<ExplorationResult>& resu
 
 // The same for a range of a parameter's values: a line for each, as soon as it is known.
 void print_range_head(std::ostream& out, const std::string& parameter,
-                      const std::vector<std::string>& symmetries);
-void print_range_row(std::ostream& out, long value, const std::vector<std::string>& symmetries,
+                      const std::vector<Symmetry>& symmetries);
+void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>& symmetries,
                      const std::vector<ExplorationResult>& results);
 
 // What was reached where a limit or an interrupt ended an exploration: "stopped at the limit of memory: ...".

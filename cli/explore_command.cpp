@@ -1,4 +1,4 @@
-#include "cli/explore_command.h"
+#include "cli/commands.h"
 
 #include <algorithm>
 #include <chrono>
@@ -7,40 +7,16 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "cli/exit_codes.h"
 #include "cli/exploration_report.h"
 #include "cli/figures.h"
-#include "cli/interrupt.h"
-#include "cli/parameter_range.h"
-#include "cli/progress_line.h"
+#include "cli/model_input.h"
+#include "cli/watch.h"
 #include "host/export/chain_export.h"
 #include "host/pictures/growth_plot.h"
-#include "host/symmetry/detection_run.h"
-#include "host/symmetry/label_search.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 namespace {
-
-// A model's symmetries, ready for folding.
-class Folding {
- public:
-  Folding(const ComposedModel& model, const std::string& directory, const std::string& symmetry)
-      : run_(model, directory, false) {
-    run_.require_sound();
-    if (symmetry == "exact") {
-      labeller_ = std::make_unique<ExactLabelSearch>(run_.detector());
-    } else {
-      labeller_ = std::make_unique<LabelSearch>(run_.detector());
-    }
-  }
-
-  const SymmetryDetection& detector() const { return run_.detector(); }
-  Labeller& labeller() { return *labeller_; }
-
- private:
-  DetectionRun run_;
-  std::unique_ptr<Labeller> labeller_;
-};
 
 class ExploreRun {
  public:
@@ -52,8 +28,8 @@ class ExploreRun {
   int explore_one();
   int explore_range(const ParameterRange& range);
   std::vector<ExplorationResult> explore_model(const ModelInput& input,
-                                               const std::vector<std::string>& symmetries);
-  ExplorationResult explore(const ComposedModel& model, const std::string& symmetry);
+                                               const std::vector<Symmetry>& symmetries);
+  ExplorationResult explore(const ComposedModel& model, Symmetry symmetry);
   ExplorationLimits limits() const;
   void export_chain(Exploration& exploration);
   void print_files();
@@ -87,30 +63,29 @@ ExplorationLimits ExploreRun::limits() const {
   return limits;
 }
 
-ExplorationResult ExploreRun::explore(const ComposedModel& model, const std::string& symmetry) {
+ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symmetry) {
   const auto start = std::chrono::steady_clock::now();
-  std::optional<Folding> folding;
-  if (symmetry != "off") {
-    folding.emplace(model,
-                    options_.directory.empty() ? options_.input.stem() + ".symfold" : options_.directory,
-                    symmetry);
-  }
-  const StateLayout layout = folding ? StateLayout(model, folding->detector().SSOrder) : StateLayout(model);
+  const Folding folding(model, symmetry, {options_.directory});
+  streams_.err << folding.refusals();
+  const std::unique_ptr<Labeller> labeller = folding.make_labeller();
+  const StateLayout layout = labeller ? StateLayout(model, folding.order()) : StateLayout(model);
   const bool is_exported = !options_.exports.empty() && symmetry == options_.symmetry;
   ExplorationResult result;
   result.symmetry = symmetry;
-  if (folding) result.group_order = group_order(folding->detector().SGSOrbitLengths);
-  result.detection_seconds = folding ? seconds_since(start) : 0;
-  Exploration exploration(model, layout, folding ? &folding->labeller() : nullptr, is_exported);
+  if (labeller) {
+    result.group_order = group_order(folding.orbit_lengths());
+    result.detection_seconds = seconds_since(start);
+  }
+  Exploration exploration(model, layout, labeller.get(), is_exported);
   {
-    ProgressLine line(streams_, "symmetry " + symmetry, options_.quiet);
+    ProgressLine line(streams_, std::string("symmetry ") + to_string(symmetry), options_.quiet);
     result.ending = exploration.run(limits(), [&](const ExplorationFigures& figures) {
       line.show(figures);
       return !interrupts_.is_interrupted();
     });
   }
   result.figures = exploration.figures();
-  if (folding) result.inexact_labels = folding->labeller().inexact_count();
+  if (labeller) result.inexact_labels = labeller->inexact_count();
   result.peak_memory = peak_memory();
   for (std::size_t i = 0; i < exploration.observables().label_count(); ++i) {
     result.labels.push_back(exploration.observables().label_name(i));
@@ -129,7 +104,7 @@ void ExploreRun::export_chain(Exploration& exploration) {
 
 // The most folded state space first: it is the smallest one, and the peak of memory only rises.
 std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input,
-                                                         const std::vector<std::string>& symmetries) {
+                                                         const std::vector<Symmetry>& symmetries) {
   const ComposedModel model = read_input(input, streams_);
   std::vector<ExplorationResult> results;
   for (auto symmetry = symmetries.rbegin(); symmetry != symmetries.rend(); ++symmetry) {
@@ -174,10 +149,10 @@ int ExploreRun::explore_one() {
   return report_endings(results);
 }
 
-// A symmetry whose exploration was not complete is left out from then on: larger models take more.
+// Once a run hits a limit, larger values of the parameter are not tried with its symmetry: they take more.
 int ExploreRun::explore_range(const ParameterRange& range) {
-  const std::vector<std::string> columns = options_.symmetries();
-  std::vector<std::string> symmetries = columns;
+  const std::vector<Symmetry> columns = options_.symmetries();
+  std::vector<Symmetry> symmetries = columns;
   int code = kOk;
   GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
@@ -217,12 +192,12 @@ int ExploreRun::run() {
 
 }  // namespace
 
-std::vector<std::string> ExploreOptions::symmetries() const {
-  if (compare) return {"off", "fast", "exact"};
+std::vector<Symmetry> ExploreOptions::symmetries() const {
+  if (compare) return {std::begin(kSymmetries), std::end(kSymmetries)};
   return {symmetry};
 }
 
-std::string conflict_in(const ExploreOptions& options) {
+std::string option_error(const ExploreOptions& options) {
   const std::size_t ranges = find_ranges(options.input).size();
   if (ranges > 1) return "expected one range of a constant's values, got " + std::to_string(ranges);
   if (ranges == 1 && options.input.model == "-")

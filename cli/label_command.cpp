@@ -1,13 +1,17 @@
-#include "cli/label_command.h"
+#include "cli/commands.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <memory>
+#include <numeric>
+#include <stdexcept>
 #include <string_view>
 #include <vector>
 
-#include "cli/exit_codes.h"
 #include "cli/figures.h"
-#include "host/symmetry/state_labeller.h"
+#include "components/permutation.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 namespace {
@@ -67,9 +71,15 @@ class LabelRun {
       : options_(options),
         streams_(streams),
         source_(source),
-        labeller_(options.perm_file, options.exact),
-        state_(static_cast<std::size_t>(labeller_.state_size())),
-        label_(state_.size()) {}
+        folding_(options.perm_file, options.exact ? Symmetry::kExact : Symmetry::kFast),
+        labeller_(folding_.make_labeller()),
+        state_(folding_.state_size()),
+        label_(state_.size()),
+        moved_(state_.size()),
+        witness_(folding_.cell_sizes().size()),
+        offsets_(witness_.size()) {
+    std::exclusive_scan(folding_.cell_sizes().begin(), folding_.cell_sizes().end(), offsets_.begin(), 0);
+  }
 
   int label_lines(std::istream& in) {
     int code = kOk;
@@ -99,7 +109,7 @@ class LabelRun {
                      << in.gcount() << "\n";
         return kCheckFailed;
       }
-      labeller_.label(state_.data(), label_.data());
+      labeller_->find(state_.data(), label_.data());
       streams_.out.write(reinterpret_cast<const char*>(label_.data()), size);
     }
     return kOk;
@@ -107,7 +117,7 @@ class LabelRun {
 
   // kCheckFailed where some labels are not sure to be exact.
   int report_inexact() const {
-    const std::size_t count = labeller_.inexact_count();
+    const std::size_t count = labeller_->inexact_count();
     if (count == 0) return kOk;
     streams_.err << options_.perm_file << ": error: " << counted(count, "label")
                  << " may not be exact: too many images tie\n";
@@ -116,22 +126,38 @@ class LabelRun {
 
  private:
   void label_state() {
-    labeller_.label(state_.data(), label_.data());
+    labeller_->find(state_.data(), label_.data());
     print_hexadecimal(streams_.out, label_, text_);
     if (options_.perm) {
-      const std::vector<short>& witness = labeller_.checked_witness(state_.data(), label_.data());
-      const std::vector<int> images(witness.begin(), witness.end());
+      find_checked_witness();
+      const std::vector<int> images(witness_.begin(), witness_.end());
       streams_.out << "\t" << Permutation(static_cast<int>(images.size()), images.data());
     }
     streams_.out << "\n";
   }
 
+  // The permutation that carries the state onto its label, applied and compared before anyone is told.
+  void find_checked_witness() {
+    labeller_->find_witness(witness_.data());
+    for (std::size_t c = 0; c < witness_.size(); ++c) {
+      const auto d = static_cast<std::size_t>(witness_[c]);
+      std::copy_n(state_.begin() + offsets_[c], folding_.cell_sizes()[c], moved_.begin() + offsets_[d]);
+    }
+    if (moved_ != label_) {
+      throw std::logic_error("the permutation found does not carry the state onto its label");
+    }
+  }
+
   const LabelOptions& options_;
   const Streams& streams_;
   std::string source_;
-  StateLabeller labeller_;
+  Folding folding_;
+  std::unique_ptr<Labeller> labeller_;
   Bytes state_;
   Bytes label_;
+  Bytes moved_;
+  std::vector<short> witness_;  // by cell
+  std::vector<int> offsets_;    // by cell, in bytes
   std::string text_;
 };
 

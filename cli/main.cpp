@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "cli/command_line.h"
+#include "cli/commands.h"
 
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);

@@ -1,13 +1,15 @@
-#include "cli/show_command.h"
+#include "cli/commands.h"
 
 #include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <sstream>
+#include <stdexcept>
 
-#include "cli/exit_codes.h"
 #include "cli/figures.h"
-#include "host/symmetry/state_labeller.h"
+#include "detector/labelling_tables.h"
+#include "detector/permfile/perm_table.h"
 
 namespace symfold {
 namespace {
@@ -18,18 +20,21 @@ std::string cycles(const Permutation& permutation) {
   return text.str();
 }
 
-nlohmann::ordered_json as_json(const SymmetryDetection& tables) {
+int state_bytes(const LabellingTables& tables) {
+  return std::accumulate(tables.sizes.begin(), tables.sizes.end(), 0);
+}
+
+nlohmann::ordered_json as_json(const LabellingTables& tables) {
   nlohmann::ordered_json result;
-  result["state_bytes"] = tables.TotalStateSize;
+  result["state_bytes"] = state_bytes(tables);
   result["partitions"] = nlohmann::ordered_json::array();
-  for (std::size_t i = 0; i < tables.PartitionInfo.size(); ++i) {
-    result["partitions"].push_back(
-        {{"offset", tables.CumPartitionInfo[i]}, {"bytes", tables.PartitionInfo[i]}});
+  for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
+    result["partitions"].push_back({{"offset", tables.offsets[i]}, {"bytes", tables.sizes[i]}});
   }
   result["bases"] = nlohmann::ordered_json::array();
-  for (const int base : tables.Bases) {
+  for (const auto& [base, base_records] : tables.bases) {
     nlohmann::ordered_json records = nlohmann::ordered_json::array();
-    for (const ValPerms& record : tables.VPerms.at(base)) {
+    for (const ValPerms& record : base_records) {
       nlohmann::ordered_json perms = nlohmann::ordered_json::array();
       for (const Permutation& permutation : record.Perms) perms.push_back(cycles(permutation));
       records.push_back({{"value", record.Value}, {"permutations", perms}});
@@ -39,17 +44,15 @@ nlohmann::ordered_json as_json(const SymmetryDetection& tables) {
   return result;
 }
 
-void print(std::ostream& out, const SymmetryDetection& tables) {
-  out << counted(tables.PartitionInfo.size(), "partition") << ", "
-      << counted(static_cast<std::size_t>(tables.TotalStateSize), "byte") << " per state, "
-      << counted(tables.Bases.size(), "base") << "\n\n";
+void print(std::ostream& out, const LabellingTables& tables) {
+  out << counted(tables.sizes.size(), "partition") << ", "
+      << counted(static_cast<std::size_t>(state_bytes(tables)), "byte") << " per state, "
+      << counted(tables.bases.size(), "base") << "\n\n";
   out << "partition  offset  bytes\n";
-  for (std::size_t i = 0; i < tables.PartitionInfo.size(); ++i) {
-    out << std::setw(9) << i << std::setw(8) << tables.CumPartitionInfo[i] << std::setw(7)
-        << tables.PartitionInfo[i] << "\n";
+  for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
+    out << std::setw(9) << i << std::setw(8) << tables.offsets[i] << std::setw(7) << tables.sizes[i] << "\n";
   }
-  for (const int base : tables.Bases) {
-    const std::vector<ValPerms>& records = tables.VPerms.at(base);
+  for (const auto& [base, records] : tables.bases) {
     out << "\nbase " << base << ": " << counted(records.size(), "other point") << " in its orbit\n";
     for (const ValPerms& record : records) {
       out << "  from " << record.Value << " by";
@@ -62,11 +65,14 @@ void print(std::ostream& out, const SymmetryDetection& tables) {
 }  // namespace
 
 int run_show(const ShowOptions& options, const Streams& streams) {
-  const StateLabeller labeller(options.perm_file, false);
+  PermTable table;
+  const std::string error = read_perm_file(options.perm_file, table);
+  if (!error.empty()) throw std::runtime_error(error);
+  const LabellingTables tables(table);
   if (options.json) {
-    streams.out << as_json(labeller.detector()).dump(2) << "\n";
+    streams.out << as_json(tables).dump(2) << "\n";
   } else {
-    print(streams.out, labeller.detector());
+    print(streams.out, tables);
   }
   return kOk;
 }

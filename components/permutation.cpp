@@ -4,8 +4,11 @@
 #include <cstddef>
 #include <numeric>
 #include <ostream>
+#include <span>
 #include <string>
 #include <utility>
+
+#include "engines/base/images.h"
 
 namespace symfold {
 
@@ -37,6 +40,11 @@ bool Permutation::IsIdentity() const {
     if (GetIth(i) != i) return false;
   }
   return true;
+}
+
+bool Permutation::IsPermutation() const {
+  return static_cast<std::size_t>(std::max(n, 0)) <= images_.size() &&
+         detail::is_permutation(std::span(images_.data(), static_cast<std::size_t>(std::max(n, 0))));
 }
 
 // The whole text is put together before it is written: tables of thousands of permutations are printed, and a

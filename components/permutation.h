@@ -38,6 +38,9 @@ class Permutation {
 
   bool IsIdentity() const;
 
+  // True if every point is the image of exactly one point.
+  bool IsPermutation() const;
+
   // The point count. A caller that overwrites the first images through GetP may lower it.
   int n;
 

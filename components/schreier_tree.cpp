@@ -51,8 +51,10 @@ void SchreierTree::SetPerms(std::vector<Permutation> perms) {
   SetRootValue(-1);
 }
 
-void SchreierTree::PrintPerms() {
-  for (const Permutation& permutation : perms_) std::cout << permutation << std::endl;
+void SchreierTree::PrintPerms() { PrintPerms(std::cout); }
+
+void SchreierTree::PrintPerms(std::ostream& out) {
+  for (const Permutation& permutation : perms_) out << permutation << std::endl;
 }
 
 void SchreierTree::SetRootValue(int r) {

@@ -4,6 +4,7 @@
 #define SYMFOLD_COMPONENTS_SCHREIER_TREE_H
 
 #include <cstddef>
+#include <iosfwd>
 #include <vector>
 
 #include "components/permutation.h"
@@ -18,8 +19,9 @@ class SchreierTree {
   // The generators of all trees from now on. One that is no permutation of n points is left out.
   void SetPerms(std::vector<Permutation> perms);
 
-  // Writes the generators to standard output, a line each.
+  // Writes the generators to standard output or to `out`, a line each.
   void PrintPerms();
+  void PrintPerms(std::ostream& out);
 
   int GetN() const { return n; }
 

@@ -1,11 +1,16 @@
 #include "detector/exact_labeller.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <numeric>
 #include <stdexcept>
 #include <string>
 #include <utility>
+
+#include "engines/base/images.h"
+#include "engines/largest_image/image_search.h"
+#include "engines/largest_image/recognition.h"
 
 namespace symfold {
 namespace {
@@ -13,8 +18,8 @@ namespace {
 // So many bytes of a partition are one value.
 constexpr std::size_t kValueBytes = sizeof(std::uint64_t);
 
-// The order of the values is that of the bytes. Two bytes, a variable of a model, are the usual case here as
-// below.
+// Returns a number whose order is that of the bytes. Two bytes, a variable of a model, are the usual case
+// here and below.
 std::uint64_t big_endian(const unsigned char* bytes, std::size_t count) {
   if (count == 2) return std::uint64_t{bytes[0]} << 8 | bytes[1];
   std::uint64_t value = 0;
@@ -31,38 +36,30 @@ void copy_partition(const unsigned char* from, unsigned char* to, std::size_t co
   }
 }
 
-// Throws std::invalid_argument if the first point_count images are no permutation.
-detail::Images images_of(const Permutation& permutation, std::size_t point_count) {
+// The product of a record's permutations, in their order.
+detail::Images product_of(const ValPerms& record, std::size_t point_count) {
   detail::Images images(point_count);
-  std::vector<bool> is_image(point_count);
-  for (std::size_t c = 0; c < point_count; ++c) {
-    const int image = permutation[static_cast<int>(c)];
-    if (image < 0 || static_cast<std::size_t>(image) >= point_count ||
-        is_image[static_cast<std::size_t>(image)]) {
+  std::iota(images.begin(), images.end(), 0U);
+  for (const Permutation& permutation : record.Perms) {
+    if (permutation.GetN() != static_cast<int>(point_count) || !permutation.IsPermutation()) {
       throw std::invalid_argument("expected permutations of " + std::to_string(point_count) +
                                   " partitions, got another table");
     }
-    is_image[static_cast<std::size_t>(image)] = true;
-    images[c] = static_cast<std::uint32_t>(image);
+    for (std::uint32_t& image : images) {
+      image = static_cast<std::uint32_t>(permutation[static_cast<int>(image)]);
+    }
   }
   return images;
 }
 
-// The tables Bases and VPerms, the permutations of each record multiplied in their order.
-std::vector<detail::TableLevel> table_levels(const SymmetryDetection& detector, std::size_t point_count) {
+std::vector<detail::TableLevel> levels_of(const LabellingTables& tables) {
   std::vector<detail::TableLevel> levels;
-  for (const int base : detector.Bases) {
-    const auto found = detector.VPerms.find(base);
-    if (found == detector.VPerms.end()) continue;
+  for (const LabellingTables::Base& base : tables.bases) {
     detail::TableLevel& level = levels.emplace_back();
-    level.base = static_cast<std::size_t>(base);
-    for (const ValPerms& record : found->second) {
-      detail::Images images(point_count);
-      std::iota(images.begin(), images.end(), 0U);
-      for (const Permutation& step : record.Perms) {
-        images = detail::composed(images_of(step, point_count), images);
-      }
-      level.records.push_back({static_cast<std::size_t>(record.Value), std::move(images)});
+    level.base = static_cast<std::size_t>(base.point);
+    for (const ValPerms& record : base.records) {
+      level.records.push_back(
+          {static_cast<std::size_t>(record.Value), product_of(record, tables.sizes.size())});
     }
   }
   return levels;
@@ -70,13 +67,15 @@ std::vector<detail::TableLevel> table_levels(const SymmetryDetection& detector, 
 
 }  // namespace
 
+ExactGroup::ExactGroup(const LabellingTables& tables) : ExactGroup(tables, detail::SearchBounds{}) {}
+
 // Positions of the search are partitions in the order of their offsets: table entry i is the partition i, and
 // detection's tables list them so.
-ExactGroup::ExactGroup(const SymmetryDetection& detector, const detail::SearchBounds& bounds) {
+ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds) {
   std::size_t end = 0;
-  for (std::size_t i = 0; i < detector.PartitionInfo.size(); ++i) {
-    const int size = detector.PartitionInfo[i];
-    const int offset = i < detector.CumPartitionInfo.size() ? detector.CumPartitionInfo[i] : -1;
+  for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
+    const int size = tables.sizes[i];
+    const int offset = i < tables.offsets.size() ? tables.offsets[i] : -1;
     if (size < 0 || offset < 0 || static_cast<std::size_t>(offset) != end) {
       throw std::invalid_argument("expected partition " + std::to_string(i) + " at byte " +
                                   std::to_string(end) + ", got one of " + std::to_string(size) +
@@ -88,7 +87,7 @@ ExactGroup::ExactGroup(const SymmetryDetection& detector, const detail::SearchBo
   state_size_ = end;
   std::vector<bool> has_bytes;
   for (const Partition& partition : partitions_) has_bytes.push_back(partition.size > 0);
-  const detail::TableGroup group(std::move(has_bytes), table_levels(detector, partitions_.size()));
+  const detail::TableGroup group(std::move(has_bytes), levels_of(tables));
   for (const detail::Images& images : group.permutations()) {
     for (std::size_t c = 0; c < images.size(); ++c) {
       if (partitions_[c].size != partitions_[images[c]].size) {
@@ -100,47 +99,62 @@ ExactGroup::ExactGroup(const SymmetryDetection& detector, const detail::SearchBo
   search_ = detail::recognise(group, bounds);
 }
 
-ExactLabeller::ExactLabeller(const ExactGroup& group)
-    : group_(group),
-      search_(group.search_ ? group.search_->clone() : nullptr),
-      word_(group.partitions_.size()),
-      image_(group.state_size_) {
-  for (std::uint32_t i = 0; i < word_.size(); ++i) {
-    word_[i].source = i;
-    if (group_.partitions_[i].size > kValueBytes) long_partitions_.push_back(i);
+ExactGroup::~ExactGroup() = default;
+
+struct ExactLabeller::WorkSpace {
+  std::unique_ptr<detail::ImageSearch> search;
+  std::vector<detail::Placed> values;  // by partition
+  std::vector<unsigned char> image;
+  std::vector<std::uint32_t> long_partitions;  // of more than 8 bytes
+};
+
+ExactLabeller::ExactLabeller(const ExactGroup& group) : group_(group), work_(std::make_unique<WorkSpace>()) {
+  if (group.search_) work_->search = group.search_->clone();
+  work_->values.resize(group.partitions_.size());
+  work_->image.resize(group.state_size_);
+  for (std::uint32_t i = 0; i < work_->values.size(); ++i) {
+    work_->values[i].source = i;
+    if (group_.partitions_[i].size > kValueBytes) work_->long_partitions.push_back(i);
   }
 }
+
+ExactLabeller::~ExactLabeller() = default;
 
 bool ExactLabeller::find(const void* state, void* label) {
   const auto* const bytes = static_cast<const unsigned char*>(state);
   load(bytes);
-  const bool is_exact = search_ == nullptr || search_->maximise(word_.data());
+  std::vector<detail::Placed>& values = work_->values;
+  const bool is_exact = work_->search == nullptr || work_->search->maximise(values.data());
   ++label_count_;
   if (!is_exact) ++inexact_count_;
-  std::copy_n(bytes, image_.size(), image_.begin());
-  for (std::size_t p = 0; p < word_.size(); ++p) {
-    if (word_[p].source == p) continue;
+  unsigned char* const image = work_->image.data();
+  std::copy_n(bytes, work_->image.size(), image);
+  for (std::size_t p = 0; p < values.size(); ++p) {
+    if (values[p].source == p) continue;
     const ExactGroup::Partition& to = group_.partitions_[p];
-    copy_partition(bytes + group_.partitions_[word_[p].source].offset, image_.data() + to.offset, to.size);
+    copy_partition(bytes + group_.partitions_[values[p].source].offset, image + to.offset, to.size);
   }
-  std::copy(image_.begin(), image_.end(), static_cast<unsigned char*>(label));
+  std::copy_n(image, work_->image.size(), static_cast<unsigned char*>(label));
   return is_exact;
 }
 
-void ExactLabeller::find_witness(short* witness) const {
-  for (std::size_t p = 0; p < word_.size(); ++p) witness[word_[p].source] = static_cast<short>(p);
+void ExactLabeller::find_witness(short* witness) {
+  const std::vector<detail::Placed>& values = work_->values;
+  for (std::size_t p = 0; p < values.size(); ++p) witness[values[p].source] = static_cast<short>(p);
 }
 
 void ExactLabeller::load(const unsigned char* state) {
-  for (std::uint32_t p = 0; p < word_.size(); ++p) {
+  detail::Placed* const values = work_->values.data();
+  const auto count = static_cast<std::uint32_t>(work_->values.size());
+  for (std::uint32_t p = 0; p < count; ++p) {
     const ExactGroup::Partition& partition = group_.partitions_[p];
-    word_[p] = {big_endian(state + partition.offset, std::min(partition.size, kValueBytes)), p};
+    values[p] = {big_endian(state + partition.offset, std::min(partition.size, kValueBytes)), p};
   }
-  if (!long_partitions_.empty()) rank_long_partitions(state);
+  if (!work_->long_partitions.empty()) rank_long_partitions(state);
 }
 
-// Values for partitions that are too long for one: their ranks among all of them. Only those of equal size
-// are ever compared.
+// A partition that is too long for one value gets its rank among all such partitions. Only those of equal
+// size are ever compared.
 void ExactLabeller::rank_long_partitions(const unsigned char* state) {
   const auto order = [&](std::uint32_t a, std::uint32_t b) {
     const ExactGroup::Partition& first = group_.partitions_[a];
@@ -148,12 +162,12 @@ void ExactLabeller::rank_long_partitions(const unsigned char* state) {
     if (first.size != second.size) return first.size < second.size ? -1 : 1;
     return std::memcmp(state + first.offset, state + second.offset, first.size);
   };
-  std::sort(long_partitions_.begin(), long_partitions_.end(),
-            [&](std::uint32_t a, std::uint32_t b) { return order(a, b) < 0; });
+  std::vector<std::uint32_t>& ranked = work_->long_partitions;
+  std::sort(ranked.begin(), ranked.end(), [&](std::uint32_t a, std::uint32_t b) { return order(a, b) < 0; });
   std::uint64_t rank = 0;
-  for (std::size_t i = 0; i < long_partitions_.size(); ++i) {
-    if (i > 0 && order(long_partitions_[i - 1], long_partitions_[i]) != 0) ++rank;
-    word_[long_partitions_[i]].value = rank;
+  for (std::size_t i = 0; i < ranked.size(); ++i) {
+    if (i > 0 && order(ranked[i - 1], ranked[i]) != 0) ++rank;
+    work_->values[ranked[i]].value = rank;
   }
 }
 

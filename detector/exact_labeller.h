@@ -1,30 +1,38 @@
 // Exact labels: the largest image of a state under the whole symmetry group.
 //
 // Two states have the same exact label if and only if a symmetry carries one onto the other. The label does
-// not depend on the generators, on the machine or on the version.
+// not depend on the generators, on the machine or on the version. States are compared byte by byte, as memcmp
+// does. So in a variable of two bytes, little endian, the low byte counts first: 256 is less than 1.
 
 #ifndef SYMFOLD_DETECTOR_EXACT_LABELLER_H
 #define SYMFOLD_DETECTOR_EXACT_LABELLER_H
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <vector>
 
-#include "detector/symmetry_detection.h"
-#include "engines/largest_image/image_search.h"
-#include "engines/largest_image/recognition.h"
+#include "detector/labeller.h"
+#include "detector/labelling_tables.h"
 
 namespace symfold {
+
+namespace detail {
+class ImageSearch;
+struct SearchBounds;
+}  // namespace detail
 
 // The group of a detector's tables and how its largest images are found. Only read once it is made: any
 // number of labellers, each on a thread of its own, share it.
 class ExactGroup {
  public:
-  // Of a detector after TrimPermutations or ReadPermFile; keeps no reference to it. Cost: that of recognise,
-  // recognition.h. Throws std::invalid_argument where an entry of the tables is no permutation
-  // that keeps the partitions' sizes, std::length_error where no way is known that fits the bounds.
-  explicit ExactGroup(const SymmetryDetection& detector, const detail::SearchBounds& bounds = {});
+  // Keeps no reference to the tables. Cost: groups that are listed, a composition for each element; others a
+  // few times the square of an orbit's length, and the number of partitions for each record; groups of no
+  // recognised kind, besides, a Schreier-Sims run. Throws std::invalid_argument if an entry of the tables is
+  // no permutation that keeps the partitions' sizes, std::length_error if no way is known that fits into
+  // 256 MiB of tables.
+  explicit ExactGroup(const LabellingTables& tables);
+  ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds);
+  ~ExactGroup();
 
  private:
   friend class ExactLabeller;
@@ -39,35 +47,31 @@ class ExactGroup {
   std::unique_ptr<const detail::ImageSearch> search_;  // null for the trivial group
 };
 
-class ExactLabeller {
+class ExactLabeller final : public Labeller {
  public:
   // The group must outlive the labeller.
   explicit ExactLabeller(const ExactGroup& group);
+  ~ExactLabeller() override;
 
   std::size_t state_size() const { return group_.state_size_; }  // bytes
 
-  // Writes the label of `state` to `label`, which may be the same: of all images of the state under the group
-  // the largest, bytes in memcmp order. False where a bound on the work was exceeded: then the label is an
-  // image of the state, but a larger one may exist. Allocates nothing but for growing work space.
-  bool find(const void* state, void* label);
+  // Returns false if a bound on the work was exceeded: then the label is an image of the state, but a larger
+  // one may exist.
+  bool find(const void* state, void* label) override;
+  void find_witness(short* witness) override;
+  std::size_t inexact_count() const override { return inexact_count_; }
 
-  // Writes a permutation of the partitions that carries the state labelled last onto its label, the identity
-  // before any is: the bytes of partition c go to the place of partition witness[c].
-  void find_witness(short* witness) const;
-
-  // Labels found so far, and those that are not known to be exact.
+  // The number of labels found so far.
   std::size_t label_count() const { return label_count_; }
-  std::size_t inexact_count() const { return inexact_count_; }
 
  private:
+  struct WorkSpace;
+
   void load(const unsigned char* state);
   void rank_long_partitions(const unsigned char* state);
 
   const ExactGroup& group_;
-  std::unique_ptr<detail::ImageSearch> search_;
-  std::vector<detail::Placed> word_;
-  std::vector<unsigned char> image_;
-  std::vector<std::uint32_t> long_partitions_;  // of more than 8 bytes
+  std::unique_ptr<WorkSpace> work_;
   std::size_t label_count_ = 0;
   std::size_t inexact_count_ = 0;
 };

@@ -1,4 +1,4 @@
-// Construction, buffers and release of a detector.
+// Construction, streams, buffers and release of a detector.
 
 #include <iostream>
 #include <new>
@@ -18,7 +18,12 @@ T* allocate(int count) {
 
 }  // namespace
 
-SymmetryDetection::SymmetryDetection() : orbit(new std::vector<int>), orbit_copy(new std::vector<int>) {}
+SymmetryDetection::SymmetryDetection()
+    : orbit(new std::vector<int>),
+      orbit_copy(new std::vector<int>),
+      nowhere_(std::make_unique<std::ostream>(nullptr)),
+      diagnostics_(&std::cout),
+      refusals_(&std::cerr) {}
 
 SymmetryDetection::SymmetryDetection(Wrapper* w) : SymmetryDetection() {
   model = w;
@@ -31,6 +36,16 @@ SymmetryDetection::~SymmetryDetection() {
   delete orbit_copy;
 }
 
+void SymmetryDetection::SetDiagnostics(std::ostream* out) {
+  diagnostics_ = out == nullptr ? nowhere_.get() : out;
+}
+
+void SymmetryDetection::SetRefusals(std::ostream* out) { refusals_ = out == nullptr ? nowhere_.get() : out; }
+
+void SymmetryDetection::Refuse(std::string_view message) {
+  *refusals_ << "symfold: " << message << std::endl;
+}
+
 int SymmetryDetection::DetermineTotalStateSize() {
   TotalStateSize = 0;
   for (const int size : PartitionInfo) TotalStateSize = add_bytes(TotalStateSize, size);
@@ -41,7 +56,7 @@ int SymmetryDetection::GetTotalStateSize() { return TotalStateSize; }
 
 void SymmetryDetection::Initialize() {
   DetermineTotalStateSize();
-  std::cout << "Initialize() TotalStateSize: " << TotalStateSize << std::endl;
+  diagnostics() << "Initialize() TotalStateSize: " << TotalStateSize << std::endl;
   for (unsigned char** state :
        {&af_new_state, &af_best_state, &af_current_state, &af_state_scratch_a, &af_state_scratch_b}) {
     *state = allocate<unsigned char>(TotalStateSize);

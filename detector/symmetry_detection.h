@@ -9,7 +9,7 @@
 // The host drives the operations in this order:
 //   1. SymmetryDetection detector(&wrapper);
 //   2. FindMCG(), in a directory that holds the file "types"; it writes "model_comp_graph" and "mcg.viz"
-//   there;
+//   there. Or FindMCG(types), which needs no files;
 //   3. set StateSize, in bytes, of every submodel node in GraphNodes; CreatePartitionInfo();
 //   4. fill SSOrder with the names in GNOrder, in the order of their stretches in the state vector;
 //      ShrinkPermutations(), AdjustPermutations(), AdjustPartitionInfo(), TrimPermutations();
@@ -20,18 +20,24 @@
 //   7. Cleanup() and CleanStaticMembers(), once.
 //
 // Operations append to the containers without clearing them: each detection step runs once per detector.
-// Diagnostics go to standard output, each line flushed. Tables that cannot be right are refused with one line
-// on standard error and emptied, which leaves every state its own label: sound, though nothing is folded. An
-// entry of the labelling tables that would lead outside a state prints one line and ends the process with
-// status 1. Threads: none; one detector serves one search at a time.
+// Diagnostics go to standard output, or to the stream that the owner sets, each line flushed. Tables that
+// cannot be right are refused with one line on standard error and emptied, which leaves every state its own
+// label: sound, though nothing is folded. An entry of the labelling tables that would lead outside a state
+// prints one line and ends the process with status 1.
+//
+// Threads: a detector serves one thread at a time. Detectors share nothing, so that any number of them work
+// side by side if each has a stream of its own for diagnostics and for refusals, and none of them the files
+// of another one (FindMCG with a stream uses no files).
 
 #ifndef SYMFOLD_DETECTOR_SYMMETRY_DETECTION_H
 #define SYMFOLD_DETECTOR_SYMMETRY_DETECTION_H
 
 #include <cstdio>
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "components/host_model.h"
@@ -41,7 +47,13 @@
 
 namespace symfold {
 
+namespace detail {
 class MovePlan;
+class MoveSearch;
+}  // namespace detail
+
+// The entries of partition permutations have 16 bits.
+inline constexpr int kMaxPartitions = 32767;
 
 class SymmetryDetection {
  public:
@@ -56,16 +68,28 @@ class SymmetryDetection {
   SymmetryDetection(const SymmetryDetection&) = delete;
   SymmetryDetection& operator=(const SymmetryDetection&) = delete;
 
+  // Where diagnostics go from now on, std::cout until then; and where the lines about refused input go,
+  // std::cerr until then. Null drops them. The streams must outlive the detector or the next call.
+  void SetDiagnostics(std::ostream* out);
+  void SetRefusals(std::ostream* out);
+
   // --- The model composition graph (detector/graph/) ---
 
   // The whole of the graph and group construction: the steps below, in this order.
   void FindMCG();
-  void InitFindMCG();           // submodel nodes from the file "types": a count, then name and type of each
+  // The same without files: reads from `types` what the file "types" would hold, hands the graph to the
+  // automorphism engine in memory, and writes nothing. PrintMCG and WriteMCGViz may write the graph later.
+  void FindMCG(std::istream& types);
+
+  void InitFindMCG();  // submodel nodes from the file "types": a count, then name and type of each
+  void InitFindMCG(std::istream& types);
   void FindMCG_JoinNodes();     // one node per shared variable of each join
   void FindMCG_PrivateNodes();  // one node per submodel variable bound by a join, and all edges
   void FindMCG_Sort();          // nodes of one type together, types in the order of NodeTypes
   void PrintMCG();              // writes "model_comp_graph", the automorphism engine's input
-  void WriteMCGViz();           // writes "mcg.viz", in the DOT language
+  void PrintMCG(std::ostream& out);
+  void WriteMCGViz();  // writes "mcg.viz", in the DOT language
+  void WriteMCGViz(std::ostream& out);
   void PrintGraphNodes();
   void PrintGraphEdges();
 
@@ -149,9 +173,12 @@ class SymmetryDetection {
 
   // --- The permutation file (detector/permfile/) ---
 
-  // Writes the tables beside `name` and renames; on failure says so on standard error and in PermFileError.
+  // Writes the tables beside `name` and renames. A failure is refused with one line, also in PermFileError.
   void WritePermFile(std::string& name);
-  // Reads a whole file and checks it before any member changes; on failure nothing changes, and one line on
+  // The same text to a stream. Precondition: every permutation has an image for each partition, as after
+  // TrimPermutations.
+  void WriteTables(std::ostream& out);
+  // Reads a whole file and checks it before any member changes. On failure nothing changes, and one line on
   // standard error and in PermFileError says what is wrong and where.
   void ReadPermFile(std::string& name);
 
@@ -200,8 +227,8 @@ class SymmetryDetection {
   // Orbit length of each point of SGSBase under the stabiliser of the points before it: their product is the
   // order of the automorphism group.
   std::vector<int> SGSOrbitLengths;
-  // Whether OrigPermutations generate the whole automorphism group and its tables were made: false where the
-  // graph file could not be searched, or the group is too large.
+  // True if OrigPermutations generate the whole automorphism group and its tables were made. False if the
+  // graph could not be searched, or the group is too large.
   bool HasWholeGroup = false;
   // What the last WritePermFile or ReadPermFile reported; empty after a success.
   std::string PermFileError;
@@ -216,6 +243,14 @@ class SymmetryDetection {
     int count;
   };
 
+  std::ostream& diagnostics() const { return *diagnostics_; }
+  void Refuse(std::string_view message);
+  void MakeGraph();
+  void MakeGroup();
+  void FindAutInMemory();
+  void BeginSearch();
+  void FinishSearch(saucy_struct* search);
+  bool HasWritableTables();
   int FindBaseSlot(int base) const;
   void MovePartitions(const Permutation& permutation, const PartitionLayout& layout);
   void ApplyRecords(const void* state, const ValPerms* records, int record_count, int value,
@@ -227,8 +262,12 @@ class SymmetryDetection {
   void ComposeBestPerm();
   void DropTables();
 
-  // Made by ConvertSTLToStatic where it can express the static tables.
-  std::unique_ptr<MovePlan> plan_;
+  std::unique_ptr<std::ostream> nowhere_;  // a stream without a buffer
+  std::ostream* diagnostics_;
+  std::ostream* refusals_;
+  // Made by ConvertSTLToStatic if they can express the static tables.
+  std::unique_ptr<detail::MovePlan> plan_;
+  std::unique_ptr<detail::MoveSearch> search_;
 };
 
 }  // namespace symfold

@@ -2,23 +2,23 @@
 // index after it is its vertex number everywhere later. The exchanges are fixed, and they do not keep the
 // order of the nodes that give way: A B B A becomes A A B B with the two B exchanged.
 
-#include <iostream>
 #include <numeric>
+#include <ostream>
 #include <utility>
 
-#include "detector/graph/node_names.h"
+#include "detector/graph/graph_names.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
 namespace {
 
-void print_map(const char* title, const std::vector<int>& map) {
+void print_map(std::ostream& out, const char* title, const std::vector<int>& map) {
   std::string line;
   for (const int index : map) {
     line += std::to_string(index);
     line += "  ";
   }
-  std::cout << title << std::endl << line << std::endl;
+  out << title << std::endl << line << std::endl;
 }
 
 }  // namespace
@@ -27,8 +27,8 @@ void print_map(const char* title, const std::vector<int>& map) {
 void SymmetryDetection::FindMCG_Sort() {
   std::vector<int> map(GraphNodes.size());
   std::iota(map.begin(), map.end(), 0);
-  print_map("Map: ", map);
-  const NameIndex types(NodeTypes);
+  print_map(diagnostics(), "Map: ", map);
+  const detail::NameIndex types(NodeTypes);
   std::vector<int> type_of;
   type_of.reserve(GraphNodes.size());
   for (const ModelCompGraphNode& node : GraphNodes) type_of.push_back(types.find(node.Type));
@@ -42,7 +42,7 @@ void SymmetryDetection::FindMCG_Sort() {
       ++position;
     }
   }
-  print_map("Map After: ", map);
+  print_map(diagnostics(), "Map After: ", map);
 }
 
 void SymmetryDetection::SwapNodes(int a, int b) {

@@ -1,12 +1,11 @@
-// The driver of detection, and its first step: the submodel nodes from the file "types".
+// The driver of detection, and its first step: the submodel nodes from the list of submodels.
 
 #include <fstream>
-#include <iostream>
+#include <ostream>
 #include <typeinfo>
 #include <utility>
 
-#include "detector/graph/node_names.h"
-#include "detector/refusal.h"
+#include "detector/graph/graph_names.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -14,15 +13,15 @@ namespace {
 
 constexpr const char* kJoinType = "join";
 
-// The submodel nodes that the file lists; stops at the end of a file that holds fewer than it announces. None
-// when one has the type of the joins: it could be exchanged with a join.
-std::vector<ModelCompGraphNode> read_submodels(std::istream& in, int count) {
+// Returns the submodel nodes that the text lists. Stops at the end of a text that holds fewer than `count`.
+// `refused` becomes the first one that has the type of the joins: it could be exchanged with a join.
+std::vector<ModelCompGraphNode> read_submodels(std::istream& in, int count, std::string& refused) {
   std::vector<ModelCompGraphNode> nodes;
   ModelCompGraphNode node;
   node.PrivateOrJoin = true;
   for (int i = 0; i < count && in >> node.Name >> node.Type; ++i) {
     if (node.Type == kJoinType) {
-      report_refusal("types: expected a submodel type other than \"join\" for " + node.Name);
+      refused = node.Name;
       return {};
     }
     nodes.push_back(node);
@@ -34,16 +33,31 @@ std::vector<ModelCompGraphNode> read_submodels(std::istream& in, int count) {
 
 void SymmetryDetection::FindMCG() {
   InitFindMCG();
+  MakeGraph();
+  PrintMCG();
+  WriteMCGViz();
+  FindMCG_FindAut();
+  MakeGroup();
+}
+
+void SymmetryDetection::FindMCG(std::istream& types) {
+  InitFindMCG(types);
+  MakeGraph();
+  FindAutInMemory();
+  MakeGroup();
+}
+
+void SymmetryDetection::MakeGraph() {
   FindMCG_JoinNodes();
   FindMCG_PrivateNodes();
-  std::cout << "Before sort" << std::endl;
+  diagnostics() << "Before sort" << std::endl;
   PrintGraphNodes();
   FindMCG_Sort();
   PrintGraphNodes();
   PrintGraphEdges();
-  PrintMCG();
-  WriteMCGViz();
-  FindMCG_FindAut();
+}
+
+void SymmetryDetection::MakeGroup() {
   FindMCG_FindSS();
   FindMCG_FindST();
   FindGraphNodeOrder();
@@ -51,23 +65,30 @@ void SymmetryDetection::FindMCG() {
 
 void SymmetryDetection::InitFindMCG() {
   std::ifstream in("types");
-  if (!in) {
-    std::cout << "Error: reading types file" << std::endl;
-  } else {
+  if (!in) diagnostics() << "Error: reading types file" << std::endl;
+  InitFindMCG(in);
+}
+
+void SymmetryDetection::InitFindMCG(std::istream& in) {
+  if (in) {
     int count = 0;
     if (!(in >> count)) count = 0;
-    std::cout << "There are : " << count << " submodels" << std::endl;
-    NameIndex types;
-    for (ModelCompGraphNode& node : read_submodels(in, count)) {
+    diagnostics() << "There are : " << count << " submodels" << std::endl;
+    std::string refused;
+    detail::NameIndex types;
+    for (ModelCompGraphNode& node : read_submodels(in, count, refused)) {
       if (types.append(node.Type)) NodeTypes.push_back(node.Type);
       GraphNodes.push_back(std::move(node));
     }
+    if (!refused.empty()) {
+      Refuse("types: expected a submodel type other than \"join\" for " + refused);
+    }
   }
   NodeTypes.emplace_back(kJoinType);
-  std::cout << "RTTI test: " << std::endl;
+  diagnostics() << "RTTI test: " << std::endl;
   for (int j = 0; j < NumJoins; ++j) {
     const JoinModel& join = *Joins[j];
-    std::cout << "join name: " << join.JoinName << "\tRTTI name: " << typeid(join).name() << std::endl;
+    diagnostics() << "join name: " << join.JoinName << "\tRTTI name: " << typeid(join).name() << std::endl;
   }
 }
 

@@ -1,10 +1,10 @@
 // The partitions by name: in graph-node order (GNOrder) and in state-vector order (SSOrder, the host's).
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 #include <utility>
 
-#include "detector/graph/node_names.h"
+#include "detector/graph/graph_names.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -19,11 +19,11 @@ int index_of(const std::vector<std::string>& names, const std::string& name) {
 
 // A submodel stands at its own position, a join at the position of the first of its nodes.
 void SymmetryDetection::FindGraphNodeOrder() {
-  NameIndex added;
+  detail::NameIndex added;
   for (const ModelCompGraphNode& node : GraphNodes) {
     if (!node.PrivateOrJoin) continue;
-    std::cout << "gn_name: " << node.Name << std::endl;
-    if (has_arrow(node.Name)) {
+    diagnostics() << "gn_name: " << node.Name << std::endl;
+    if (detail::has_arrow(node.Name)) {
       std::string name = GetJoinName(node.Name);
       if (added.append(name)) GNOrder.push_back(std::move(name));
     } else {

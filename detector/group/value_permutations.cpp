@@ -1,21 +1,21 @@
-// The value-permutation table: per base point, the points of its orbit under the whole group, each with the
-// permutations of its path in the Schreier tree. The points are graph-node indices.
+// The value-permutation table: for each base point, the points of its orbit under the whole group, each with
+// the permutations of its path in the Schreier tree. The points are graph-node indices.
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 #include <string>
 
 #include "components/schreier_tree.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
 namespace {
 
-// Of all permutations of the table together: 4 GiB.
+// The images of all permutations of the table together: 4 GiB.
 constexpr std::size_t kMaxImages = std::size_t{1} << 30;
 
-// Of the distinct points, which ascend, the first whose tree makes the table too large; -1 when it fits.
+// The points ascend and are distinct. Returns the first one whose tree makes the table too large, -1 if the
+// table fits.
 int first_point_too_many(SchreierTree& tree, const std::vector<int>& points) {
   std::size_t images = 0;
   for (const int point : points) {
@@ -35,15 +35,15 @@ void SymmetryDetection::FindMCG_FindST() {
   SchreierTree tree;
   tree.n = static_cast<int>(GraphNodes.size());
   tree.SetPerms(SGS);
-  tree.PrintPerms();
+  tree.PrintPerms(diagnostics());
   std::vector<int> points = SGSBase;
   std::erase_if(points, [&](int point) { return point < 0 || point >= tree.GetN(); });
   std::sort(points.begin(), points.end());
   std::vector<int> roots = points;
   roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
   if (const int point = first_point_too_many(tree, roots); point >= 0) {
-    report_refusal("expected a value-permutation table of at most " + std::to_string(kMaxImages) +
-                   " images, got more at base point " + std::to_string(point));
+    Refuse("expected a value-permutation table of at most " + std::to_string(kMaxImages) +
+           " images, got more at base point " + std::to_string(point));
     HasWholeGroup = false;
     return;
   }
@@ -56,10 +56,10 @@ void SymmetryDetection::FindMCG_FindST() {
 }
 
 void SymmetryDetection::PrintPermutations() {
-  std::cout << "All VPerms" << std::endl;
+  diagnostics() << "All VPerms" << std::endl;
   for (const int base : Bases) {
-    std::cout << "Base: " << base << std::endl;
-    for (const ValPerms& record : VPerms[base]) std::cout << record << std::endl;
+    diagnostics() << "Base: " << base << std::endl;
+    for (const ValPerms& record : VPerms[base]) diagnostics() << record << std::endl;
   }
 }
 

@@ -6,10 +6,9 @@
 // over the state, and an entry that leads outside the state ends the process. Nothing is allocated on either.
 
 #include <algorithm>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
+#include <ostream>
 
 #include "detector/labelling/move_plan.h"
 #include "detector/symmetry_detection.h"
@@ -21,7 +20,7 @@ int SymmetryDetection::FindBaseSlot(int base) const {
   for (int i = num_bases; i-- > 0;) {
     if (static_bases[i] == base) return i;
   }
-  std::cout << "Base index not found." << std::endl;
+  diagnostics() << "Base index not found." << std::endl;
   std::exit(1);
 }
 
@@ -55,20 +54,20 @@ void SymmetryDetection::FindCanonicalLabel(void* state, void* out, short* perm) 
 // search step by step, with its checks. So does whoever asks for more partitions than a short can number.
 bool SymmetryDetection::PlanApplies() const {
   return plan_ != nullptr && plan_->state_size() == TotalStateSize &&
-         plan_->partition_count() == num_partitions && num_partitions <= SHRT_MAX &&
+         plan_->partition_count() == num_partitions && num_partitions <= kMaxPartitions &&
          std::equal(Bases.begin(), Bases.end(), static_bases, static_bases + num_bases);
 }
 
 void SymmetryDetection::SearchByPlan(const void* state, bool composes) {
-  plan_->start(static_cast<const unsigned char*>(state));
+  search_->start(static_cast<const unsigned char*>(state));
   for (int i = 0; i < num_bases; ++i) {
-    af_choice[i] = plan_->advance(static_cast<std::size_t>(i));
+    af_choice[i] = search_->advance(static_cast<std::size_t>(i));
     if (!composes || af_choice[i] < 0) continue;
     FindLastPermutation(i);
     ComposeBestPerm();
   }
-  std::memcpy(af_current_state, plan_->current(), static_cast<std::size_t>(TotalStateSize));
-  std::memcpy(af_best_state, plan_->current(), static_cast<std::size_t>(TotalStateSize));
+  std::memcpy(af_current_state, search_->current(), static_cast<std::size_t>(TotalStateSize));
+  std::memcpy(af_best_state, search_->current(), static_cast<std::size_t>(TotalStateSize));
 }
 
 void SymmetryDetection::SearchStepByStep(const void* state, bool composes) {
@@ -111,8 +110,8 @@ void SymmetryDetection::ComposeBestPerm() {
   for (int c = 0; c < num_partitions; ++c) {
     const short t = af_temp_best_perm[c];
     if (t < 0 || t >= num_partitions) {
-      std::cout << "af_temp_best_perm out of range: " << static_cast<const void*>(af_temp_best_perm)
-                << std::endl;
+      diagnostics() << "af_temp_best_perm out of range: " << static_cast<const void*>(af_temp_best_perm)
+                    << std::endl;
       std::exit(1);
     }
     af_perm_scratch[t] = af_best_perm[c];

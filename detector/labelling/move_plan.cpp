@@ -37,12 +37,9 @@
 #include <map>
 #include <numeric>
 
-#include "detector/partitions/bijection.h"
-
-namespace symfold {
+namespace symfold::detail {
 namespace {
 
-constexpr std::size_t kMaxBytes = std::size_t{1} << 30;
 constexpr std::int64_t kMaxStateBytes = std::int64_t{1} << 27;
 constexpr int kWord = 8;           // bytes compared at once
 constexpr std::size_t kRoom = 16;  // bytes copied at once
@@ -68,7 +65,7 @@ bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
 }
 
 bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes) {
-  if (permutation.GetN() != static_cast<int>(sizes.size()) || !is_bijection(permutation)) return false;
+  if (permutation.GetN() != static_cast<int>(sizes.size()) || !permutation.IsPermutation()) return false;
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     if (sizes[c] != sizes[static_cast<std::size_t>(permutation.GetP()[c])]) return false;
   }
@@ -78,12 +75,13 @@ bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes) {
 }  // namespace
 
 std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPerms>>& records_of_base,
-                                         std::span<const int> sizes, std::span<const int> offsets) {
+                                         std::span<const int> sizes, std::span<const int> offsets,
+                                         std::size_t max_bytes) {
   if (!is_tiling(sizes, offsets)) return nullptr;
   std::unique_ptr<MovePlan> plan(
       new MovePlan(std::accumulate(sizes.begin(), sizes.end(), 0), static_cast<int>(sizes.size())));
   for (const std::span<const ValPerms> records : records_of_base) {
-    if (!plan->add_step(records, sizes, offsets)) return nullptr;
+    if (!plan->add_step(records, sizes, offsets, max_bytes)) return nullptr;
   }
   plan->pieces_.shrink_to_fit();
   return plan;
@@ -91,18 +89,14 @@ std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPe
 
 MovePlan::MovePlan(int state_size, int partition_count)
     : state_size_(state_size), partition_count_(partition_count) {
-  const std::size_t stride = static_cast<std::size_t>(state_size) + 2 * kRoom;
   first_of_step_.push_back(0);
   pieces_.push_back({state_size, 0});
   staying_ = {0, state_size, 0, 0, 0, 0, -1};
-  buffers_.resize(2 * stride);
-  current_ = buffers_.data() + kRoom;
-  next_ = current_ + stride;
 }
 
 // All records of a value act together, so only the first of them is a move of its own.
 bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> sizes,
-                        std::span<const int> offsets) {
+                        std::span<const int> offsets, std::size_t max_bytes) {
   std::map<int, std::vector<std::size_t>> records_of_value;
   for (std::size_t j = 0; j < records.size(); ++j) records_of_value[records[j].Value].push_back(j);
   std::vector<int> sources(sizes.size());
@@ -121,7 +115,7 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
       }
     }
     add_move(static_cast<int>(j), sources, sizes, offsets);
-    if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > kMaxBytes) return false;
+    if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > max_bytes) return false;
   }
   first_of_step_.push_back(moves_.size());
   return true;
@@ -152,34 +146,42 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
                     static_cast<std::uint32_t>(first_piece), record});
 }
 
-void MovePlan::start(const unsigned char* state) {
-  std::memcpy(current_, state, static_cast<std::size_t>(state_size_));
+MoveSearch::MoveSearch(const MovePlan& plan) : plan_(plan) {
+  const std::size_t stride = static_cast<std::size_t>(plan.state_size()) + 2 * kRoom;
+  buffers_.resize(2 * stride);
+  current_ = buffers_.data() + kRoom;
+  next_ = current_ + stride;
 }
 
-inline std::uint64_t MovePlan::head_of(const Move& move) const {
+void MoveSearch::start(const unsigned char* state) {
+  std::memcpy(current_, state, static_cast<std::size_t>(plan_.state_size_));
+}
+
+inline std::uint64_t MoveSearch::head_of(const Move& move) const {
   const unsigned char* at = current_ + move.first_byte;
   const std::uint64_t first = load_word(at + move.first_shift) & move.first_mask;
   const std::uint64_t second = load_word(at + move.second_shift) & ~move.first_mask;
   return first | second;
 }
 
-int MovePlan::advance(std::size_t step) {
-  const Move* best = &staying_;
+int MoveSearch::advance(std::size_t step) {
+  const Move* const staying = &plan_.staying_;
+  const Move* best = staying;
   std::uint64_t best_head = 0;
-  for (std::size_t m = first_of_step_[step]; m < first_of_step_[step + 1]; ++m) {
-    const Move& move = moves_[m];
-    const std::uint64_t head = head_of(move);
-    if (!beats(move, head, *best, best_head)) continue;
-    best = &move;
+  const Move* const end = plan_.moves_.data() + plan_.first_of_step_[step + 1];
+  for (const Move* move = plan_.moves_.data() + plan_.first_of_step_[step]; move != end; ++move) {
+    const std::uint64_t head = head_of(*move);
+    if (!beats(*move, head, *best, best_head)) continue;
+    best = move;
     best_head = head;
   }
-  if (best != &staying_) apply(*best);
+  if (best != staying) apply(*best);
   return best->record;
 }
 
 // Whether the image is larger than the best one so far. Where the best begins earlier, heads say nothing.
-inline bool MovePlan::beats(const Move& move, std::uint64_t head, const Move& best,
-                            std::uint64_t best_head) const {
+inline bool MoveSearch::beats(const Move& move, std::uint64_t head, const Move& best,
+                              std::uint64_t best_head) const {
   if (move.first_byte <= best.first_byte) {
     const int lead = best.first_byte - move.first_byte;
     const std::uint64_t rival = lead == 0 ? best_head : load_word(current_ + move.first_byte);
@@ -191,13 +193,14 @@ inline bool MovePlan::beats(const Move& move, std::uint64_t head, const Move& be
 }
 
 // The same for images that are equal before `position`.
-bool MovePlan::is_larger(const Move& move, const Move& best, int position) const {
-  if (position == state_size_) return false;
-  const Piece* a = &pieces_[move.first_piece];
-  const Piece* b = &pieces_[best.first_piece];
+bool MoveSearch::is_larger(const Move& move, const Move& best, int position) const {
+  const int state_size = plan_.state_size_;
+  if (position == state_size) return false;
+  const Piece* a = &plan_.pieces_[move.first_piece];
+  const Piece* b = &plan_.pieces_[best.first_piece];
   while (a->end <= position) ++a;
   while (b->end <= position) ++b;
-  while (position < state_size_) {
+  while (position < state_size) {
     const int end = std::min(a->end, b->end);
     if (a->shift != b->shift) {
       for (; position < end; position += kWord) {
@@ -214,9 +217,9 @@ bool MovePlan::is_larger(const Move& move, const Move& best, int position) const
   return false;
 }
 
-void MovePlan::apply(const Move& move) {
-  const Piece* piece = &pieces_[move.first_piece];
-  for (int position = 0; position < state_size_; ++piece) {
+void MoveSearch::apply(const Move& move) {
+  const Piece* piece = &plan_.pieces_[move.first_piece];
+  for (int position = 0; position < plan_.state_size_; ++piece) {
     for (; position < piece->end; position += static_cast<int>(kRoom)) {
       std::memcpy(next_ + position, current_ + position + piece->shift, kRoom);
     }
@@ -225,4 +228,4 @@ void MovePlan::apply(const Move& move) {
   std::swap(current_, next_);
 }
 
-}  // namespace symfold
+}  // namespace symfold::detail

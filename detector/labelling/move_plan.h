@@ -1,8 +1,9 @@
-// The label search over a table of moves: which image of the current state is the largest, base by base,
-// without making the images.
+// The greedy label search over a table of moves: which image of the current state is the largest, base by
+// base, without making the images.
 //
-// A plan is made once from tables whose permutations are bijections between partitions of equal size, and
-// then labels any number of states. It gives the same states and the same choices as the search step by step.
+// A plan is made once from tables whose permutations are bijections between partitions of equal size. Any
+// number of searches then share it, each on a thread of its own. A search by the plan has the same states and
+// the same choices as the search step by step.
 
 #ifndef SYMFOLD_DETECTOR_LABELLING_MOVE_PLAN_H
 #define SYMFOLD_DETECTOR_LABELLING_MOVE_PLAN_H
@@ -15,31 +16,25 @@
 
 #include "components/permutation.h"
 
-namespace symfold {
+namespace symfold::detail {
 
 class MovePlan {
  public:
-  // The plan for the records of each base, in base order, and partitions of these sizes and offsets in bytes.
-  // None where the partitions do not follow each other without gaps, where a permutation is no bijection
-  // between partitions of equal size, where a state has more than 128 MiB or the plan would take more than
-  // 1 GiB. Linear in the tables, but for the sorting of each base's values.
+  // A plan for the records of each base, in base order, and partitions of these sizes and offsets in bytes.
+  // Returns null if the partitions do not follow each other without gaps, if a permutation is no bijection
+  // between partitions of equal size, if a state has more than 128 MiB or if the plan would take more than
+  // `max_bytes`. Linear in the tables, but for the sorting of each base's values.
   static std::unique_ptr<MovePlan> make(const std::vector<std::span<const ValPerms>>& records_of_base,
-                                        std::span<const int> sizes, std::span<const int> offsets);
+                                        std::span<const int> sizes, std::span<const int> offsets,
+                                        std::size_t max_bytes);
 
   int state_size() const { return state_size_; }  // bytes
   int partition_count() const { return partition_count_; }
-
-  // Makes `state` the current state.
-  void start(const unsigned char* state);
-
-  // Replaces the current state by its largest image under the moves of base `step`, and returns the index of
-  // the first record that gives it; -1 where no image is larger. Allocates nothing.
-  int advance(std::size_t step);
-
-  // state_size() bytes, valid until the next call.
-  const unsigned char* current() const { return current_; }
+  std::size_t step_count() const { return first_of_step_.size() - 1; }  // bases
 
  private:
+  friend class MoveSearch;
+
   // Up to byte `end` of the image, byte b comes from byte b + shift.
   struct Piece {
     int end;
@@ -58,25 +53,52 @@ class MovePlan {
   };
 
   MovePlan(int state_size, int partition_count);
-  bool add_step(std::span<const ValPerms> records, std::span<const int> sizes, std::span<const int> offsets);
+  bool add_step(std::span<const ValPerms> records, std::span<const int> sizes, std::span<const int> offsets,
+                std::size_t max_bytes);
   void add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
                 std::span<const int> offsets);
-  std::uint64_t head_of(const Move& move) const;
-  bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
-  bool is_larger(const Move& move, const Move& best, int position) const;
-  void apply(const Move& move);
 
   int state_size_;
   int partition_count_;
   Move staying_;                            // moves nothing
   std::vector<Piece> pieces_;               // move after move, each up to the end of the state
   std::vector<Move> moves_;                 // base after base
-  std::vector<std::size_t> first_of_step_;  // per base, its first move; at the end their number
-  std::vector<unsigned char> buffers_;      // the current state and the next one, with room around each
+  std::vector<std::size_t> first_of_step_;  // for each base its first move; at the end their number
+};
+
+// One search at a time.
+class MoveSearch {
+ public:
+  // The plan must outlive the search.
+  explicit MoveSearch(const MovePlan& plan);
+  MoveSearch(const MoveSearch&) = delete;
+  MoveSearch& operator=(const MoveSearch&) = delete;
+
+  // Makes `state` the current state.
+  void start(const unsigned char* state);
+
+  // Replaces the current state by its largest image under the moves of base `step`. Returns the index of the
+  // first record that makes it, or -1 if no image is larger. Allocates nothing.
+  int advance(std::size_t step);
+
+  // state_size() bytes, valid until the next call.
+  const unsigned char* current() const { return current_; }
+
+ private:
+  using Piece = MovePlan::Piece;
+  using Move = MovePlan::Move;
+
+  std::uint64_t head_of(const Move& move) const;
+  bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
+  bool is_larger(const Move& move, const Move& best, int position) const;
+  void apply(const Move& move);
+
+  const MovePlan& plan_;
+  std::vector<unsigned char> buffers_;  // the current state and the next one, with room around each
   unsigned char* current_;
   unsigned char* next_;
 };
 
-}  // namespace symfold
+}  // namespace symfold::detail
 
 #endif  // SYMFOLD_DETECTOR_LABELLING_MOVE_PLAN_H

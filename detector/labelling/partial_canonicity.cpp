@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iostream>
+#include <ostream>
 
 #include "detector/partitions/byte_sizes.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -25,11 +24,11 @@ int SymmetryDetection::FindNewState(void* state, int base, int value, void* out)
 bool SymmetryDetection::IsPartiallyCanonical(int k, void* state) {
   const auto partition = static_cast<std::size_t>(k);
   if (k < 0 || partition >= std::min(PartitionInfo.size(), CumPartitionInfo.size())) {
-    report_refusal("IsPartiallyCanonical: expected a partition, got " + std::to_string(k));
+    Refuse("IsPartiallyCanonical: expected a partition, got " + std::to_string(k));
     return true;
   }
   const int num_bytes = add_bytes(PartitionInfo[partition], CumPartitionInfo[partition]);
-  std::cout << "num_bytes: " << num_bytes << std::endl;
+  diagnostics() << "num_bytes: " << num_bytes << std::endl;
   const auto state_size = static_cast<std::size_t>(TotalStateSize);
   const auto prefix = static_cast<std::size_t>(std::clamp(num_bytes, 0, TotalStateSize));
   std::memcpy(af_current_state, state, state_size);
@@ -60,8 +59,8 @@ void SymmetryDetection::FindK(void* state, std::vector<int>& partitions, std::ve
     const bool is_partition = partition >= 0 && static_cast<std::size_t>(partition) < CumPartitionInfo.size();
     const int offset = is_partition ? CumPartitionInfo[static_cast<std::size_t>(partition)] : -1;
     if (n >= 0 && offset >= 0 && n <= TotalStateSize && offset <= TotalStateSize - n) continue;
-    report_refusal("FindK: expected a partition with " + std::to_string(n) + " bytes from its start, got " +
-                   std::to_string(partition));
+    Refuse("FindK: expected a partition with " + std::to_string(n) + " bytes from its start, got " +
+           std::to_string(partition));
     result.push_back(-1);
     return;
   }
@@ -75,13 +74,13 @@ void SymmetryDetection::FindK(void* state, std::vector<int>& partitions, std::ve
       std::copy_n(start(partition), size, largest.begin());
     }
   }
-  std::cout << "Largest state: ";
+  diagnostics() << "Largest state: ";
   PrintState(largest.data(), n);
   const auto found = std::find_if(partitions.begin(), partitions.end(), [&](int partition) {
     return std::memcmp(start(partition), largest.data(), size) == 0;
   });
   const int k = found == partitions.end() ? -1 : static_cast<int>(found - partitions.begin());
-  std::cout << "SmallestK: " << k << std::endl;
+  diagnostics() << "SmallestK: " << k << std::endl;
   result.push_back(k);
 }
 

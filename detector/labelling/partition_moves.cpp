@@ -6,15 +6,15 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
+#include <ostream>
 
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
 namespace {
 
-[[noreturn]] void fail_move(int entry) {
-  std::cout << "ERROR: moveToIndex: " << entry << std::endl;
+[[noreturn]] void fail_move(int entry, std::ostream& diagnostics) {
+  diagnostics << "ERROR: moveToIndex: " << entry << std::endl;
   std::exit(1);
 }
 
@@ -29,10 +29,10 @@ bool fits(int offset, int size, int state_size) {
 void SymmetryDetection::MovePartitions(const Permutation& permutation, const PartitionLayout& layout) {
   for (int c = 0; c < num_partitions; ++c) {
     const int d = permutation.GetIth(c);
-    if (d < 0 || d >= num_partitions || c >= layout.count || d >= layout.count) fail_move(d);
+    if (d < 0 || d >= num_partitions || c >= layout.count || d >= layout.count) fail_move(d, diagnostics());
     const int size = layout.sizes[c];
     if (!fits(layout.offsets[c], size, TotalStateSize) || !fits(layout.offsets[d], size, TotalStateSize)) {
-      fail_move(d);
+      fail_move(d, diagnostics());
     }
     std::memcpy(af_state_scratch_b + layout.offsets[d], af_state_scratch_a + layout.offsets[c],
                 static_cast<std::size_t>(size));

@@ -1,6 +1,6 @@
 // States for a person: every second byte, "|" where a partition starts.
 
-#include <iostream>
+#include <ostream>
 
 #include "detector/symmetry_detection.h"
 
@@ -25,8 +25,9 @@ void walk_state(const void* state, int n, const std::vector<int>& starts, Bar ba
 
 void SymmetryDetection::PrintState(void* state, int n) {
   walk_state(
-      state, n, StaticCumPartitionInfo, [] { std::cout << "|"; }, [](unsigned byte) { std::cout << byte; });
-  std::cout << std::endl;
+      state, n, StaticCumPartitionInfo, [this] { diagnostics() << "|"; },
+      [this](unsigned byte) { diagnostics() << byte; });
+  diagnostics() << std::endl;
 }
 
 void SymmetryDetection::WriteState(void* state, int n, FILE* file) {

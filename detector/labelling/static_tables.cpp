@@ -1,22 +1,27 @@
 // The labelling tables as plain arrays: a snapshot of Bases, VPerms and the partition table.
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 
 #include "detector/labelling/move_plan.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
+namespace {
+
+// A larger plan is not made: labels are then found step by step.
+constexpr std::size_t kMaxPlanBytes = std::size_t{1} << 30;
+
+}  // namespace
 
 // The orbit buffers hold num_partitions values, or as many as the longest list where that is longer: repeated
 // values can make it so.
 void SymmetryDetection::ConvertSTLToStatic() {
   const auto partition_count = static_cast<std::size_t>(std::max(num_partitions, 0));
   if (PartitionInfo.size() < partition_count || CumPartitionInfo.size() < partition_count) {
-    report_refusal("num_partitions: expected at most the number of partitions, " +
-                   std::to_string(std::min(PartitionInfo.size(), CumPartitionInfo.size())) + ", got " +
-                   std::to_string(num_partitions));
+    Refuse("num_partitions: expected at most the number of partitions, " +
+           std::to_string(std::min(PartitionInfo.size(), CumPartitionInfo.size())) + ", got " +
+           std::to_string(num_partitions));
     return;
   }
   num_bases = static_cast<int>(Bases.size());
@@ -45,25 +50,27 @@ void SymmetryDetection::ConvertSTLToStatic() {
     const int slot = FindBaseSlot(static_bases[i]);
     records_of_base.emplace_back(static_vperms[slot], static_cast<std::size_t>(static_num_vperms[slot]));
   }
-  plan_ = MovePlan::make(records_of_base, {static_partition_sizes, partition_count},
-                         {static_partition_offsets, partition_count});
+  plan_ = detail::MovePlan::make(records_of_base, {static_partition_sizes, partition_count},
+                                 {static_partition_offsets, partition_count}, kMaxPlanBytes);
+  if (plan_ != nullptr) search_ = std::make_unique<detail::MoveSearch>(*plan_);
 }
 
 void SymmetryDetection::PrintStaticMembers() {
-  std::cout << "Bases: " << std::endl;
-  for (int i = 0; i < num_bases; ++i) std::cout << "  " << static_bases[i] << std::endl;
-  std::cout << "There are: " << num_partitions << " Partitions" << std::endl;
-  std::cout << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
+  diagnostics() << "Bases: " << std::endl;
+  for (int i = 0; i < num_bases; ++i) diagnostics() << "  " << static_bases[i] << std::endl;
+  diagnostics() << "There are: " << num_partitions << " Partitions" << std::endl;
+  diagnostics() << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
   for (int i = 0; i < num_partitions && static_partition_sizes != nullptr; ++i) {
-    std::cout << static_partition_sizes[i] << "\t" << static_partition_offsets[i] << std::endl;
+    diagnostics() << static_partition_sizes[i] << "\t" << static_partition_offsets[i] << std::endl;
   }
-  std::cout << "Permutation Information: " << std::endl;
+  diagnostics() << "Permutation Information: " << std::endl;
   for (int i = 0; i < num_bases; ++i) {
-    std::cout << "  Base: " << static_bases[i] << " has " << static_num_vperms[i] << " ValPerms" << std::endl;
+    diagnostics() << "  Base: " << static_bases[i] << " has " << static_num_vperms[i] << " ValPerms"
+                  << std::endl;
     for (int j = 0; j < static_num_vperms[i]; ++j) {
-      std::cout << "    Value: " << static_vperms[i][j].Value << std::endl;
+      diagnostics() << "    Value: " << static_vperms[i][j].Value << std::endl;
       for (const Permutation& permutation : static_vperms[i][j].Perms) {
-        std::cout << "      " << permutation << std::endl;
+        diagnostics() << "      " << permutation << std::endl;
       }
     }
   }
@@ -79,6 +86,7 @@ void SymmetryDetection::CleanStaticMembers() {
     *array = nullptr;
   }
   num_bases = 0;
+  search_.reset();
   plan_.reset();
 }
 

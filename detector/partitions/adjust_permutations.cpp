@@ -8,13 +8,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <iostream>
 #include <numeric>
+#include <ostream>
 #include <utility>
 
-#include "detector/graph/node_names.h"
+#include "detector/graph/graph_names.h"
 #include "detector/partitions/byte_sizes.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -24,19 +23,19 @@ namespace {
 class Renaming {
  public:
   Renaming(const std::vector<std::string>& from, const std::vector<std::string>& to) : scratch_(from.size()) {
-    const NameIndex index(to);
+    const detail::NameIndex index(to);
     image_.reserve(from.size());
     for (const std::string& name : from) image_.push_back(index.find(name));
   }
 
   int operator()(int point) const { return has(point) ? image_[static_cast<std::size_t>(point)] : -1; }
 
-  void conjugate(Permutation& permutation) {
+  void conjugate(Permutation& permutation, std::ostream& diagnostics) {
     const int n = static_cast<int>(image_.size());
     std::iota(scratch_.begin(), scratch_.end(), 0);
     for (int i = 0; i < n; ++i) {
       const int image = permutation[i];
-      if (image >= n) std::cout << "p_it too big: " << image << std::endl;
+      if (image >= n) diagnostics << "p_it too big: " << image << std::endl;
       const int source = (*this)(i);
       const int target = (*this)(image);
       if (has(source) && has(target)) scratch_[static_cast<std::size_t>(source)] = target;
@@ -44,9 +43,9 @@ class Renaming {
     permutation = Permutation(n, scratch_.data());
   }
 
-  void rename(ValPerms& record) {
+  void rename(ValPerms& record, std::ostream& diagnostics) {
     record.Value = (*this)(record.Value);
-    for (Permutation& permutation : record.Perms) conjugate(permutation);
+    for (Permutation& permutation : record.Perms) conjugate(permutation, diagnostics);
   }
 
  private:
@@ -59,18 +58,18 @@ class Renaming {
 }  // namespace
 
 void SymmetryDetection::AdjustPermutations() {
-  std::cout << "ADJUST PERMUTATIONS" << std::endl << "SS Order\tGraphNode Order: " << std::endl;
+  diagnostics() << "ADJUST PERMUTATIONS" << std::endl << "SS Order\tGraphNode Order: " << std::endl;
   if (SSOrder.size() == GNOrder.size()) {
-    std::cout << "Size: " << SSOrder.size() << std::endl;
+    diagnostics() << "Size: " << SSOrder.size() << std::endl;
   } else {
-    std::cout << "ERROR: Sizes differ" << std::endl;
-    std::cout << "SSOrder: " << SSOrder.size() << "  GNORder: " << GNOrder.size() << std::endl;
+    diagnostics() << "ERROR: Sizes differ" << std::endl;
+    diagnostics() << "SSOrder: " << SSOrder.size() << "  GNORder: " << GNOrder.size() << std::endl;
   }
   for (std::size_t i = 0; i < std::min(SSOrder.size(), GNOrder.size()); ++i) {
-    std::cout << "  " << SSOrder[i] << "\t\t\t" << GNOrder[i] << std::endl;
+    diagnostics() << "  " << SSOrder[i] << "\t\t\t" << GNOrder[i] << std::endl;
   }
-  std::cout << "PermSize: " << GNOrder.size() << std::endl;
-  std::cout << "=====================" << std::endl << "Before Permutations: " << std::endl;
+  diagnostics() << "PermSize: " << GNOrder.size() << std::endl;
+  diagnostics() << "=====================" << std::endl << "Before Permutations: " << std::endl;
   PrintPermutations();
 
   Renaming renaming(GNOrder, SSOrder);
@@ -78,32 +77,32 @@ void SymmetryDetection::AdjustPermutations() {
   std::vector<std::vector<ValPerms>> new_vperms;
   for (auto& [base, records] : VPerms) {
     new_bases.push_back(renaming(base));
-    for (ValPerms& record : records) renaming.rename(record);
+    for (ValPerms& record : records) renaming.rename(record, diagnostics());
     new_vperms.push_back(std::move(records));
   }
-  std::cout << "new_bases: " << std::endl;
-  for (const int base : new_bases) std::cout << "\tbase: " << base << std::endl;
-  std::cout << "new vperms: " << std::endl;
+  diagnostics() << "new_bases: " << std::endl;
+  for (const int base : new_bases) diagnostics() << "\tbase: " << base << std::endl;
+  diagnostics() << "new vperms: " << std::endl;
   for (const auto& records : new_vperms) {
-    for (const ValPerms& record : records) std::cout << record << std::endl;
+    for (const ValPerms& record : records) diagnostics() << record << std::endl;
   }
   VPerms.clear();
   for (std::size_t r = 0; r < new_bases.size(); ++r) VPerms[new_bases[r]] = std::move(new_vperms[r]);
   Bases = std::move(new_bases);
-  std::cout << "=====================" << std::endl << "After Adjustment" << std::endl;
+  diagnostics() << "=====================" << std::endl << "After Adjustment" << std::endl;
   PrintPermutations();
 }
 
 void SymmetryDetection::AdjustPartitionInfo() {
-  std::cout << "Old Partition Info: " << std::endl;
+  diagnostics() << "Old Partition Info: " << std::endl;
   PrintPartitionInfo();
-  const NameIndex graph_order(GNOrder);
+  const detail::NameIndex graph_order(GNOrder);
   std::vector<int> sizes;
   for (const std::string& name : SSOrder) {
-    std::cout << "SSOrder: " << name << std::endl;
+    diagnostics() << "SSOrder: " << name << std::endl;
     const int g = graph_order.find(name);
     if (g == -1) {
-      std::cout << "index == -1" << std::endl;
+      diagnostics() << "index == -1" << std::endl;
       std::exit(1);
     }
     if (static_cast<std::size_t>(g) < PartitionInfo.size()) {
@@ -120,10 +119,10 @@ void SymmetryDetection::AdjustPartitionInfo() {
     }
     StaticCumPartitionInfo = CumPartitionInfo;
   } else if (!PartitionInfo.empty()) {
-    report_refusal("expected as many partitions as names in SSOrder (" + std::to_string(SSOrder.size()) +
-                   "), got " + std::to_string(PartitionInfo.size()));
+    Refuse("expected as many partitions as names in SSOrder (" + std::to_string(SSOrder.size()) + "), got " +
+           std::to_string(PartitionInfo.size()));
   }
-  std::cout << "New partition Info: " << std::endl;
+  diagnostics() << "New partition Info: " << std::endl;
   PrintPartitionInfo();
 }
 

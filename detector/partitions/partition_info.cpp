@@ -1,10 +1,10 @@
 // The partition table: byte size and offset of every partition of the state vector, in graph-node order.
 
 #include <algorithm>
-#include <iostream>
 #include <map>
+#include <ostream>
 
-#include "detector/graph/node_names.h"
+#include "detector/graph/graph_names.h"
 #include "detector/partitions/byte_sizes.h"
 #include "detector/symmetry_detection.h"
 
@@ -17,8 +17,8 @@ std::vector<int> bytes_from_here_on(const std::vector<ModelCompGraphNode>& nodes
   std::map<std::string_view, int> join_bytes;
   std::vector<int> bytes(nodes.size(), 0);
   for (std::size_t i = nodes.size(); i-- > 0;) {
-    if (!has_arrow(nodes[i].Name)) continue;
-    int& total = join_bytes[join_name(nodes[i].Name)];
+    if (!detail::has_arrow(nodes[i].Name)) continue;
+    int& total = join_bytes[detail::join_name(nodes[i].Name)];
     total = add_bytes(total, nodes[i].StateSize);
     bytes[i] = total;
   }
@@ -36,33 +36,33 @@ void SymmetryDetection::CreatePartitionInfo() {
     offset = add_bytes(offset, size);
   };
   const std::vector<int> join_bytes = bytes_from_here_on(GraphNodes);
-  NameIndex handled;
+  detail::NameIndex handled;
   for (std::size_t i = 0; i < GraphNodes.size(); ++i) {
     const ModelCompGraphNode& node = GraphNodes[i];
     if (!node.PrivateOrJoin) continue;
-    std::cout << "gn_name: " << node.Name << std::endl;
-    if (!has_arrow(node.Name)) {
-      std::cout << "atomic_model_name: " << node.Name << std::endl;
+    diagnostics() << "gn_name: " << node.Name << std::endl;
+    if (!detail::has_arrow(node.Name)) {
+      diagnostics() << "atomic_model_name: " << node.Name << std::endl;
       append_partition(node.StateSize);
     } else if (const std::string join = GetJoinName(node.Name); handled.append(join)) {
-      std::cout << "join_model_name: " << join << std::endl;
+      diagnostics() << "join_model_name: " << join << std::endl;
       append_partition(join_bytes[i]);
     }
   }
-  std::cout << "AFTER CREATE: " << std::endl;
+  diagnostics() << "AFTER CREATE: " << std::endl;
   PrintPartitionInfo();
 }
 
 void SymmetryDetection::PrintPartitionInfo() {
-  std::cout << "There are " << PartitionInfo.size() << " Partitions" << std::endl;
-  std::cout << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
+  diagnostics() << "There are " << PartitionInfo.size() << " Partitions" << std::endl;
+  diagnostics() << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
   const std::size_t rows =
       std::min({PartitionInfo.size(), CumPartitionInfo.size(), StaticCumPartitionInfo.size()});
   for (std::size_t k = 0; k < rows; ++k) {
-    std::cout << PartitionInfo[k] << "\t" << CumPartitionInfo[k] << "\t" << StaticCumPartitionInfo[k]
-              << std::endl;
+    diagnostics() << PartitionInfo[k] << "\t" << CumPartitionInfo[k] << "\t" << StaticCumPartitionInfo[k]
+                  << std::endl;
   }
-  std::cout << std::endl;
+  diagnostics() << std::endl;
 }
 
 }  // namespace symfold

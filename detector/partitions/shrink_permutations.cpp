@@ -9,11 +9,10 @@
 // A table that is not of this form (a base or an orbit point that is no real node, a permutation that moves
 // real nodes elsewhere or keeps another number of images) is refused.
 
-#include <iostream>
+#include <ostream>
 #include <utility>
 
-#include "detector/graph/node_names.h"
-#include "detector/refusal.h"
+#include "detector/graph/graph_names.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -21,13 +20,13 @@ namespace {
 
 // Prints the names of the real nodes and returns their map; a real node behind other nodes has no entry.
 std::vector<int> make_shrink_map(const std::vector<ModelCompGraphNode>& nodes, std::size_t real_count,
-                                 int& position_count) {
+                                 int& position_count, std::ostream& diagnostics) {
   std::vector<int> map(real_count, -1);
-  NameIndex joins;
+  detail::NameIndex joins;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     if (!nodes[i].PrivateOrJoin) continue;
-    std::cout << "  " << nodes[i].Name << std::endl;
-    const std::string join(join_name(nodes[i].Name));
+    diagnostics << "  " << nodes[i].Name << std::endl;
+    const std::string join(detail::join_name(nodes[i].Name));
     if (!join.empty() && !joins.append(join)) continue;
     if (i < real_count) map[i] = position_count;
     ++position_count;
@@ -46,8 +45,8 @@ std::string blank_separated(const std::vector<int>& numbers) {
 
 class Shrinker {
  public:
-  Shrinker(std::vector<int> map, std::size_t partition_count)
-      : map_(std::move(map)), partition_count_(partition_count) {}
+  Shrinker(std::vector<int> map, std::size_t partition_count, std::ostream& diagnostics)
+      : map_(std::move(map)), partition_count_(partition_count), diagnostics_(diagnostics) {}
 
   bool has(int node) const { return node >= 0 && static_cast<std::size_t>(node) < map_.size(); }
   int operator[](int node) const { return map_[static_cast<std::size_t>(node)]; }
@@ -61,7 +60,7 @@ class Shrinker {
       if ((*this)[image] != -1) kept_.push_back((*this)[image]);
     }
     if (kept_.size() != partition_count_) return false;
-    if (std::cout) print_kept();
+    if (diagnostics_) print_kept();
     permutation = Permutation(static_cast<int>(kept_.size()), kept_.data());
     return true;
   }
@@ -70,7 +69,7 @@ class Shrinker {
   bool shrink(ValPerms& record) {
     if (!has(record.Value)) return false;
     const int position = (*this)[record.Value];
-    std::cout << "  Val: " << record.Value << "  map[Val]: " << position << std::endl;
+    diagnostics_ << "  Val: " << record.Value << "  map[Val]: " << position << std::endl;
     record.Value = position;
     for (Permutation& permutation : record.Perms) {
       if (!shrink(permutation)) return false;
@@ -82,11 +81,14 @@ class Shrinker {
   // The kept images and the new permutation, which are the same numbers.
   void print_kept() const {
     const std::string images = blank_separated(kept_);
-    std::cout << "   " << images << std::endl << "   " << images << std::endl << "=============" << std::endl;
+    diagnostics_ << "   " << images << std::endl
+                 << "   " << images << std::endl
+                 << "=============" << std::endl;
   }
 
   std::vector<int> map_;
   std::size_t partition_count_;
+  std::ostream& diagnostics_;
   std::vector<int> kept_;
 };
 
@@ -95,21 +97,21 @@ class Shrinker {
 void SymmetryDetection::ShrinkPermutations() {
   std::size_t real_count = 0;
   for (const ModelCompGraphNode& node : GraphNodes) real_count += node.PrivateOrJoin ? 1 : 0;
-  std::cout << "num_real: " << real_count << std::endl;
-  std::cout << "ShrinkPermutations" << std::endl;
+  diagnostics() << "num_real: " << real_count << std::endl;
+  diagnostics() << "ShrinkPermutations" << std::endl;
   int position_count = 0;
-  std::vector<int> map = make_shrink_map(GraphNodes, real_count, position_count);
-  std::cout << "Shrink Map: " << std::endl << blank_separated(map) << std::endl;
-  std::cout << "Shrinking..." << std::endl;
+  std::vector<int> map = make_shrink_map(GraphNodes, real_count, position_count, diagnostics());
+  diagnostics() << "Shrink Map: " << std::endl << blank_separated(map) << std::endl;
+  diagnostics() << "Shrinking..." << std::endl;
 
-  Shrinker shrinker(std::move(map), GNOrder.size());
+  Shrinker shrinker(std::move(map), GNOrder.size(), diagnostics());
   std::vector<int> new_bases;
   std::map<int, std::vector<ValPerms>> new_vperms;
   bool is_sound = true;
   for (auto& [base, records] : VPerms) {
     is_sound = shrinker.has(base);
     if (!is_sound) break;
-    std::cout << "Base: " << base << "  map[base]: " << shrinker[base] << std::endl;
+    diagnostics() << "Base: " << base << "  map[base]: " << shrinker[base] << std::endl;
     for (ValPerms& record : records) is_sound = is_sound && shrinker.shrink(record);
     if (!is_sound) break;
     new_bases.push_back(shrinker[base]);
@@ -118,10 +120,10 @@ void SymmetryDetection::ShrinkPermutations() {
   Bases = std::move(new_bases);
   VPerms = std::move(new_vperms);
   if (!is_sound) {
-    report_refusal("expected permutations that move the submodels and joins among themselves");
+    Refuse("expected permutations that move the submodels and joins among themselves");
     DropTables();
   }
-  std::cout << "====================" << std::endl << "AFTER SHRINK" << std::endl;
+  diagnostics() << "====================" << std::endl << "AFTER SHRINK" << std::endl;
   PrintPermutations();
 }
 

@@ -3,22 +3,20 @@
 // that ends at position j. For a single permutation P that is the inverse of P, since P carries partition c
 // to position P[c].
 
-#include <iostream>
 #include <numeric>
+#include <ostream>
 
-#include "detector/partitions/bijection.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
 namespace {
 
 // Drops the identities of the record, printing each, and notes the point count of every permutation it meets.
-void drop_identities(ValPerms& record, int& point_count) {
+void drop_identities(ValPerms& record, int& point_count, std::ostream& diagnostics) {
   std::erase_if(record.Perms, [&](const Permutation& permutation) {
     point_count = permutation.GetN();
     if (!permutation.IsIdentity()) return false;
-    std::cout << permutation << " is an identity" << std::endl;
+    diagnostics << permutation << " is an identity" << std::endl;
     return true;
   });
 }
@@ -49,24 +47,24 @@ class Composer {
 }  // namespace
 
 void SymmetryDetection::TrimPermutations() {
-  std::cout << "Before TrimPermutations: " << std::endl;
+  diagnostics() << "Before TrimPermutations: " << std::endl;
   PrintPermutations();
   int point_count = 0;
   for (const int base : Bases) {
     std::vector<ValPerms>& records = VPerms[base];
-    for (ValPerms& record : records) drop_identities(record, point_count);
+    for (ValPerms& record : records) drop_identities(record, point_count, diagnostics());
     std::erase_if(records, [](const ValPerms& record) { return record.Perms.empty(); });
   }
-  std::cout << "After TrimPermutation Part 1: " << std::endl;
+  diagnostics() << "After TrimPermutation Part 1: " << std::endl;
   PrintPermutations();
-  std::cout << "PermSize: " << point_count << std::endl;
+  diagnostics() << "PermSize: " << point_count << std::endl;
 
   for (const int base : Bases) {
     for (const ValPerms& record : VPerms[base]) {
       for (const Permutation& permutation : record.Perms) {
-        if (permutation.GetN() == point_count && is_bijection(permutation)) continue;
-        report_refusal("base " + std::to_string(base) + ", value " + std::to_string(record.Value) +
-                       ": expected a permutation of " + std::to_string(point_count) + " partitions");
+        if (permutation.GetN() == point_count && permutation.IsPermutation()) continue;
+        Refuse("base " + std::to_string(base) + ", value " + std::to_string(record.Value) +
+               ": expected a permutation of " + std::to_string(point_count) + " partitions");
         DropTables();
         return;
       }
@@ -74,10 +72,10 @@ void SymmetryDetection::TrimPermutations() {
   }
   Composer composer(point_count);
   for (const int base : Bases) {
-    std::cout << "base: " << base << std::endl;
+    diagnostics() << "base: " << base << std::endl;
     for (ValPerms& record : VPerms[base]) composer.compose(record);
   }
-  std::cout << "After TrimPermutation: " << std::endl;
+  diagnostics() << "After TrimPermutation: " << std::endl;
   PrintPermutations();
 }
 

@@ -9,8 +9,7 @@
 #include <optional>
 #include <utility>
 
-#include "detector/graph/node_names.h"
-#include "detector/partitions/bijection.h"
+#include "detector/graph/graph_names.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -26,8 +25,8 @@ struct JoinNodes {
 std::vector<JoinNodes> find_joins(const std::vector<ModelCompGraphNode>& nodes) {
   std::vector<JoinNodes> joins;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    if (!nodes[i].PrivateOrJoin || !has_arrow(nodes[i].Name)) continue;
-    std::string name(join_name(nodes[i].Name));
+    if (!nodes[i].PrivateOrJoin || !detail::has_arrow(nodes[i].Name)) continue;
+    std::string name(detail::join_name(nodes[i].Name));
     if (!joins.empty() && joins.back().name == name &&
         joins.back().first + joins.back().count == static_cast<int>(i)) {
       ++joins.back().count;
@@ -84,7 +83,7 @@ bool SymmetryDetection::VerifySymmetries(std::string& report) {
     return is_named ? SSOrder[static_cast<std::size_t>(partition)] : "partition " + std::to_string(partition);
   };
   const auto find_fault = [&](const Permutation& permutation) -> std::optional<std::string> {
-    if (permutation.GetN() != static_cast<int>(PartitionInfo.size()) || !is_bijection(permutation)) {
+    if (permutation.GetN() != static_cast<int>(PartitionInfo.size()) || !permutation.IsPermutation()) {
       return "is no permutation of the " + std::to_string(PartitionInfo.size()) + " partitions";
     }
     for (int c = 0; c < permutation.GetN(); ++c) {

@@ -4,12 +4,10 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <ostream>
 #include <utility>
 
 #include "detector/permfile/perm_table.h"
-#include "detector/refusal.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -39,8 +37,8 @@ void write_base(std::ostream& out, int base, const std::vector<ValPerms>& record
 
 // Writes a file so that nobody ever sees half of it: beside its place, flushed, then renamed. What exists and
 // is no regular file (a device, a pipe) is written directly. Returns what went wrong, or nothing.
-template <class Write>
-std::string write_whole_file(const std::string& name, Write write) {
+template <class Fill>
+std::string write_whole_file(const std::string& name, Fill fill) {
   namespace fs = std::filesystem;
   std::error_code error;
   const fs::file_status status = fs::status(name, error);
@@ -48,7 +46,7 @@ std::string write_whole_file(const std::string& name, Write write) {
   const std::string written_name = is_direct ? name : name + ".partial";
   errno = 0;
   std::ofstream out(written_name, std::ios::trunc);
-  if (out) write(out);
+  if (out) fill(out);
   out.close();
   if (!out) {
     const std::string reason = errno == 0 ? "write failed" : std::strerror(errno);
@@ -63,17 +61,25 @@ std::string write_whole_file(const std::string& name, Write write) {
   return name + ": error: cannot be written: " + reason;
 }
 
-void print_base(int base, const std::vector<ValPerms>& records) {
-  std::cout << "Base: " << base << std::endl << "\tNum Vperm: " << records.size() << std::endl;
+void print_base(std::ostream& out, int base, const std::vector<ValPerms>& records) {
+  out << "Base: " << base << std::endl << "\tNum Vperm: " << records.size() << std::endl;
   for (const ValPerms& record : records) {
-    std::cout << "\tvalue: " << record.Value << "  num_perm: " << record.Perms.size() << std::endl;
-    for (const Permutation& permutation : record.Perms) std::cout << "\t\tPerm: " << permutation << std::endl;
+    out << "\tvalue: " << record.Value << "  num_perm: " << record.Perms.size() << std::endl;
+    for (const Permutation& permutation : record.Perms) out << "\t\tPerm: " << permutation << std::endl;
   }
 }
 
 }  // namespace
 
 void SymmetryDetection::WritePermFile(std::string& name) {
+  PermFileError = HasWritableTables()
+                      ? write_whole_file(name, [this](std::ostream& out) { WriteTables(out); })
+                      : name + ": error: not written: expected tables of " +
+                            std::to_string(CumPartitionInfo.size()) + " partitions";
+  if (!PermFileError.empty()) Refuse(PermFileError);
+}
+
+bool SymmetryDetection::HasWritableTables() {
   const std::size_t partition_count = CumPartitionInfo.size();
   bool is_sound = PartitionInfo.size() >= partition_count;
   for (const int base : Bases) {
@@ -83,37 +89,31 @@ void SymmetryDetection::WritePermFile(std::string& name) {
       }
     }
   }
-  const auto write = [&](std::ostream& out) {
-    out << partition_count << "\n";
-    write_list(out, partition_count, [this](std::size_t i) { return PartitionInfo[i]; });
-    write_list(out, partition_count, [this](std::size_t i) { return CumPartitionInfo[i]; });
-    out << Bases.size() << "\n";
-    for (const int base : Bases) write_base(out, base, VPerms[base], partition_count);
-  };
-  PermFileError = is_sound ? write_whole_file(name, write)
-                           : name + ": error: not written: expected tables of " +
-                                 std::to_string(partition_count) + " partitions";
-  if (!PermFileError.empty()) report_refusal(PermFileError);
+  return is_sound;
+}
+
+void SymmetryDetection::WriteTables(std::ostream& out) {
+  const std::size_t partition_count = CumPartitionInfo.size();
+  out << partition_count << "\n";
+  write_list(out, partition_count, [this](std::size_t i) { return PartitionInfo[i]; });
+  write_list(out, partition_count, [this](std::size_t i) { return CumPartitionInfo[i]; });
+  out << Bases.size() << "\n";
+  for (const int base : Bases) write_base(out, base, VPerms[base], partition_count);
 }
 
 void SymmetryDetection::ReadPermFile(std::string& name) {
   PermTable table;
-  errno = 0;
-  std::ifstream in(name);
-  PermFileError =
-      in && in.peek() != std::ifstream::traits_type::eof()
-          ? read_perm_table(in, name, table)
-          : name + ": error: cannot be read: " + (errno == 0 ? "empty file" : std::strerror(errno));
+  PermFileError = read_perm_file(name, table);
   if (!PermFileError.empty()) {
-    report_refusal(PermFileError);
+    Refuse(PermFileError);
     return;
   }
   PartitionInfo.insert(PartitionInfo.end(), table.sizes.begin(), table.sizes.end());
   CumPartitionInfo.insert(CumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
   StaticCumPartitionInfo.insert(StaticCumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
-  std::cout << "Number of bases: " << table.bases.size() << std::endl;
+  diagnostics() << "Number of bases: " << table.bases.size() << std::endl;
   for (auto& [base, records] : table.bases) {
-    print_base(base, records);
+    print_base(diagnostics(), base, records);
     Bases.push_back(base);
     VPerms[base] = std::move(records);
   }

@@ -1,13 +1,21 @@
 #include "detector/permfile/perm_table.h"
 
-#include <charconv>
+#include <cerrno>
 #include <climits>
+#include <cstring>
+#include <fstream>
 #include <ios>
+#include <optional>
 
-#include "detector/partitions/bijection.h"
+#include "detector/symmetry_detection.h"
+#include "engines/base/number_scanner.h"
 
 namespace symfold {
 namespace {
+
+using detail::NumberScanner;
+
+constexpr std::size_t kMaxTokenShown = 24;
 
 // What is wrong with the file, and in which line.
 struct Fault {
@@ -17,14 +25,14 @@ struct Fault {
 
 class Reader {
  public:
-  Reader(std::istream& in, PermTable& table) : in_(in), table_(table) {}
+  Reader(std::istream& in, PermTable& table) : scanner_(*in.rdbuf()), table_(table) {}
 
   void read() {
     const int partition_count = number("the number of partitions", 0, kMaxPartitions);
     read_layout(partition_count);
     const int base_count = number("the number of bases", 0, INT_MAX);
     for (int b = 0; b < base_count; ++b) read_base(partition_count);
-    if (next_token()) fail("the end of the file", token_);
+    if (scanner_.next()) fail("the end of the file", token());
   }
 
  private:
@@ -37,7 +45,7 @@ class Reader {
     int offset = 0;
     for (const int size : table_.sizes) {
       const int value = number("the offset of a partition", 0, kMaxStateSize);
-      if (value != offset) fail("offset " + std::to_string(offset), token_);
+      if (value != offset) fail("offset " + std::to_string(offset), token());
       table_.offsets.push_back(value);
       offset += size;
     }
@@ -65,49 +73,31 @@ class Reader {
       if (table_.sizes[from] != table_.sizes[to]) {
         fail("a partition of " + std::to_string(table_.sizes[from]) + " bytes as image of partition " +
                  std::to_string(c),
-             token_ + ", of " + std::to_string(table_.sizes[to]) + " bytes");
+             token() + ", of " + std::to_string(table_.sizes[to]) + " bytes");
       }
     }
     Permutation permutation(partition_count, images_.data());
-    if (!is_bijection(permutation)) fail("a permutation", "an image that occurs twice");
+    if (!permutation.IsPermutation()) fail("a permutation", "an image that occurs twice");
     return permutation;
   }
 
   int number(const std::string& what, int low, int high) {
-    if (!next_token()) fail(what, "the end of the file");
-    int value = 0;
-    const char* end = token_.data() + token_.size();
-    const auto [stop, error] = std::from_chars(token_.data(), end, value);
-    if (error != std::errc() || stop != end || value < low || value > high) {
-      fail(what + " (" + std::to_string(low) + " to " + std::to_string(high) + ")", token_);
-    }
-    return value;
+    if (!scanner_.next()) fail(what, "the end of the file");
+    const std::optional<int> value = scanner_.number(low, high);
+    if (!value) fail(what + " (" + std::to_string(low) + " to " + std::to_string(high) + ")", token());
+    return *value;
   }
 
-  // Reads the next token and the line that it stands in. What is longer than any number is cut.
-  bool next_token() {
-    constexpr std::size_t kLongest = 24;
-    token_.clear();
-    std::streambuf& buffer = *in_.rdbuf();
-    int c = buffer.sgetc();
-    for (; is_blank(c); c = buffer.snextc()) line_ += c == '\n' ? 1 : 0;
-    for (; c != std::char_traits<char>::eof() && !is_blank(c); c = buffer.snextc()) {
-      if (token_.size() < kLongest) token_ += static_cast<char>(c);
-    }
-    return !token_.empty();
-  }
-
-  static bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+  // What is longer than any number is cut.
+  std::string token() const { return scanner_.token().substr(0, kMaxTokenShown); }
 
   [[noreturn]] void fail(const std::string& expected, const std::string& got) const {
-    throw Fault{line_, "expected " + expected + ", got " + got};
+    throw Fault{scanner_.line(), "expected " + expected + ", got " + got};
   }
 
-  std::istream& in_;
+  NumberScanner scanner_;
   PermTable& table_;
-  std::string token_;
   std::vector<int> images_;
-  int line_ = 1;
 };
 
 }  // namespace
@@ -121,6 +111,13 @@ std::string read_perm_table(std::istream& in, const std::string& name, PermTable
     return name + ": error: cannot be read";
   }
   return "";
+}
+
+std::string read_perm_file(const std::string& name, PermTable& table) {
+  errno = 0;
+  std::ifstream in(name);
+  if (in && in.peek() != std::ifstream::traits_type::eof()) return read_perm_table(in, name, table);
+  return name + ": error: cannot be read: " + (errno == 0 ? "empty file" : std::strerror(errno));
 }
 
 }  // namespace symfold

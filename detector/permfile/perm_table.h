@@ -22,9 +22,7 @@ struct PermTable {
   std::vector<std::pair<int, std::vector<ValPerms>>> bases;  // base point and its records, in file order
 };
 
-// The largest number of partitions (the entries of partition permutations are 16 bits) and of bytes of a
-// state.
-inline constexpr int kMaxPartitions = 32767;
+// The largest number of bytes of a state. There are at most kMaxPartitions partitions (symmetry_detection.h).
 inline constexpr int kMaxStateSize = 1 << 26;
 
 // Reads a table to its end. Empty text for a sound one; otherwise "name:line: error: expected X, got Y", and
@@ -33,6 +31,10 @@ inline constexpr int kMaxStateSize = 1 << 26;
 // records under a base than partitions; images that are no permutation, or that join partitions of unequal
 // size. Memory and time are linear in the length of the input.
 std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table);
+
+// The same for the file of that name. A file that cannot be read is reported with the system's reason,
+// without a line.
+std::string read_perm_file(const std::string& name, PermTable& table);
 
 }  // namespace symfold
 

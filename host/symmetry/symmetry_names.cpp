@@ -4,13 +4,14 @@
 #include <set>
 #include <string_view>
 
-#include "detector/graph/node_names.h"
+#include "detector/graph/graph_names.h"
+#include "engines/base/union_find.h"
 
 namespace symfold {
 namespace {
 
 std::string name_of(const ModelCompGraphNode& node) {
-  return has_arrow(node.Name) ? std::string(join_name(node.Name)) : node.Name;
+  return detail::has_arrow(node.Name) ? std::string(detail::join_name(node.Name)) : node.Name;
 }
 
 // Calls `visit` with every cycle of the points that `is_wanted`, fixed points included, smallest point first.
@@ -51,27 +52,17 @@ std::string named_cycles(const SymmetryDetection& detector, const Permutation& g
   return text.empty() ? "()" : text;
 }
 
-// Breadth-first from every vertex that no orbit has yet: one step per generator and vertex.
 NamedOrbits find_orbits(const SymmetryDetection& detector) {
+  detail::UnionFind points(static_cast<int>(detector.GraphNodes.size()));
+  for (const Permutation& generator : detector.OrigPermutations) {
+    for (int point = 0; point < generator.GetN(); ++point) points.unite(point, generator[point]);
+  }
   NamedOrbits orbits;
-  std::vector<bool> is_found(detector.GraphNodes.size(), false);
-  for (std::size_t start = 0; start < is_found.size(); ++start) {
-    if (is_found[start] || !detector.GraphNodes[start].PrivateOrJoin) continue;
-    std::set<std::size_t> orbit = {start};
-    std::vector<std::size_t> reached = {start};
-    is_found[start] = true;
-    for (std::size_t i = 0; i < reached.size(); ++i) {
-      for (const Permutation& generator : detector.OrigPermutations) {
-        const auto image = static_cast<std::size_t>(generator[static_cast<int>(reached[i])]);
-        if (is_found[image]) continue;
-        is_found[image] = true;
-        orbit.insert(image);
-        reached.push_back(image);
-      }
-    }
-    auto& kind = has_arrow(detector.GraphNodes[start].Name) ? orbits.joins : orbits.submodels;
-    kind.emplace_back();
-    for (const std::size_t point : orbit) kind.back().push_back(name_of(detector.GraphNodes[point]));
+  for (const std::vector<std::size_t>& orbit : points.lists<std::size_t>()) {
+    const ModelCompGraphNode& first = detector.GraphNodes[orbit.front()];
+    if (!first.PrivateOrJoin) continue;
+    auto& names = (detail::has_arrow(first.Name) ? orbits.joins : orbits.submodels).emplace_back();
+    for (const std::size_t point : orbit) names.push_back(name_of(detector.GraphNodes[point]));
   }
   return orbits;
 }

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <regex>
 
-#include "cli/exit_codes.h"
+#include "cli/commands.h"
 #include "tests/support/detector_support.h"
 #include "tests/support/run_command.h"
 

@@ -10,7 +10,7 @@
 #include <regex>
 #include <thread>
 
-#include "cli/exit_codes.h"
+#include "cli/commands.h"
 #include "tests/support/detector_support.h"
 #include "tests/support/run_command.h"
 

@@ -8,7 +8,9 @@
 #include <set>
 
 #include "detector/exact_labeller.h"
+#include "engines/base/images.h"
 #include "engines/largest_image/chain_search.h"
+#include "engines/largest_image/recognition.h"
 #include "tests/oracles/state_classes.h"
 
 namespace symfold::detail {

@@ -1,26 +1,12 @@
 #include "tests/support/exploration_support.h"
 
-#include <unistd.h>
-
-#include <filesystem>
 #include <map>
 
+#include "host/symmetry/detection.h"
 #include "tests/oracles/state_classes.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {
-namespace {
-
-// All tables are in memory: the files are removed at once.
-class RemovedDirectory {
- public:
-  ~RemovedDirectory() { std::filesystem::remove_all(path); }
-  const std::string path =
-      std::filesystem::temp_directory_path() / ("symfold-fold-" + std::to_string(getpid()));
-};
-
-}  // namespace
-
 ComposedModel small_example(const std::string& name) {
   static const std::multimap<std::string, ConstOverride> constants = {
       {"arms", {"N", "2"}},      {"cluster", {"N", "1"}},        {"complete", {"K", "2"}},
@@ -63,19 +49,19 @@ Explored explored(const ComposedModel& model, const StateLayout& layout, Labelle
 
 Explored explored(const ComposedModel& model) { return explored(model, StateLayout(model)); }
 
-Folding::Folding(const ComposedModel& model)
+FoldedModel::FoldedModel(const ComposedModel& model)
     : model_(model),
-      run_(model, RemovedDirectory().path, false),
-      layout_(model, run_.detector().SSOrder),
-      greedy_(run_.detector()),
-      exact_(run_.detector()) {}
+      greedy_(model, Symmetry::kFast),
+      exact_(model, Symmetry::kExact),
+      layout_(model, exact_.order()) {}
 
-std::vector<int> Folding::classes_of(const std::vector<std::vector<std::int16_t>>& states) const {
+std::vector<int> FoldedModel::classes_of(const std::vector<std::vector<std::int16_t>>& states) const {
   std::vector<std::string> bytes;
   for (const std::vector<std::int16_t>& values : states) {
     bytes.emplace_back(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
   }
-  return symfold::classes_of(bytes, run_.detector().PartitionInfo, partition_generators(run_.detector()));
+  return symfold::classes_of(bytes, exact_.cell_sizes(),
+                             partition_generators(exact_.detection()->detector()));
 }
 
 }  // namespace symfold

@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "host/chain/exploration.h"
-#include "host/symmetry/detection_run.h"
-#include "host/symmetry/label_search.h"
+#include "host/symmetry/folding.h"
 
 namespace symfold {
 
@@ -30,17 +29,17 @@ Explored explored(const ComposedModel& model, const StateLayout& layout, Labelle
                   const ExplorationLimits& limits = {});
 Explored explored(const ComposedModel& model);
 
-// A model's symmetries, ready for folding.
-class Folding {
+// A model, folded in both ways.
+class FoldedModel {
  public:
-  explicit Folding(const ComposedModel& model);
+  explicit FoldedModel(const ComposedModel& model);
 
   // The chain of all states, and those of the representatives, in the order of the state vector.
   Explored full(const ExplorationLimits& limits = {}) const {
     return explored(model_, layout_, nullptr, limits);
   }
-  Explored folded(bool is_exact) {
-    return explored(model_, layout_, is_exact ? static_cast<Labeller*>(&exact_) : &greedy_);
+  Explored folded(bool is_exact) const {
+    return explored(model_, layout_, (is_exact ? exact_ : greedy_).make_labeller().get());
   }
 
   // By state, the number of its symmetry class.
@@ -48,10 +47,9 @@ class Folding {
 
  private:
   const ComposedModel& model_;
-  DetectionRun run_;
+  Folding greedy_;
+  Folding exact_;
   StateLayout layout_;
-  LabelSearch greedy_;
-  ExactLabelSearch exact_;
 };
 
 }  // namespace symfold

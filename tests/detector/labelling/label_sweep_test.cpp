@@ -13,7 +13,7 @@
 
 #include "detector/exact_labeller.h"
 #include "host/language/model_reader.h"
-#include "host/symmetry/detection_run.h"
+#include "host/symmetry/detection.h"
 #include "tests/support/detector_support.h"
 
 namespace symfold {
@@ -86,13 +86,12 @@ std::string random_state(int size, unsigned values, std::mt19937& random) {
 // time that of the graph nodes, until the states wanted are done.
 void sweep(const std::vector<Example>& examples,
            const std::function<void(SymmetryDetection&, std::size_t, std::mt19937&)>& check) {
-  const TempDir directory;
   std::mt19937 random(1);
   for (long done = 0; done < states_wanted(); done += states_per_layout()) {
     const auto layout = static_cast<std::size_t>(done / states_per_layout());
     const Example& example = examples[layout % examples.size()];
     const std::string path = std::string(SYMFOLD_EXAMPLES_DIR "/") + example.name + ".sym";
-    DetectionRun run(read_model(path, example.constants), ".", false);
+    Detection run(read_model(path, example.constants), nullptr, false);
     SymmetryDetection& detector = run.detector();
     if (layout % 4 != 0 && !example.is_large) shuffle_layout(detector, random);
     std::string report;

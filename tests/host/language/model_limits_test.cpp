@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "host/symmetry/detection_run.h"
+#include "host/symmetry/detection.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {

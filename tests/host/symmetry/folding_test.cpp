@@ -46,7 +46,7 @@ void expect_equal(const Lump& lump, const Lump& first) {
 }
 
 // The states of both chains that are in one class are lumped alike, and both have all classes.
-void expect_lumped(Folding& folding, const Explored& full, const Explored& folded, bool is_exact) {
+void expect_lumped(FoldedModel& folding, const Explored& full, const Explored& folded, bool is_exact) {
   std::vector<std::vector<std::int16_t>> states = full.states;
   states.insert(states.end(), folded.states.begin(), folded.states.end());
   const std::vector<int> class_of = folding.classes_of(states);
@@ -76,7 +76,7 @@ void expect_lumped(Folding& folding, const Explored& full, const Explored& folde
 
 // An error may show in another state of the class. True where folding makes the chain smaller.
 bool expect_folds(const ComposedModel& model) {
-  Folding folding(model);
+  FoldedModel folding(model);
   const Explored full = folding.full({.states = 1000});
   if (full.ending == Ending::kStateLimit) return false;
   for (const bool is_exact : {false, true}) {
@@ -111,7 +111,7 @@ TEST(Folding, CountsPhilosophersAsKnown) {
   const std::vector<std::size_t> classes = {17, 45, 117, 353, 1041, 3261};
   for (std::size_t i = 0; i < states.size(); ++i) {
     const ComposedModel model = read_model(example_path("philosophers"), {{"N", std::to_string(3 + i)}});
-    Folding folding(model);
+    FoldedModel folding(model);
     const Explored full = folding.full();
     EXPECT_EQ(full.figures.states, states[i]);
     for (const bool is_exact : {false, true}) {
@@ -135,7 +135,7 @@ TEST(Folding, CountsStarsByBinomials) {
       states *= static_cast<std::size_t>(k);
       classes = classes * static_cast<std::size_t>(n + k - 1) / static_cast<std::size_t>(n);
       const ComposedModel model = read_model_text("star.sym", star_text(n, k));
-      Folding folding(model);
+      FoldedModel folding(model);
       EXPECT_EQ(folding.full().figures.states, states) << n << " of " << k;
       EXPECT_EQ(folding.folded(false).figures.states, classes) << n << " of " << k;
       EXPECT_EQ(folding.folded(true).figures.states, classes) << n << " of " << k;
@@ -163,7 +163,7 @@ TEST(Folding, KeepsAllProbabilitiesOfEveryExample) {
   for (const std::string& name : example_names()) {
     SCOPED_TRACE(name);
     const ComposedModel model = small_example(name);
-    Folding folding(model);
+    FoldedModel folding(model);
     const MarkovChain full = folding.full().chain;
     const MarkovChain folded = folding.folded(false).chain;
     double rate = 0;

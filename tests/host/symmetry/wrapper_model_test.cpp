@@ -6,7 +6,7 @@
 
 #include <sstream>
 
-#include "host/symmetry/detection_run.h"
+#include "host/symmetry/detection.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {

@@ -1,4 +1,4 @@
-#include "cli/progress_line.h"
+#include "cli/watch.h"
 
 #include <algorithm>
 #include <iostream>
@@ -22,6 +22,10 @@ std::string text_of(const ExplorationFigures& figures) {
          percentage(static_cast<double>(figures.states) / found) + " new";
 }
 
+volatile std::sig_atomic_t g_interrupted = 0;
+
+extern "C" void note_interrupt(int) { g_interrupted = 1; }
+
 }  // namespace
 
 ProgressLine::ProgressLine(const Streams& streams, std::string title, bool is_quiet)
@@ -41,5 +45,17 @@ void ProgressLine::show(const ExplorationFigures& figures) {
     next_line_ = figures.seconds + kSecondsBetweenLines;
   }
 }
+
+InterruptWatch::InterruptWatch() {
+  g_interrupted = 0;
+  struct sigaction action {};
+  action.sa_handler = note_interrupt;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(SIGINT, &action, &before_);
+}
+
+InterruptWatch::~InterruptWatch() { sigaction(SIGINT, &before_, nullptr); }
+
+bool InterruptWatch::is_interrupted() const { return g_interrupted != 0; }
 
 }  // namespace symfold

@@ -1,8 +1,4 @@
-#include "bench/example_run.h"
-
-#include <stdlib.h>
-
-#include <filesystem>
+#include "bench/example_family.h"
 
 #include "host/language/model_reader.h"
 
@@ -22,13 +18,5 @@ ComposedModel read_example(const Family& family) {
   }
   return read_model(std::string(SYMFOLD_EXAMPLES_DIR "/") + family.name + ".sym", overrides);
 }
-
-ExampleRun::ExampleRun(const Family& family) {
-  directory_ = (std::filesystem::temp_directory_path() / "symfold-bench-XXXXXX").string();
-  if (mkdtemp(directory_.data()) == nullptr) throw std::runtime_error(directory_ + ": cannot be made");
-  run_ = std::make_unique<DetectionRun>(read_example(family), directory_, false);
-}
-
-ExampleRun::~ExampleRun() { std::filesystem::remove_all(directory_); }
 
 }  // namespace symfold

@@ -1,0 +1,81 @@
+#include "host/symmetry/detection.h"
+
+#include <chrono>
+#include <sstream>
+#include <unordered_map>
+
+#include "host/language/model_description.h"
+#include "host/model/model_error.h"
+#include "host/symmetry/run_directory.h"
+#include "host/symmetry/symmetry_error.h"
+
+namespace symfold {
+
+void require_countable_partitions(const ComposedModel& model) {
+  if (model.partition_count() <= std::size_t{kMaxPartitions}) return;
+  throw ModelError(model.description->source->name(),
+                   "expected at most " + std::to_string(kMaxPartitions) +
+                       " submodels and joins together, got " + std::to_string(model.submodels.size()) +
+                       " submodels and " + std::to_string(model.joins.size()) + " joins");
+}
+
+void write_types(const ComposedModel& model, std::ostream& out) {
+  out << model.submodels.size() << '\n';
+  for (const Submodel& submodel : model.submodels) {
+    out << submodel.name << ' ' << model.instance_of(submodel).token << '\n';
+  }
+}
+
+template <class Step>
+void Detection::timed(const char* name, Step step) {
+  const auto start = std::chrono::steady_clock::now();
+  step();
+  phases_.push_back({name, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()});
+}
+
+Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log)
+    : records_(model), detector_(records_.wrapper()) {
+  require_countable_partitions(model);
+  std::ostringstream refusals;
+  detector_.SetRefusals(&refusals);
+  detector_.SetDiagnostics(files != nullptr && keeps_log ? &files->open_log() : nullptr);
+  std::stringstream types;
+  write_types(model, types);
+  timed("graph and group", [&] { detector_.FindMCG(types); });
+  if (!detector_.HasWholeGroup) {
+    throw GroupLimitError(
+        "error: the symmetry group could not be listed or tabulated, as the line above says", refusals.str());
+  }
+  timed("tables", [&] { make_tables(model); });
+  timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });
+  if (files != nullptr) timed("save", [&] { save(types.str(), *files); });
+  detector_.SetDiagnostics(nullptr);
+  detector_.SetRefusals(nullptr);
+  refusals_ = refusals.str();
+}
+
+void Detection::make_tables(const ComposedModel& model) {
+  std::unordered_map<std::string, int> bytes;
+  for (const Submodel& submodel : model.submodels) {
+    bytes[submodel.name] = model.instance_of(submodel).byte_size();
+  }
+  for (ModelCompGraphNode& node : detector_.GraphNodes) {
+    if (const auto found = bytes.find(node.Name); found != bytes.end()) node.StateSize = found->second;
+  }
+  detector_.CreatePartitionInfo();
+  detector_.SSOrder = detector_.GNOrder;
+  detector_.ShrinkPermutations();
+  detector_.AdjustPermutations();
+  detector_.AdjustPartitionInfo();
+  detector_.TrimPermutations();
+}
+
+void Detection::save(const std::string& types, RunDirectory& files) {
+  files.write("types", [&](std::ostream& out) { out << types; });
+  files.write("model_comp_graph", [&](std::ostream& out) { detector_.PrintMCG(out); });
+  files.write("mcg.viz", [&](std::ostream& out) { detector_.WriteMCGViz(out); });
+  if (is_sound()) files.write("permutations", [&](std::ostream& out) { detector_.WriteTables(out); });
+  files.publish();
+}
+
+}  // namespace symfold
