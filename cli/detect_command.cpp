@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "cli/figures.h"
+#include "detector/symmetry_detection.h"
 #include "host/chain/state_layout.h"
-#include "host/symmetry/detection.h"
 #include "host/symmetry/symmetry_names.h"
 
 namespace symfold {
@@ -51,7 +51,7 @@ struct Report {
 
 // The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
 Report make_report(const ComposedModel& model, const Folding& folding, bool is_whole) {
-  const SymmetryDetection& detector = folding.detection()->detector();
+  const SymmetryDetection& detector = *folding.detector();
   Report report{};
   report.submodels = model.submodels.size();
   report.joins = model.joins.size();
@@ -76,7 +76,7 @@ Report make_report(const ComposedModel& model, const Folding& folding, bool is_w
     folding.make_labeller()->find(state.data(), state.data());
     report.initial_label = hexadecimal(state);
   }
-  report.phases = folding.detection()->phases();
+  report.phases = folding.phases();
   report.peak_bytes = peak_memory();
   return report;
 }

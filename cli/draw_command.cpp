@@ -7,7 +7,6 @@
 #include "host/new_file.h"
 #include "host/pictures/composition_dot.h"
 #include "host/pictures/graphviz.h"
-#include "host/symmetry/detection.h"
 #include "host/symmetry/folding.h"
 
 namespace symfold {
@@ -36,7 +35,7 @@ int run_draw(const DrawOptions& options, const Streams& streams) {
   const Folding folding(model, Symmetry::kExact);
   streams.err << folding.refusals();
   folding.require_sound();
-  const NamedOrbits orbits = find_orbits(folding.detection()->detector());
+  const NamedOrbits orbits = find_orbits(*folding.detector());
   const bool is_large = model.submodels.size() > kMaxSubmodels || model.joins.size() > kMaxJoins;
   const DrawnGraph graph =
       options.collapse || is_large ? drawn_orbits(model, orbits) : drawn_parts(model, orbits);

@@ -1,14 +1,14 @@
-# Installs the libraries, their headers under include/symfold/ and the package that find_package(symfold CONFIG) reads.
+# Installs the libraries, the public headers under include/symfold/ and the package that find_package(symfold CONFIG) reads.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS symfold_detector symfold_host EXPORT symfold-targets)
 if(TARGET symfold_cli)
   install(TARGETS symfold_cli EXPORT symfold-targets)
 endif()
-foreach(room engines components detector host)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${room}
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/symfold
-          FILES_MATCHING PATTERN "*.h")
+include(cmake/public_headers.cmake)
+foreach(header ${symfold_public_headers})
+  cmake_path(GET header PARENT_PATH room)
+  install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/symfold/${room})
 endforeach()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/symfold)

@@ -9,6 +9,7 @@
 
 #include "detector/symmetry_detection.h"
 #include "host/model/composed_model.h"
+#include "host/symmetry/folding.h"
 #include "host/symmetry/wrapper_model.h"
 
 namespace symfold {
@@ -20,11 +21,6 @@ void require_countable_partitions(const ComposedModel& model);
 
 // The list of submodels that the detector reads: their number, then a name and a type instance per line.
 void write_types(const ComposedModel& model, std::ostream& out);
-
-struct DetectionPhase {
-  std::string name;
-  double seconds;
-};
 
 // Runs a detector over a model. States are laid out in graph-node order, so that base order and byte order
 // agree. Reads and writes no file but those of the run directory, if there is one, and shares nothing with

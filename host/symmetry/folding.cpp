@@ -17,6 +17,7 @@ namespace {
 const std::string kNoText;
 const std::vector<std::string> kNoNames;
 const std::vector<int> kNoNumbers;
+const std::vector<DetectionPhase> kNoPhases;
 
 }  // namespace
 
@@ -90,6 +91,12 @@ std::size_t Folding::state_size() const {
 
 const std::vector<int>& Folding::orbit_lengths() const {
   return detection_ ? detection_->detector().SGSOrbitLengths : kNoNumbers;
+}
+
+const SymmetryDetection* Folding::detector() const { return detection_ ? &detection_->detector() : nullptr; }
+
+const std::vector<DetectionPhase>& Folding::phases() const {
+  return detection_ ? detection_->phases() : kNoPhases;
 }
 
 const std::string& Folding::refusals() const { return detection_ ? detection_->refusals() : kNoText; }

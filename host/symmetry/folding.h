@@ -22,6 +22,7 @@ namespace symfold {
 
 struct ComposedModel;
 class Detection;
+class SymmetryDetection;
 struct PermTable;
 
 // How states are folded: not at all, by greedy labels, or by exact ones.
@@ -32,6 +33,11 @@ inline constexpr Symmetry kSymmetries[] = {Symmetry::kOff, Symmetry::kFast, Symm
 // "off", "fast", "exact"; and back, nothing for any other text.
 const char* to_string(Symmetry symmetry);
 std::optional<Symmetry> symmetry_named(std::string_view name);
+
+struct DetectionPhase {
+  std::string name;
+  double seconds;
+};
 
 // Which files a folding leaves behind.
 struct FoldingFiles {
@@ -82,8 +88,12 @@ class Folding {
   // What the detector has refused, a line each.
   const std::string& refusals() const;
 
-  // The detection behind a folding of a model; null without folding and for a permutation file.
-  const Detection* detection() const { return detection_.get(); }
+  // The detector with its final tables, for whoever wants to know more of the graph, the group and its
+  // generators (symmetry_names.h tells them in names). Null without folding and for a permutation file.
+  const SymmetryDetection* detector() const;
+
+  // The steps of the detection, in their order; none without one.
+  const std::vector<DetectionPhase>& phases() const;
 
   // A labeller of the folding's kind; null for Symmetry::kOff. The first call makes what all labellers share
   // (greedy_labeller.h, exact_labeller.h tell the cost). Throws UnsoundSymmetryError if the symmetries are

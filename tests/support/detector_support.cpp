@@ -1,10 +1,8 @@
 #include "tests/support/detector_support.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 
@@ -20,25 +18,6 @@ std::string captured_stream(std::ostream& stream, const std::function<void()>& a
 }
 
 }  // namespace
-
-TempDir::TempDir() : before_(std::filesystem::current_path()) {
-  std::string name = (std::filesystem::temp_directory_path() / "symfold-test-XXXXXX").string();
-  path_ = mkdtemp(name.data());
-  std::filesystem::current_path(path_);
-}
-
-TempDir::~TempDir() {
-  std::filesystem::current_path(before_);
-  std::filesystem::remove_all(path_);
-}
-
-void write_file(const std::string& name, const std::string& text) { std::ofstream(name) << text; }
-
-std::string read_file(const std::string& name) {
-  std::ostringstream text;
-  text << std::ifstream(name).rdbuf();
-  return text.str();
-}
 
 std::string captured(const std::function<void()>& action) { return captured_stream(std::cout, action); }
 

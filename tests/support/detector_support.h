@@ -1,9 +1,8 @@
-// What the detector's tests share: a model written down in place, a directory of their own, captured output.
+// What the detector's tests share: a model written down in place, captured output, labels as text.
 
 #ifndef SYMFOLD_TESTS_SUPPORT_DETECTOR_SUPPORT_H
 #define SYMFOLD_TESTS_SUPPORT_DETECTOR_SUPPORT_H
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,24 +11,9 @@
 
 #include "detector/symmetry_detection.h"
 #include "tests/oracles/literal_labeller.h"
+#include "tests/support/temp_dir.h"
 
 namespace symfold {
-
-// A working directory of the test's own, removed at its end.
-class TempDir {
- public:
-  TempDir();
-  ~TempDir();
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
- private:
-  std::filesystem::path before_;
-  std::filesystem::path path_;
-};
-
-void write_file(const std::string& name, const std::string& text);
-std::string read_file(const std::string& name);
 
 // What the action prints on standard output, and on standard error.
 std::string captured(const std::function<void()>& action);

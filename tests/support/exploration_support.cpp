@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "host/symmetry/detection.h"
+#include "detector/symmetry_detection.h"
 #include "tests/oracles/state_classes.h"
 #include "tests/support/model_support.h"
 
@@ -60,8 +60,7 @@ std::vector<int> FoldedModel::classes_of(const std::vector<std::vector<std::int1
   for (const std::vector<std::int16_t>& values : states) {
     bytes.emplace_back(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
   }
-  return symfold::classes_of(bytes, exact_.cell_sizes(),
-                             partition_generators(exact_.detection()->detector()));
+  return symfold::classes_of(bytes, exact_.cell_sizes(), partition_generators(*exact_.detector()));
 }
 
 }  // namespace symfold

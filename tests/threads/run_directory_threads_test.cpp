@@ -1,0 +1,104 @@
+// Run directories that several runs write to at a time, and what is left of one that was killed.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+#include <thread>
+
+#include "host/symmetry/run_directory.h"
+#include "tests/support/temp_dir.h"
+
+namespace symfold {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::vector<std::string> kFiles = {"types", "model_comp_graph", "mcg.viz", "detection.log",
+                                         "permutations"};
+
+void publish(const std::string& text, bool has_log = true) {
+  RunDirectory run("run");
+  if (has_log) run.open_log() << text;
+  for (const std::string& name : kFiles) {
+    if (name != "detection.log") run.write(name, [&](std::ostream& out) { out << text; });
+  }
+  run.publish();
+}
+
+std::set<std::string> entries() {
+  std::set<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator("run")) {
+    names.insert(entry.path().filename().string());
+  }
+  return names;
+}
+
+TEST(RunDirectoryThreads, LeaveTheSetOfOneRun) {
+  const TempDir directory;
+  fs::create_directory("run");
+  write_file("run/mine", "kept");
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([i] {
+      for (int round = 0; round < 25; ++round) publish("run " + std::to_string(100 * i + round), i != 3);
+    });
+  }
+  // What a reader sees beside them is a whole file or none.
+  std::atomic<bool> is_over = false;
+  std::thread reader([&] {
+    while (!is_over) {
+      const std::string text = read_file("run/permutations");
+      EXPECT_TRUE(text.empty() || text.starts_with("run ")) << text;
+    }
+  });
+  for (std::thread& thread : threads) thread.join();
+  is_over = true;
+  reader.join();
+  const std::string text = read_file("run/permutations");
+  std::set<std::string> expected(kFiles.begin(), kFiles.end());
+  if (std::stoi(text.substr(4)) >= 300) expected.erase("detection.log");
+  for (const std::string& name : expected) EXPECT_EQ(read_file("run/" + name), text) << name;
+  expected.insert("mine");
+  EXPECT_EQ(entries(), expected);
+  EXPECT_EQ(read_file("run/mine"), "kept");
+}
+
+TEST(RunDirectoryThreads, RemoveWhatAKilledRunHasLeft) {
+  const TempDir directory;
+  fs::create_directories("run/.partial-killed");
+  write_file("run/.partial-killed/permutations", "half");
+  fs::create_directories("run/.partial-living");
+  const int living = open("run/.partial-living", O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(flock(living, LOCK_EX), 0);
+  { RunDirectory given_up("run"); }
+  EXPECT_EQ(entries(), (std::set<std::string>{".partial-living"}));
+  close(living);
+  publish("whole");
+  EXPECT_EQ(entries(), (std::set<std::string>(kFiles.begin(), kFiles.end())));
+}
+
+// Nothing of the earlier set is lost but the permutation file, without which it is no set.
+TEST(RunDirectoryThreads, SayWhatCannotBeReplaced) {
+  const TempDir directory;
+  publish("first");
+  fs::remove("run/mcg.viz");
+  fs::create_directories("run/mcg.viz/in the way");
+  try {
+    publish("second");
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(std::string(error.what()).find("run/mcg.viz: error: cannot be replaced: "), 0U) << error.what();
+  }
+  EXPECT_FALSE(fs::exists("run/permutations"));
+  write_file("file", "");
+  EXPECT_THROW(RunDirectory("file"), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace symfold
