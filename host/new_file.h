@@ -1,4 +1,4 @@
-// An output file that nobody ever sees half of.
+// An output file that is either whole or not there.
 
 #ifndef SYMFOLD_HOST_NEW_FILE_H
 #define SYMFOLD_HOST_NEW_FILE_H
@@ -13,9 +13,10 @@
 
 namespace symfold {
 
-// Written beside its place under the name NAME.partial, and renamed to NAME by commit(); without a commit the
-// destructor removes it. What exists and is no regular file (a device, a pipe) is written directly. Text
-// gathers in a buffer of constant size. Throws std::runtime_error "NAME: error: cannot be written: REASON".
+// Written beside its place under the name NAME.partial; commit() renames it to NAME. Without a commit the
+// destructor removes it. If NAME exists and is no regular file (a device, a pipe), then it is written
+// directly. Text gathers in a buffer of constant size. All functions except the destructor may throw
+// std::runtime_error "NAME: error: cannot be written: REASON".
 class NewFile {
  public:
   explicit NewFile(std::string name);
@@ -23,14 +24,15 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  // Texts and characters as they are, integers in decimal, doubles in the fewest digits that read back to the
-  // same double ("0.1", "1e-300", "inf"), whatever the locale.
+  // Appends texts and characters as they are, integers in decimal, and doubles in the fewest digits that read
+  // back as the same double ("0.1", "1e-300", "inf"), in every locale.
   template <class... Parts>
   void append(const Parts&... parts) {
     (put(parts), ...);
   }
 
-  // The file's contents reach the disk before its name does. To be called once, after the last append.
+  // Gives the file its name after its contents have reached the disk. To be called once, after the last
+  // append.
   void commit();
 
  private:

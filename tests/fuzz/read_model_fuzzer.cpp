@@ -1,4 +1,4 @@
-// A libFuzzer target: whatever the bytes, the model reader keeps its contract.
+// A libFuzzer target: the model reader must keep its contract for any bytes.
 
 #include <cstddef>
 #include <cstdint>

@@ -14,10 +14,11 @@ std::size_t index(Index i) {
   return static_cast<std::size_t>(i);
 }
 
-// The language's meaning, by recursion over the tree.
+// What the language means, by recursion over the tree.
 class Interpreter {
  public:
-  // What an expression looks at: the submodel that acts, and those that the quantifiers around it are at.
+  // What an expression reads: the state, the submodel that acts, and the submodel of each quantifier around
+  // it.
   struct Scope {
     const State& state;
     std::size_t submodel = 0;
@@ -86,7 +87,7 @@ class Interpreter {
     }
   }
 
-  // Where the state goes when the submodel acts, and the rate; 0 where it does not.
+  // The state after the submodel's action, and the rate, which is 0 if the action does not happen.
   std::pair<State, double> outcome(const State& state, std::size_t submodel, const ActionDecl& action) const {
     const Scope scope{state, submodel};
     if (!value(action.guard, scope).is_true()) return {state, 0};
@@ -144,7 +145,7 @@ class Interpreter {
                              : Value::of_int(apply(op, a.integer, b.integer, offset));
   }
 
-  // The body needs a value for every submodel of the range. Numbers are summed in ascending order.
+  // The body needs a value for every submodel of the range. Numbers are added in ascending order.
   Value quantified(const Expr& expr, const Scope& scope) const {
     const Quantifier& quantifier = tree().quantifiers[index(expr.quantifier)];
     std::vector<Value> values;

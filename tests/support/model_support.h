@@ -29,7 +29,7 @@ inline std::string file_text(const std::string& path) {
 
 inline std::string example_text(const std::string& name) { return file_text(example_path(name)); }
 
-// The whole message, or "" where the text is a model.
+// The whole message, or "" if the text is a model.
 inline std::string error_of(const std::string& text, const std::vector<ConstOverride>& overrides = {},
                             const std::string& name = "m.sym") {
   try {

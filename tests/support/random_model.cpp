@@ -8,14 +8,14 @@
 namespace symfold {
 namespace {
 
-// The letters that stand for operands in the tables below.
+// The letters stand for operands in the tables below.
 enum Kind : char { kBool = 'B', kInt = 'I', kReal = 'R', kColour = 'C' };
 
 struct Variable {
   Kind kind;
   std::string name;
   std::string values;
-  std::string next;  // what it may be assigned
+  std::string next;  // an expression to assign that stays inside `values`
 };
 const std::vector<Variable> kPrivate = {
     {kBool, "up", "bool", "B"},
@@ -32,7 +32,7 @@ const std::map<Kind, std::vector<std::string>> kLeaves = {
     {kBool, {"true", "false"}},
     {kInt, {"0", "1", "2", "-3", "7"}},
     {kReal, {"0.5", "0.1", "3.0", "2.0"}},
-    {kColour, {}},  // what enumeration a literal is of, its surroundings say
+    {kColour, {}},  // a literal needs surroundings that tell its enumeration
 };
 const std::map<Kind, std::vector<std::string>> kOperations = {
     {kBool,

@@ -1,4 +1,4 @@
-// Small random models, for twins to agree on.
+// Small random models, for which fast code and its slow twin must agree.
 
 #ifndef SYMFOLD_TESTS_SUPPORT_RANDOM_MODEL_H
 #define SYMFOLD_TESTS_SUPPORT_RANDOM_MODEL_H

@@ -1,4 +1,4 @@
-// What the model reader owes for any text, checked by code that knows nothing of how it reads.
+// What the model reader guarantees for any text, checked by code that knows nothing of how it reads.
 
 #ifndef SYMFOLD_TESTS_SUPPORT_READER_CONTRACT_H
 #define SYMFOLD_TESTS_SUPPORT_READER_CONTRACT_H
@@ -9,11 +9,11 @@ namespace symfold {
 
 struct Reading {
   bool is_model = false;
-  std::string breach;  // of the contract; empty where all is well
+  std::string breach;  // of the contract; empty if it is kept
 };
 
-// Reads the text: a well-formed model, or at most ten errors with places in the text, none of them with
-// characters that a terminal would obey. Whatever else the reader throws is passed on.
+// Reads the text and checks the result: it must be a well-formed model, or one to ten errors with places in
+// the text and without characters that a terminal would obey. Every other exception is passed on.
 Reading read_by_contract(const std::string& text);
 
 }  // namespace symfold

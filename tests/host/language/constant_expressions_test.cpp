@@ -1,5 +1,5 @@
-// Random constant expressions, written with as few parentheses as precedence allows, against values computed
-// while they were made up, in 128 bits.
+// Random constant expressions, written with as few parentheses as precedence allows. Their values are
+// computed in 128 bits while they are made up.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 __extension__ typedef __int128 Wide;
 
-// An expression of type int or bool (0 or 1); no value where its evaluation must fail.
+// An expression of type int or bool (0 or 1), without a value if its evaluation must fail.
 struct Made {
   std::string text;
   int level;  // of precedence, loosest first
@@ -120,7 +120,7 @@ class Maker {
     return {text, level, computed(op, *a.value, *b.value)};
   }
 
-  // The quotient is the largest integer q with q * b at most a (at least a for negative b).
+  // The quotient is the largest integer q with q * b <= a (q * b >= a for negative b).
   static std::optional<Wide> computed(int op, Wide a, Wide b) {
     if (op == 0) return fitting(a + b);
     if (op == 1) return fitting(a - b);

@@ -1,5 +1,5 @@
-// Malformed models (malformed_models.txt), one rule after the other, with everything that is said about them;
-// and models that fail in a state (failing_models.txt).
+// Malformed models (malformed_models.txt), one for each rule, and models that fail in a state
+// (failing_models.txt), each with the whole text of its errors.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,8 @@ struct WrongModel {
   std::string message;
 };
 
-// A corpus: per model a line "=== " and its name, the text, a line "---", and all that is said about it.
+// Each model of a corpus is a line "=== " with its name, the text, a line "---", and the whole text of its
+// errors.
 std::vector<WrongModel> corpus(const std::string& file) {
   std::vector<WrongModel> models;
   std::ifstream in(SYMFOLD_TESTS_DIR "/host/language/" + file);

@@ -1,4 +1,4 @@
-// Large and hostile models end in an error, quickly and without much memory.
+// Large and hostile models end in an error, quickly and with little memory.
 
 #include <gtest/gtest.h>
 
@@ -77,7 +77,7 @@ TEST(ModelLimits, SizeOfTheSystem) {
             "expected every shared variable in one join, got a.s in j_1 and, at 1:88, in j_0");
 }
 
-// What is said about each of many elements is not worked out anew for each of them.
+// An error that each of many elements repeats is worked out only once.
 TEST(ModelLimits, ErrorsThatManyElementsRepeat) {
   const std::string array = "a[i : 0..99999] : T;";
   EXPECT_EQ(first_message("type T { shared s : bool; }" + std::string(10'000'000, ' ') + "system S { " +

@@ -1,4 +1,4 @@
-// Damaged models are models or errors with a place in the text, never anything else.
+// A damaged model is still a model, or it ends in errors with places in the text, and in nothing else.
 
 #include <gtest/gtest.h>
 
@@ -52,7 +52,7 @@ class Mutator {
     return text;
   }
 
-  // Words, runs of blanks and single symbols; a few tokens change places, are doubled or left out.
+  // Tokens are words and single characters. A few of them change places, are doubled or left out.
   std::string exchange_tokens(const std::string& text) {
     std::vector<std::string> tokens;
     for (const char c : text) {
@@ -109,7 +109,7 @@ TEST(MutatedModels, AreModelsOrErrors) {
   EXPECT_GT(errors, 100);
 }
 
-// What the fuzzer starts from: its findings of former times among them.
+// The texts that the fuzzer starts from; its earlier findings are among them.
 TEST(FuzzerSeeds, AreReadByContract) {
   const std::string directory = SYMFOLD_TESTS_DIR "/fuzz/seeds";
   EXPECT_TRUE(read_by_contract(file_text(directory + "/every_construct.sym")).is_model);
