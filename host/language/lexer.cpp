@@ -5,6 +5,8 @@
 #include <charconv>
 #include <utility>
 
+#include "host/model/utf8.h"
+
 namespace symfold {
 namespace {
 
@@ -12,7 +14,7 @@ constexpr std::array<std::string_view, 16> kKeywords = {
     "const", "type", "private", "shared", "system", "join", "label", "reward",
     "if",    "for",  "bool",    "int",    "real",   "true", "false", "div"};
 
-// Longer ones before their beginnings.
+// A symbol stands before the symbols that it starts with.
 constexpr std::array<std::string_view, 30> kSymbols = {
     "..", "->", "||", "&&", "==", "!=", "<=", ">=", "{", "}", "[", "]", "(", ")", ";",
     ":",  ",",  ".",  "=",  "<",  ">",  "?",  "!",  "+", "-", "*", "/", "%", "|", "&"};
@@ -28,10 +30,10 @@ std::size_t count_digits(std::string_view text) {
   return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_digit) - text.begin());
 }
 
-// Bytes of the code point that starts the text.
+// The bytes of the code point that starts the text, well-formed or not.
 std::size_t code_point_length(std::string_view text) {
   std::size_t length = 1;
-  while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
+  while (length < text.size() && continues_code_point(text[length])) ++length;
   return length;
 }
 
@@ -44,7 +46,7 @@ bool has_control(std::string_view text) {
 
 std::string shortened(std::string_view text) {
   std::size_t length = std::min(text.size(), kMaxShown);
-  while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
+  while (length < text.size() && continues_code_point(text[length])) --length;
   return std::string(text.substr(0, length)) + (length < text.size() ? "..." : "");
 }
 
@@ -78,7 +80,7 @@ Token Lexer::next() {
   return symbol();
 }
 
-// False where a comment has no end.
+// Skips comments too. Returns false if a comment has no end.
 bool Lexer::skip_blanks() {
   while (!rest().empty()) {
     if (is_blank(rest().front())) {
@@ -129,7 +131,7 @@ Token Lexer::name() {
   return take(is_keyword ? TokenKind::kKeyword : TokenKind::kName, length);
 }
 
-// Digits, then perhaps a fraction and an exponent; "0..3" is a number and a symbol.
+// Digits, then perhaps a fraction and an exponent. "0..3" starts with the number 0 and a symbol.
 Token Lexer::number() {
   const std::string_view text = rest();
   std::size_t length = count_digits(text);

@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_LANGUAGE_LEXER_H
 #define SYMFOLD_HOST_LANGUAGE_LEXER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,12 +12,12 @@
 
 namespace symfold {
 
-// Longer names are refused: names are repeated for every element of an array.
+// Longer names are errors, since names are repeated for every element of an array.
 inline constexpr std::size_t kMaxNameLength = 128;
 
 enum class TokenKind {
   kName,
-  kKeyword,  // reserved words
+  kKeyword,  // a reserved word
   kInteger,
   kReal,
   kString,  // text includes the quotes
@@ -32,7 +33,7 @@ struct Token {
   std::int64_t integer = 0;
   double real = 0;
 
-  // A symbol or keyword.
+  // True for this symbol or keyword.
   bool is(std::string_view word) const {
     return (kind == TokenKind::kSymbol || kind == TokenKind::kKeyword) && text == word;
   }
@@ -43,10 +44,10 @@ std::string describe(const Token& token);
 
 class Lexer {
  public:
-  // Both must outlive the lexer.
+  // Skips a byte order mark. The source and the list must outlive the lexer.
   Lexer(const SourceText& source, ErrorList& errors);
 
-  // The end token again and again after the last.
+  // Returns the next token; after the last, always the end token. What is no token is an error in the list.
   Token next();
 
  private:

@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_LANGUAGE_SOURCE_TEXT_H
 #define SYMFOLD_HOST_LANGUAGE_SOURCE_TEXT_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,16 +14,13 @@
 
 namespace symfold {
 
-// A byte of the text, from 0 to its size.
+// The position of a byte in the text, from 0 to the text's size.
 using Offset = std::uint32_t;
 
 // Longer texts are refused by the reader.
 inline constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;
 
-// Immutable and not movable: tokens and names are views into it.
-// Whether a control character, which a terminal might obey, comes first: U+0000 to U+001F, U+007F to U+009F.
-bool starts_with_control(std::string_view text);
-
+// Neither changed nor moved after it is made: tokens and names are views into it.
 class SourceText {
  public:
   SourceText(std::string name, std::string text);
@@ -32,9 +30,10 @@ class SourceText {
   const std::string& name() const { return name_; }
   std::string_view text() const { return text_; }
 
-  // The first byte that is no part of well-formed UTF-8.
+  // The first byte that is not part of well-formed UTF-8, if any.
   std::optional<Offset> find_malformed_byte() const;
 
+  // Cost of this and the next: the length of the line.
   Diagnostic diagnostic_at(Offset offset, std::string message) const;
 
   // `line:column`, for messages that name a second place.
@@ -42,7 +41,7 @@ class SourceText {
 
  private:
   std::size_t line_index(Offset offset) const;
-  std::string_view line_text(std::size_t index) const;
+  std::string_view line_text(std::size_t index) const;  // without the line break
   int code_points_before(std::size_t index, Offset offset) const;
 
   std::string name_;

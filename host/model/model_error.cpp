@@ -2,15 +2,16 @@
 
 #include <utility>
 
+#include "host/model/utf8.h"
+
 namespace symfold {
 namespace {
 
-// Blanks up to the caret; a tab stays a tab, so that the terminal moves alike on both lines.
+// Blanks up to the caret. A tab stays a tab, so that a terminal moves equally far on both lines.
 std::string caret_line(const std::string& source_line, int caret) {
   std::string blanks;
   for (const char c : source_line) {
-    const bool continues_code_point = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-    if (continues_code_point) continue;
+    if (continues_code_point(c)) continue;
     if (static_cast<int>(blanks.size()) == caret) break;
     blanks += c == '\t' ? '\t' : ' ';
   }

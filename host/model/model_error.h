@@ -7,14 +7,13 @@
 #ifndef SYMFOLD_HOST_MODEL_MODEL_ERROR_H
 #define SYMFOLD_HOST_MODEL_MODEL_ERROR_H
 
-#include <iosfwd>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace symfold {
 
-// One error. Lines and columns count from 1, columns in code points; a line of 0 means no position.
+// One error. Lines and columns count from 1, columns in code points; line 0 means that there is no position.
 struct Diagnostic {
   std::string file;  // as the user named it
   int line = 0;
@@ -24,11 +23,12 @@ struct Diagnostic {
   int caret = 0;            // code points of source_line before the caret
 };
 
-// `file:line:col: error: message`, the source line and a caret under the column, without a final line break.
-// Without a position only the first line.
+// `file:line:col: error: message`, the source line and a caret under the column, without a final line break;
+// without a position only `file: error: message`.
 std::string to_string(const Diagnostic& diagnostic);
 
-// The one exception for errors of the user's making. what() is the text of all diagnostics.
+// The one exception for errors that a user made in a model, or in what is asked of it. what() is the text of
+// all diagnostics, one after the other.
 class ModelError : public std::runtime_error {
  public:
   explicit ModelError(std::vector<Diagnostic> diagnostics);
