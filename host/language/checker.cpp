@@ -1,12 +1,13 @@
-#include "host/language/checker.h"
+// Names and types of a whole model, and the values of its constants. Expressions and the system have files of
+// their own.
 
 #include <map>
 #include <set>
 #include <utility>
 
-#include "host/language/constant_override.h"
 #include "host/language/evaluator.h"
 #include "host/language/expression_checker.h"
+#include "host/language/reading_steps.h"
 #include "host/language/scope.h"
 #include "host/language/system_checker.h"
 
@@ -23,14 +24,13 @@ class Checker {
         expressions_(model, types_, errors),
         constants_(nullptr, "a constant") {}
 
-  void check_constants(const std::map<std::size_t, Value>& overrides);
+  void check_constants(const ConstantValues& overrides);
   void check_types();
   void check_system() { SystemChecker(model_, types_, expressions_, constants_, errors_).check(); }
   void check_observables();
 
  private:
   void declare_global_names();
-  void declare_types();
   void declare_literals(VariableDecl& variable, TypeNames& names, const Scope& scope);
   int intern(const std::vector<Name>& literals);
   void check_type(TypeDecl& type, std::size_t index);
@@ -47,7 +47,7 @@ class Checker {
   std::map<std::vector<std::string>, int> enumerations_;
 };
 
-// All constants are visible everywhere; those without a value yet are refused where they are used.
+// All constants are visible everywhere. A use of one that has no value yet is an error.
 void Checker::declare_global_names() {
   for (std::size_t i = 0; i < model_.constants.size(); ++i) {
     const ConstantDecl& constant = model_.constants[i];
@@ -64,7 +64,7 @@ void Checker::declare_global_names() {
   }
 }
 
-void Checker::check_constants(const std::map<std::size_t, Value>& overrides) {
+void Checker::check_constants(const ConstantValues& overrides) {
   declare_global_names();
   for (std::size_t i = 0; i < model_.constants.size(); ++i) {
     ConstantDecl& constant = model_.constants[i];
@@ -75,7 +75,7 @@ void Checker::check_constants(const std::map<std::size_t, Value>& overrides) {
   }
 }
 
-// Constants with errors get some value of their type, so that each error is reported once.
+// A constant with an error gets some value of its type, so that the error is reported only once.
 Value Checker::evaluate_constant(const ConstantDecl& constant) {
   Value value = Value::of_int(0);
   if (model_.expr(constant.value).type.is_known()) {
@@ -220,9 +220,9 @@ void Checker::check_observables() {
 
 }  // namespace
 
-void check_model(ModelDescription& model, const std::vector<ConstOverride>& overrides, ErrorList& errors) {
+void check_model(ModelDescription& model, const ConstantValues& overrides, ErrorList& errors) {
   Checker checker(model, errors);
-  checker.check_constants(parse_overrides(model, overrides));
+  checker.check_constants(overrides);
   checker.check_types();
   checker.check_system();
   checker.check_observables();

@@ -1,4 +1,8 @@
-#include "host/language/composer.h"
+// Expands arrays, conditions and `for` entries.
+//
+// Every combination of an array's indices is visited once, the last index fastest. Each visit, and each
+// operator evaluated on the way, is a step. The number of steps is bounded, so that ranges nested in ranges
+// whose conditions are always false end in an error and not in the user's patience.
 
 #include <string>
 #include <unordered_map>
@@ -7,10 +11,12 @@
 
 #include "host/language/expansion.h"
 #include "host/language/instance_table.h"
+#include "host/language/reading_steps.h"
 
 namespace symfold {
 namespace {
 
+constexpr std::size_t kMaxVariables = 2'000'000;  // of all submodels
 constexpr int kStepsPerElement = 8;
 
 class Composer {
@@ -26,16 +32,16 @@ class Composer {
   ComposedModel compose();
 
  private:
-  // Where a shared variable of a submodel is bound.
+  // The join that a submodel's shared variable belongs to.
   struct Bound {
-    int join = -1;
+    int join = -1;  // -1: none yet
     Offset entry = 0;
   };
 
-  // What a name stands for: the submodel, if any.
+  // What a name stands for.
   struct Named {
     Offset declared = 0;
-    int submodel = -1;
+    int submodel = -1;  // -1: no submodel
   };
 
   void register_names();
@@ -97,7 +103,7 @@ void Composer::register_names() {
   for (const JoinDecl& join : system.joins) names_.emplace(join.name.text, Named{join.name.offset});
 }
 
-// What is not in an array is registered already.
+// The names of what stands outside arrays are registered already.
 void Composer::register_element(const Name& array, bool is_array, const std::string& name, int submodel) {
   const auto [entry, is_new] = names_.emplace(name, Named{array.offset});
   if (is_new || !is_array) {
@@ -195,7 +201,7 @@ void Composer::add_members(Join& join, const JoinDecl& declaration, const JoinEn
   });
 }
 
-// The submodel that the entry names here, and its name.
+// Returns the submodel that the entry names for the current indices, -1 if there is none; and its name.
 int Composer::find_submodel(const JoinEntryDecl& entry, std::string& name) {
   name = entry.submodel.text;
   for (const ExprId id : entry.indices) {
@@ -244,7 +250,7 @@ std::string Composer::member_name(const JoinMember& member) const {
          result_.variable_of(member).name;
 }
 
-// Where the join itself gives the initial value, those of its members do not matter.
+// If the join itself has an initial value, then those of its members do not matter.
 void Composer::require_agreement(const Join& join, const JoinDecl& declaration, const JoinEntryDecl& entry,
                                  const JoinMember& member) {
   const JoinMember& leader = join.members.front();

@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
 #define SYMFOLD_HOST_LANGUAGE_ERROR_LIST_H
 
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -22,15 +23,16 @@ inline std::string counted(std::size_t count, const std::string& one, const std:
 
 class ErrorList {
  public:
+  // The source must outlive the list.
   explicit ErrorList(const SourceText& source) : source_(source) {}
 
-  // Throws ModelError, with all errors, as soon as there are kMaxErrors.
+  // Throws ModelError, with all errors, as soon as there are kMaxErrors of them.
   void add(Offset offset, std::string message) {
     errors_.push_back(source_.diagnostic_at(offset, std::move(message)));
     if (errors_.size() == kMaxErrors) throw_if_any();
   }
 
-  // For errors that every element of an array repeats: only the first of a pair of places is kept.
+  // For errors that every element of an array repeats: only the first error of each pair of places is kept.
   void add_once(Offset offset, Offset cause, std::string message) {
     if (seen_.emplace(offset, cause).second) add(offset, std::move(message));
   }
@@ -47,10 +49,8 @@ class ErrorList {
     if (!errors_.empty()) throw ModelError(std::move(errors_));
   }
 
-  const SourceText& source() const { return source_; }
-
-  // `line:column`, once computed for each offset: finding it takes a walk along its line, and the errors that
-  // all elements of an array repeat ask for the same ones.
+  // `line:column`, computed once for each offset: finding it takes a walk along the line, and the errors that
+  // all elements of an array repeat ask for the same places.
   const std::string& place(Offset offset) {
     const auto [entry, is_new] = places_.try_emplace(offset);
     if (is_new) entry->second = source_.place(offset);

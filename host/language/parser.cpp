@@ -1,21 +1,12 @@
-#include "host/language/parser.h"
+// From the text to the tree, by recursive descent; expressions have a parser of their own.
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 #include "host/language/expression_parser.h"
+#include "host/language/reading_steps.h"
 
 namespace symfold {
 namespace {
-
-constexpr std::array<std::string_view, 5> kDeclarations = {"const", "type", "system", "label", "reward"};
-constexpr std::array<std::string_view, 3> kStatements = {"private", "shared", "join"};
-
-template <typename Words>
-bool is_one_of(const Token& token, const Words& words) {
-  return std::any_of(words.begin(), words.end(), [&token](std::string_view word) { return token.is(word); });
-}
 
 class Parser {
  public:
@@ -41,9 +32,6 @@ class Parser {
   void parse_entry(JoinDecl& join);
   void parse_observable(bool is_reward);
 
-  template <typename ParseStatement>
-  void parse_block(const std::string& what, ParseStatement parse_statement);
-  void skip_statement();
   ExprId parse_condition();
   StaticType parse_scalar_type();
   Assignment parse_assignment(const std::string& what);
@@ -63,7 +51,7 @@ ModelDescription Parser::parse() {
     try {
       parse_declaration();
     } catch (const SyntaxError&) {
-      while (!tokens_.at_end() && !is_one_of(tokens_.current(), kDeclarations)) tokens_.take();
+      tokens_.skip_to_declaration();
     }
   }
   if (!has_system_ && errors_.is_empty()) {
@@ -98,45 +86,12 @@ void Parser::parse_constant() {
   model_.constants.push_back(constant);
 }
 
-// Statements up to the closing brace. After a wrong one parsing goes on behind it; a block that breaks off
-// before a declaration has had its error.
-template <typename ParseStatement>
-void Parser::parse_block(const std::string& what, ParseStatement parse_statement) {
-  bool is_broken = false;
-  while (!tokens_.current().is("}")) {
-    const bool breaks_off = tokens_.at_end() || is_one_of(tokens_.current(), kDeclarations);
-    if (breaks_off && is_broken) throw SyntaxError();
-    if (breaks_off) tokens_.fail(what + " or '}'");
-    try {
-      parse_statement();
-    } catch (const SyntaxError&) {
-      is_broken = true;
-      skip_statement();
-    }
-  }
-  tokens_.expect("}");
-  tokens_.accept(";");
-}
-
-// Up to behind the next ';' outside braces, or up to where a block ends or another statement starts.
-void Parser::skip_statement() {
-  int depth = 0;
-  for (bool is_first = true; !tokens_.at_end(); is_first = false) {
-    const Token& token = tokens_.current();
-    if (is_one_of(token, kDeclarations) || (!is_first && is_one_of(token, kStatements))) return;
-    if (token.is("}") && depth == 0) return;
-    if (token.is("{")) ++depth;
-    if (token.is("}")) --depth;
-    if (tokens_.take().is(";") && depth == 0) return;
-  }
-}
-
 void Parser::parse_type() {
   TypeDecl type;
   type.name = tokens_.expect_name("a name");
   if (tokens_.accept("(")) parse_parameters(type);
   tokens_.expect("{");
-  parse_block("'private', 'shared', '['", [this, &type] {
+  tokens_.take_statements("'private', 'shared', '['", [this, &type] {
     const Token& token = tokens_.current();
     if (token.is("private") || token.is("shared")) return parse_variable(type);
     if (token.is("[")) return parse_action(type);
@@ -186,7 +141,8 @@ void Parser::parse_value_set(VariableDecl& variable) {
   }
 }
 
-// After a wrong one, the brace that closes them is no longer in the way of skip_statement().
+// After a wrong literal, also the brace that closes the list is skipped: the end of a statement is searched
+// next, and this brace would look like the end of the block.
 void Parser::parse_literals(VariableDecl& variable) {
   try {
     do {
@@ -236,7 +192,7 @@ void Parser::parse_system() {
   has_system_ = true;
   model_.system.name = tokens_.expect_name("a name");
   tokens_.expect("{");
-  parse_block("a submodel, 'join', 'if'", [this] { parse_system_item(model_.system); });
+  tokens_.take_statements("a submodel, 'join', 'if'", [this] { parse_system_item(model_.system); });
 }
 
 ExprId Parser::parse_condition() {
@@ -301,7 +257,7 @@ void Parser::parse_submodel(SystemDecl& system, ExprId condition) {
 }
 
 void Parser::parse_initials(SubmodelDecl& submodel) {
-  parse_block("a private variable's name", [this, &submodel] {
+  tokens_.take_statements("a private variable's name", [this, &submodel] {
     submodel.initials.push_back(parse_assignment("a private variable's name or '}'"));
     tokens_.expect(";");
   });
@@ -314,7 +270,7 @@ void Parser::parse_join(SystemDecl& system, ExprId condition) {
   join.ranges = parse_array_ranges();
   if (tokens_.accept("=")) join.initial = expressions_.parse();
   tokens_.expect("{");
-  parse_block("a submodel's name, 'if'", [this, &join] { parse_entry(join); });
+  tokens_.take_statements("a submodel's name, 'if'", [this, &join] { parse_entry(join); });
   system.joins.push_back(std::move(join));
 }
 

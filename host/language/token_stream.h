@@ -1,4 +1,4 @@
-// Two tokens of look-ahead and the parser's way of giving up on a statement.
+// The tokens as the parser takes them: two tokens of look-ahead, and the way on after a wrong statement.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_TOKEN_STREAM_H
 #define SYMFOLD_HOST_LANGUAGE_TOKEN_STREAM_H
@@ -16,6 +16,7 @@ struct SyntaxError {};
 
 class TokenStream {
  public:
+  // The source and the list must outlive the stream.
   TokenStream(const SourceText& source, ErrorList& errors)
       : lexer_(source, errors), errors_(errors), current_(lexer_.next()), following_(lexer_.next()) {}
 
@@ -30,6 +31,7 @@ class TokenStream {
     return token;
   }
 
+  // Takes the symbol or keyword if it comes next.
   bool accept(std::string_view word) {
     if (!current_.is(word)) return false;
     take();
@@ -40,26 +42,41 @@ class TokenStream {
     if (!accept(word)) fail("'" + std::string(word) + "'");
   }
 
-  Name expect_name(const std::string& what) {
-    if (current_.kind != TokenKind::kName) fail(what);
-    const Token token = take();
-    return {token.text, token.offset};
-  }
+  Name expect_name(const std::string& what);
 
-  // At the current token. A malformed one has its error already.
-  [[noreturn]] void fail(const std::string& expected) {
-    if (current_.kind != TokenKind::kMalformed) {
-      errors_.add(current_.offset, "expected " + expected + ", got " + describe(current_));
+  // Fails at the current token: "expected ..., got ...". A malformed token has its error already.
+  [[noreturn]] void fail(const std::string& expected);
+
+  [[noreturn]] void fail_at(Offset offset, const std::string& message);
+
+  // Calls parse_statement() up to the closing brace, and takes the brace. After a wrong statement it goes on
+  // behind that. A block that a declaration or the end of the text cuts off is an error, unless one of its
+  // statements was wrong already.
+  template <typename ParseStatement>
+  void take_statements(const std::string& expected, const ParseStatement& parse_statement) {
+    bool is_broken = false;
+    while (!current_.is("}")) {
+      const bool breaks_off = at_end() || at_declaration();
+      if (breaks_off && is_broken) throw SyntaxError();
+      if (breaks_off) fail(expected + " or '}'");
+      try {
+        parse_statement();
+      } catch (const SyntaxError&) {
+        is_broken = true;
+        skip_statement();
+      }
     }
-    throw SyntaxError();
+    expect("}");
+    accept(";");
   }
 
-  [[noreturn]] void fail_at(Offset offset, const std::string& message) {
-    errors_.add(offset, message);
-    throw SyntaxError();
-  }
+  // Skips to the next word that starts a declaration, or to the end.
+  void skip_to_declaration();
 
  private:
+  bool at_declaration() const;
+  void skip_statement();
+
   Lexer lexer_;
   ErrorList& errors_;
   Token current_;

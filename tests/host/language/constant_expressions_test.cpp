@@ -8,6 +8,7 @@
 #include <random>
 #include <string>
 
+#include "host/language/model_description.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {
