@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/chain/state_layout.h"
-#include "host/language/arithmetic.h"
+#include "host/language/evaluator.h"
 
 namespace symfold {
 

@@ -1,9 +1,54 @@
 #include "host/language/evaluator.h"
 
+#include <algorithm>
+#include <cmath>
+#include <optional>
 #include <stdexcept>
 
 namespace symfold {
 namespace {
+
+std::int64_t checked(std::optional<std::int64_t> result, Offset offset) {
+  if (!result) throw EvaluationError{offset, "expected a result in the range of a 64-bit int"};
+  return *result;
+}
+
+double checked(double result, Offset offset) {
+  if (!std::isfinite(result)) throw EvaluationError{offset, "expected a result in the range of a real"};
+  return result;
+}
+
+// Nothing if the result is no 64-bit integer.
+std::optional<std::int64_t> add(std::int64_t a, std::int64_t b) {
+  std::int64_t result = 0;
+  if (__builtin_add_overflow(a, b, &result)) return std::nullopt;
+  return result;
+}
+
+std::optional<std::int64_t> subtract(std::int64_t a, std::int64_t b) {
+  std::int64_t result = 0;
+  if (__builtin_sub_overflow(a, b, &result)) return std::nullopt;
+  return result;
+}
+
+std::optional<std::int64_t> multiply(std::int64_t a, std::int64_t b) {
+  std::int64_t result = 0;
+  if (__builtin_mul_overflow(a, b, &result)) return std::nullopt;
+  return result;
+}
+
+// Here and below b is not 0. A b of -1 is treated apart, since the smallest integer by -1 overflows.
+std::optional<std::int64_t> divide_down(std::int64_t a, std::int64_t b) {
+  if (b == -1) return subtract(0, a);
+  const std::int64_t quotient = a / b;
+  return a % b != 0 && (a < 0) != (b < 0) ? quotient - 1 : quotient;
+}
+
+std::int64_t remainder_of_divide_down(std::int64_t a, std::int64_t b) {
+  if (b == -1) return 0;
+  const std::int64_t remainder = a % b;
+  return remainder != 0 && (remainder < 0) != (b < 0) ? remainder + b : remainder;
+}
 
 class Evaluation {
  public:
@@ -88,6 +133,51 @@ Value Evaluation::arithmetic(const Expr& expr) const {
 }
 
 }  // namespace
+
+std::int64_t apply(Op op, std::int64_t a, std::int64_t b, Offset offset) {
+  const bool divides = op == Op::kDivideDown || op == Op::kRemainder;
+  if (divides && b == 0) throw EvaluationError{offset, "division by zero"};
+  switch (op) {
+    case Op::kAdd:
+      return checked(add(a, b), offset);
+    case Op::kSubtract:
+      return checked(subtract(a, b), offset);
+    case Op::kMultiply:
+      return checked(multiply(a, b), offset);
+    case Op::kDivideDown:
+      return checked(divide_down(a, b), offset);
+    case Op::kRemainder:
+      return remainder_of_divide_down(a, b);
+    case Op::kMin:
+      return std::min(a, b);
+    default:
+      return std::max(a, b);
+  }
+}
+
+double apply(Op op, double a, double b, Offset offset) {
+  switch (op) {
+    case Op::kAdd:
+      return checked(a + b, offset);
+    case Op::kSubtract:
+      return checked(a - b, offset);
+    case Op::kMultiply:
+      return checked(a * b, offset);
+    case Op::kDivide:
+      if (b == 0) throw EvaluationError{offset, "division by zero"};
+      return checked(a / b, offset);
+    case Op::kMin:
+      return std::min(a, b);
+    default:
+      return std::max(a, b);
+  }
+}
+
+std::int64_t apply(Op op, std::int64_t a, Offset offset) {
+  return op == Op::kAbs && a >= 0 ? a : checked(subtract(0, a), offset);
+}
+
+double apply(Op op, double a, Offset) { return op == Op::kNegate ? -a : std::abs(a); }
 
 Value evaluate(const ModelDescription& model, ExprId id, const Environment& environment, Budget& budget) {
   return Evaluation(model, environment, budget).value_of(id);

@@ -34,13 +34,13 @@ Expansion::Span Expansion::span_of(const IndexRange& range) {
   const std::int64_t low = value_of(range.low).integer;
   const std::int64_t high = value_of(range.high).integer;
   if (low > high) return {low, 0};
-  const auto distance = checked_subtract(high, low);
-  if (!distance || *distance >= kMaxElements) {
+  const std::uint64_t distance = static_cast<std::uint64_t>(high) - static_cast<std::uint64_t>(low);
+  if (distance >= static_cast<std::uint64_t>(kMaxElements)) {
     throw EvaluationError{range.name.offset, "expected at most " + std::to_string(kMaxElements) +
                                                  " values of '" + std::string(range.name.text) + "', got " +
                                                  std::to_string(low) + ".." + std::to_string(high)};
   }
-  return {low, *distance + 1};
+  return {low, static_cast<std::int64_t>(distance) + 1};
 }
 
 void Expansion::report(const EvaluationError& error, const std::string& where) {

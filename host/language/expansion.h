@@ -1,8 +1,9 @@
-// Walks through the values of indices, and evaluates expressions that use them, within a budget of steps.
+// Walks through the values of indices and evaluates expressions that use them, within a budget of steps.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_EXPANSION_H
 #define SYMFOLD_HOST_LANGUAGE_EXPANSION_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -21,24 +22,25 @@ class Expansion {
 
   Budget& budget() { return budget_; }
 
-  // Takes steps; fails at the offset when none are left.
+  // Takes steps from the budget; throws ModelError, with an error at the offset, if none are left.
   void spend(std::int64_t steps, Offset offset);
 
-  // With the indices of the moment. Throws EvaluationError.
+  // The value for the current indices. Throws EvaluationError.
   Value value_of(ExprId id);
   bool is_left_out(ExprId condition) { return condition != kNoExpr && !value_of(condition).is_true(); }
 
-  // The array's name with the indices of the moment: "grid_1_2". Throws EvaluationError for negative ones.
+  // The array's name with the current indices: "grid_1_2". Throws EvaluationError if one is negative.
   std::string element_name(const Name& array) const;
 
-  // Calls body() for every combination of the ranges' values, the last index fastest. Throws EvaluationError.
+  // Calls body() for every combination of the ranges' values, the last index fastest. Throws EvaluationError
+  // if a range has no value.
   template <typename Body>
   void for_each(const std::vector<IndexRange>& ranges, const Body& body) {
     for_each_from(ranges, 0, body);
   }
 
-  // Calls body(). An expression without a value ends it: the error goes into the list, and the result is
-  // false.
+  // Calls body() and returns true. If an expression in it has no value, then that ends it: the error, with
+  // `where` added, goes into the list, and the result is false.
   template <typename Body>
   bool guarded(const std::string& where, const Body& body) {
     const std::size_t depth = indices_.size();

@@ -1,12 +1,9 @@
 #include "host/language/expression_checker.h"
 
-#include <algorithm>
-
 namespace symfold {
 namespace {
 
 constexpr StaticType kNoType;
-constexpr std::size_t kLiteralsShown = 6;
 
 bool fits(const StaticType& type, const StaticType& wanted) {
   return type == wanted || (wanted.scalar == Scalar::kReal && type.scalar == Scalar::kInt);
@@ -23,14 +20,8 @@ std::string ExpressionChecker::describe(const StaticType& type) const {
     case Scalar::kReal:
       return "real";
     default:
-      break;
+      return literals_text(*model_.enumeration(type).literals);
   }
-  std::string text;
-  const std::vector<std::string>& literals = *model_.enumeration(type).literals;
-  for (std::size_t i = 0; i < std::min(literals.size(), kLiteralsShown); ++i) {
-    text += (i == 0 ? "{" : ", ") + literals[i];
-  }
-  return text + (literals.size() > kLiteralsShown ? ", ...}" : "}");
 }
 
 bool ExpressionChecker::is_new_name(const Name& name, const Scope& scope) {
@@ -183,7 +174,7 @@ StaticType ExpressionChecker::type_of_member(Expr& expr, const Context& context)
   return model_.type(quantifier.type_index).variables[static_cast<std::size_t>(expr.index)].type;
 }
 
-// Whether only the surroundings can tell which enumeration is meant.
+// True if only the surroundings can tell which enumeration is meant.
 bool ExpressionChecker::needs_hint(ExprId id, const Scope& scope) const {
   const Expr& expr = model_.expr(id);
   if (expr.op == Op::kName) return scope.find(expr.name) == nullptr;
@@ -205,7 +196,7 @@ ExpressionChecker::TypePair ExpressionChecker::types_of_pair(ExprId first, ExprI
   return types;
 }
 
-// The type of which both are values.
+// The type to which values of both belong.
 StaticType ExpressionChecker::common_type(const TypePair& types, ExprId second) {
   if (!types.first.is_known() || !types.second.is_known()) return kNoType;
   if (fits(types.first, types.second)) return types.second;

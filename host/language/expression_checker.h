@@ -1,14 +1,13 @@
-// Types of expressions and meanings of their names.
+// Finds the types of expressions and the meanings of the names in them.
 //
 // Types flow upwards, except for enumerations: a literal such as `left` may belong to several of them, so a
-// wanted type (that of an assignment's target, or of the other operand) flows down and decides. Without one
-// the literal must have the same position in all enumerations of its type that have it.
+// wanted type (that of an assignment's target, or of the other operand) flows down and decides. Without a
+// wanted type, the literal must have the same position in all enumerations of its type that have it.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_EXPRESSION_CHECKER_H
 #define SYMFOLD_HOST_LANGUAGE_EXPRESSION_CHECKER_H
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/language/error_list.h"
@@ -19,8 +18,8 @@ namespace symfold {
 
 // What an expression may contain besides exact operators.
 struct Usage {
-  bool division = false;     // `/`, where a real number is meant
-  bool quantifiers = false;  // in labels and rewards
+  bool division = false;     // `/`, which divides reals
+  bool quantifiers = false;  // as in labels and rewards
 };
 
 inline constexpr Usage kExactUsage{false, false};
@@ -33,17 +32,17 @@ class ExpressionChecker {
   ExpressionChecker(ModelDescription& model, const TypeTable& types, ErrorList& errors)
       : model_(model), types_(types), errors_(errors) {}
 
-  // Completes the expression. Its type is `wanted` (an int where a real is wanted is fine), or else unknown
-  // and there is an error in the list.
+  // Completes the expression. Its type is then `wanted`, or an int if a real is wanted; otherwise the type is
+  // unknown and an error is in the list.
   void check(ExprId id, const StaticType& wanted, const Scope& scope, Usage usage = kExactUsage);
 
   // The same for a number of either kind.
   void check_number(ExprId id, const Scope& scope, Usage usage);
 
-  // Puts an error into the list where the name stands for something already.
+  // Returns true if the name stands for nothing in the scope; otherwise puts an error into the list.
   bool is_new_name(const Name& name, const Scope& scope);
 
-  // The arguments that stand behind a type's name.
+  // Checks the arguments behind a type's name against its parameters.
   void check_arguments(const Name& type, int type_index, const std::vector<ExprId>& arguments,
                        const Scope& scope);
 

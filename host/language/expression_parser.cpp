@@ -39,7 +39,7 @@ struct NamedOperator {
   Op op;
 };
 
-// These words are names unless what follows makes them operators.
+// These words are names unless the token after them makes them operators.
 constexpr std::array<NamedOperator, 3> kFunctions = {
     {{"min", Op::kMin}, {"max", Op::kMax}, {"abs", Op::kAbs}}};
 constexpr std::array<NamedOperator, 4> kQuantifiers = {

@@ -2,14 +2,15 @@
 //
 // From loosest to tightest: ?: (groups to the right), ||, &&, !, comparisons (at most one), + -, * / div %,
 // unary minus. The binary levels share one function that takes the level as its argument. A quantifier's body
-// reaches as far to the right as it can. Both the recursion and the height of the tree are bounded by
-// kMaxExpressionDepth, so that later walks may recurse.
+// reaches as far to the right as it can. kMaxExpressionDepth bounds both the recursion and the height of the
+// tree, so that later walks may recurse.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_EXPRESSION_PARSER_H
 #define SYMFOLD_HOST_LANGUAGE_EXPRESSION_PARSER_H
 
 #include <initializer_list>
-#include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/language/token_stream.h"
 
@@ -21,8 +22,8 @@ class ExpressionParser {
 
   ExprId parse();
 
-  // `(` expressions `)` or `[` expressions `]`, after the opening bracket; at least one when `allow_none` is
-  // false.
+  // Takes expressions and the closing bracket; the opening one is taken already. There must be at least one
+  // expression unless `allow_none`.
   std::vector<ExprId> parse_list(std::string_view closing, bool allow_none);
 
  private:

@@ -5,8 +5,9 @@
 namespace symfold {
 namespace {
 
-constexpr std::int64_t kLowestValue = -32768;
-constexpr std::int64_t kHighestValue = 32767;
+// Variables have 16 bits.
+constexpr std::int64_t kMinValue = -32768;
+constexpr std::int64_t kMaxValue = 32767;
 constexpr int kStepsPerVariable = 16;
 
 std::string token_of(const TypeDecl& type, const std::vector<Value>& arguments) {
@@ -15,7 +16,7 @@ std::string token_of(const TypeDecl& type, const std::vector<Value>& arguments) 
   return arguments.empty() ? token : token + ')';
 }
 
-// As the parameter's type; the one zero of either sign.
+// The value as one of the parameter's type. -0 becomes 0, so that both make the same instance.
 Value converted(const Value& value, const StaticType& type) {
   if (type != kRealType) return value;
   const double real = value.as_real();
@@ -91,11 +92,11 @@ void InstanceTable::set_range(Variable& variable, const VariableDecl& declaratio
                               const Environment& environment) {
   const std::int64_t low = evaluate(model_, declaration.low, environment, budget_).integer;
   const std::int64_t high = evaluate(model_, declaration.high, environment, budget_).integer;
-  if (low < kLowestValue || high > kHighestValue || low > high) {
+  if (low < kMinValue || high > kMaxValue || low > high) {
     throw EvaluationError{model_.expr(declaration.low).offset,
-                          "expected a range inside [" + std::to_string(kLowestValue) + ".." +
-                              std::to_string(kHighestValue) + "], lower end first, got [" +
-                              std::to_string(low) + ".." + std::to_string(high) + "]"};
+                          "expected a range inside [" + std::to_string(kMinValue) + ".." +
+                              std::to_string(kMaxValue) + "], lower end first, got [" + std::to_string(low) +
+                              ".." + std::to_string(high) + "]"};
   }
   variable.values = {ValueSet::Kind::kRange, static_cast<int>(low), static_cast<int>(high), nullptr};
 }

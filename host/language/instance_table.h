@@ -1,5 +1,5 @@
-// The type instances of a model: a type with values for its parameters, its value sets and initial values
-// computed once.
+// The type instances of a model: each is a type with values for its parameters. Value sets and initial values
+// are computed once for each instance.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_INSTANCE_TABLE_H
 #define SYMFOLD_HOST_LANGUAGE_INSTANCE_TABLE_H
@@ -21,8 +21,8 @@ class InstanceTable {
                 ErrorList& errors)
       : model_(model), instances_(instances), budget_(budget), errors_(errors) {}
 
-  // The index of the type's instance with these arguments, made when new. Nothing where a value set or
-  // initial value is wrong; the error is in the list.
+  // Returns the index of the type's instance with these arguments, which it makes if there is none yet.
+  // Returns nothing if a value set or an initial value is wrong; the error is in the list.
   std::optional<int> find_or_add(int type, std::vector<Value> arguments);
 
  private:
@@ -37,7 +37,7 @@ class InstanceTable {
   std::unordered_map<std::string, std::optional<int>> known_;  // by token
 };
 
-// The value in the set, or an EvaluationError at the offset.
+// Returns the value. Throws EvaluationError, at the offset, if it is not in the set.
 int value_in(const ValueSet& set, const Value& value, Offset offset);
 
 }  // namespace symfold

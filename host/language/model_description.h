@@ -2,13 +2,14 @@
 //
 // Expressions live in one vector and refer to each other by index, so that no destructor recurses and a model
 // can be copied as it is. After checking, every expression has its type, constants and literals are plain
-// values, and every remaining name says what it stands for (see Reference). The guards, rates and assignments
-// of the actions and the labels and rewards are kept in this form for whoever gives them a meaning.
+// values, and every remaining name says what it stands for (see Reference). The actions' guards, rates and
+// assignments, the labels and the rewards stay in this form; other rooms give them their meaning.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_MODEL_DESCRIPTION_H
 #define SYMFOLD_HOST_LANGUAGE_MODEL_DESCRIPTION_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -23,6 +24,20 @@
 
 namespace symfold {
 
+// The type of an expression. Enumerations with the same literals in the same order are one type.
+struct StaticType {
+  Scalar scalar = Scalar::kUnknown;
+  int enumeration = -1;  // of kEnum: index into ModelDescription::enumerations
+
+  bool operator==(const StaticType&) const = default;
+  bool is_known() const { return scalar != Scalar::kUnknown; }
+  bool is_number() const { return scalar == Scalar::kInt || scalar == Scalar::kReal; }
+};
+
+inline constexpr StaticType kBoolType{Scalar::kBool, -1};
+inline constexpr StaticType kIntType{Scalar::kInt, -1};
+inline constexpr StaticType kRealType{Scalar::kReal, -1};
+
 // Limits of one model file.
 inline constexpr int kMaxExpressionDepth = 256;
 inline constexpr std::size_t kMaxExpressions = 2'000'000;
@@ -33,8 +48,8 @@ inline constexpr int kMaxQuantifierDepth = 8;
 using ExprId = int;
 inline constexpr ExprId kNoExpr = -1;
 
-// Operands are in the order of the text; quantifiers have their body as their one operand. min and max of
-// several arguments are nested to the left.
+// Operands are in the order of the text. A quantifier has one operand, its body. min and max of more than two
+// arguments are nested to the left.
 enum class Op : std::uint8_t {
   kValue,
   kName,
@@ -77,9 +92,9 @@ struct Expr {
   Reference reference = Reference::kNone;
   StaticType type;
   Offset offset = 0;           // where the expression starts
-  Offset operator_offset = 0;  // where its operator stands
+  Offset operator_offset = 0;  // where its operator stands; of a kMember the part after the dot
   int height = 1;              // at most kMaxExpressionDepth
-  int index = -1;              // what the reference says
+  int index = -1;              // see Reference
   int quantifier = -1;         // of a quantifier or kMember: index into ModelDescription::quantifiers
   std::array<ExprId, 3> operands{kNoExpr, kNoExpr, kNoExpr};
   Value value;
@@ -103,7 +118,7 @@ struct Enumeration {
 struct Quantifier {
   Name variable;
   Name type;
-  bool has_arguments = false;  // then it ranges over the instances with these arguments only
+  bool has_arguments = false;  // if true, it ranges over the instances with these arguments only
   std::vector<ExprId> arguments;
   int type_index = -1;
 };
@@ -128,7 +143,7 @@ struct VariableDecl {
   ExprId high = kNoExpr;
   std::vector<Name> literals;  // of an enumeration
   ExprId initial = kNoExpr;
-  int slot = 0;  // position among the type's private, or its shared variables
+  int slot = 0;  // position among the type's private or shared variables
 };
 
 // variable = value
@@ -220,7 +235,7 @@ struct ModelDescription {
   std::vector<ObservableDecl> observables;
 };
 
-// The value set of a type's variable in one of the type's instances.
+// The value set of a type's variable in an instance of the type.
 inline const ValueSet& values_of(const TypeInstance& instance, const VariableDecl& variable) {
   const auto slot = static_cast<std::size_t>(variable.slot);
   return (variable.is_shared ? instance.shared_variables : instance.private_variables)[slot].values;

@@ -1,8 +1,9 @@
-// What the names of an expression may stand for at one place of the model: scopes inside one another.
+// What names may stand for at one place of the model. Scopes lie inside one another.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_SCOPE_H
 #define SYMFOLD_HOST_LANGUAGE_SCOPE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,13 +20,13 @@ enum class BindingKind : std::uint8_t { kConstant, kParameter, kIndex, kVariable
 
 struct Binding {
   BindingKind kind = BindingKind::kConstant;
-  int index = -1;  // among those of its kind; of kQuantified: the quantifier
+  int index = -1;  // among the bindings of its kind; of kQuantified: into ModelDescription::quantifiers
   StaticType type;
   Offset declared = 0;
 };
 
-// What a literal's name means in one type: the first enumeration that has it, and the first that has it at
-// another position.
+// What a literal's name means in one type: the first enumeration that has it, and the first one that has it
+// at another position.
 struct LiteralMeaning {
   struct Place {
     int enumeration = -1;
@@ -42,6 +43,7 @@ struct TypeNames {
   std::unordered_map<std::string_view, LiteralMeaning> literals;
 };
 
+// All types by name. The two functions return -1 if there is none.
 struct TypeTable {
   std::unordered_map<std::string_view, int> indices;
   std::vector<TypeNames> names;  // per type
@@ -60,8 +62,8 @@ struct TypeTable {
 
 class Scope {
  public:
-  // `expected` says what a name may be here, for messages: "a constant or an index". `type` gives the
-  // literals, if any. Both pointees must outlive the scope.
+  // `expected` says what a name may be here, for messages: "a constant or an index". `type` has the literals,
+  // if there are any. `outer` and `type` must outlive the scope.
   Scope(const Scope* outer, std::string expected, const TypeNames* type = nullptr)
       : outer_(outer), expected_(std::move(expected)), type_(type) {}
 
@@ -75,7 +77,7 @@ class Scope {
     return nullptr;
   }
 
-  // That of the constants.
+  // The scope of the constants.
   const Scope& outermost() const { return outer_ == nullptr ? *this : outer_->outermost(); }
 
   // The innermost meaning wins.
@@ -90,7 +92,7 @@ class Scope {
 
   void bind(std::string_view name, const Binding& binding) { bindings_.emplace(name, binding); }
 
-  // Of a name bound here.
+  // Requires: the name is bound in this scope itself.
   void set_type(std::string_view name, const StaticType& type) { bindings_.find(name)->second.type = type; }
 
  private:

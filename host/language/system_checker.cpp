@@ -8,7 +8,7 @@
 namespace symfold {
 namespace {
 
-// Words of the graph viewer's language, in any case: no submodel's name.
+// True for a word of the graph viewers' language, in any mixture of cases. It cannot be a submodel's name.
 bool is_viewer_word(std::string_view name) {
   constexpr std::array<std::string_view, 6> kWords = {"node",    "edge",     "graph",
                                                       "digraph", "subgraph", "strict"};

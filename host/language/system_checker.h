@@ -3,6 +3,7 @@
 #ifndef SYMFOLD_HOST_LANGUAGE_SYSTEM_CHECKER_H
 #define SYMFOLD_HOST_LANGUAGE_SYSTEM_CHECKER_H
 
+#include <cstddef>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -19,7 +20,7 @@ class SystemChecker {
                 const Scope& constants, ErrorList& errors)
       : model_(model), types_(types), expressions_(expressions), constants_(constants), errors_(errors) {}
 
-  // Precondition: constants and types are checked.
+  // Requires: constants and types are checked.
   void check();
 
  private:

@@ -1,8 +1,13 @@
-// A composed model: what is left of a model file when its arrays are expanded and its names resolved.
+// A composed model: submodels, and joins by which they share variables. A model file becomes one when its
+// arrays are expanded and its names are resolved.
+//
+// All of it is plain data. The maker of a model keeps the rules that stand at the types; its readers rely on
+// them, in any number of threads at once.
 
 #ifndef SYMFOLD_HOST_MODEL_COMPOSED_MODEL_H
 #define SYMFOLD_HOST_MODEL_COMPOSED_MODEL_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,32 +22,10 @@ struct ModelDescription;
 // Every variable takes two bytes, little endian.
 inline constexpr int kBytesPerVariable = 2;
 
-// The values low .. high; of a bool 0 and 1, of an enumeration the positions of its literals.
-struct ValueSet {
-  enum class Kind : std::uint8_t { kBool, kRange, kEnumeration };
-
-  Kind kind = Kind::kBool;
-  int low = 0;
-  int high = 1;
-  std::shared_ptr<const std::vector<std::string>> literals;  // of an enumeration only; equal ones are shared
-
-  std::size_t size() const { return static_cast<std::size_t>(high - low) + 1; }
-  bool contains(std::int64_t value) const { return value >= low && value <= high; }
-
-  // Of sets of one model, in constant time.
-  bool operator==(const ValueSet&) const = default;
-};
-
-// "bool", "[0..3]", "{idle, busy}".
-std::string to_string(const ValueSet& set);
-
-// A value of the set as the model language writes it.
-std::string value_text(const ValueSet& set, int value);
-
 struct Variable {
   std::string name;
   ValueSet values;
-  int initial = 0;  // by the type's declaration
+  int initial = 0;  // according to the type's declaration; in the value set
 };
 
 // A type with values for its parameters: submodels of one instance behave alike.
@@ -50,8 +33,8 @@ struct TypeInstance {
   std::string token;  // "Server(3,2.5)", or "Server" without parameters; no blanks
   int type = 0;       // index into ModelDescription::types
   std::vector<Value> arguments;
-  std::vector<Variable> private_variables;  // in order of declaration, like VariableDecl::slot
-  std::vector<Variable> shared_variables;
+  std::vector<Variable> private_variables;  // in the order of their declaration
+  std::vector<Variable> shared_variables;   // likewise
 
   int byte_size() const { return kBytesPerVariable * static_cast<int>(private_variables.size()); }
 };
@@ -64,13 +47,13 @@ struct Submodel {
 
 struct JoinMember {
   int submodel = 0;  // index into ComposedModel::submodels
-  int variable = 0;  // index into its instance's shared_variables
+  int variable = 0;  // index into the shared_variables of the submodel's instance
 };
 
 // One variable that several submodels share.
 struct Join {
   std::string name;
-  ValueSet values;
+  ValueSet values;  // also of each member's variable
   int initial = 0;
   std::vector<JoinMember> members;  // at least one
 };
@@ -81,7 +64,7 @@ struct ComposedModel {
   std::vector<TypeInstance> instances;
   std::vector<Submodel> submodels;  // at least one
   std::vector<Join> joins;
-  std::shared_ptr<const ModelDescription> description;  // the checked tree: actions, labels, rewards
+  std::shared_ptr<const ModelDescription> description;  // the checked tree: actions and observables
 
   const TypeInstance& instance_of(const Submodel& submodel) const {
     return instances[static_cast<std::size_t>(submodel.instance)];
@@ -93,8 +76,8 @@ struct ComposedModel {
     return instance_of(member).shared_variables[static_cast<std::size_t>(member.variable)];
   }
 
-  // A partition per submodel and per join.
-  std::size_t partition_count() const { return submodels.size() + joins.size(); }
+  // A cell is what moves as a whole: the private variables of a submodel, or the variable of a join.
+  std::size_t cell_count() const { return submodels.size() + joins.size(); }
 };
 
 }  // namespace symfold

@@ -1,10 +1,14 @@
 #include "host/model/value.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 
 namespace symfold {
+
+namespace {
+constexpr std::size_t kLiteralsShown = 6;
+}  // namespace
 
 std::string to_string(const Value& value) {
   if (value.scalar == Scalar::kBool) return value.is_true() ? "true" : "false";
@@ -14,34 +18,24 @@ std::string to_string(const Value& value) {
   return {text.data(), end};
 }
 
-std::optional<std::int64_t> checked_add(std::int64_t a, std::int64_t b) {
-  std::int64_t result = 0;
-  if (__builtin_add_overflow(a, b, &result)) return std::nullopt;
-  return result;
+std::string to_string(const ValueSet& set) {
+  if (set.kind == ValueSet::Kind::kBool) return "bool";
+  if (set.kind == ValueSet::Kind::kEnumeration) return literals_text(*set.literals);
+  return "[" + std::to_string(set.low) + ".." + std::to_string(set.high) + "]";
 }
 
-std::optional<std::int64_t> checked_subtract(std::int64_t a, std::int64_t b) {
-  std::int64_t result = 0;
-  if (__builtin_sub_overflow(a, b, &result)) return std::nullopt;
-  return result;
+std::string literals_text(const std::vector<std::string>& literals) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(literals.size(), kLiteralsShown); ++i) {
+    text += (i == 0 ? "{" : ", ") + literals[i];
+  }
+  return text + (literals.size() > kLiteralsShown ? ", ...}" : "}");
 }
 
-std::optional<std::int64_t> checked_multiply(std::int64_t a, std::int64_t b) {
-  std::int64_t result = 0;
-  if (__builtin_mul_overflow(a, b, &result)) return std::nullopt;
-  return result;
-}
-
-std::optional<std::int64_t> checked_divide_down(std::int64_t a, std::int64_t b) {
-  if (b == -1) return checked_subtract(0, a);
-  const std::int64_t quotient = a / b;
-  return a % b != 0 && (a < 0) != (b < 0) ? quotient - 1 : quotient;
-}
-
-std::int64_t remainder_of_divide_down(std::int64_t a, std::int64_t b) {
-  if (b == -1) return 0;
-  const std::int64_t remainder = a % b;
-  return remainder != 0 && (remainder < 0) != (b < 0) ? remainder + b : remainder;
+std::string value_text(const ValueSet& set, int value) {
+  if (set.kind == ValueSet::Kind::kBool) return value != 0 ? "true" : "false";
+  if (set.kind == ValueSet::Kind::kRange) return std::to_string(value);
+  return (*set.literals)[static_cast<std::size_t>(value)];
 }
 
 }  // namespace symfold

@@ -1,45 +1,30 @@
-// Values of the model language and their arithmetic.
-//
-// Integers are exact 64-bit numbers: a result outside is an error, never a wrap. `div` rounds down and `%`
-// takes the sign of the divisor, so that (i - 1) % N steps back around a ring: -1 div 5 = -1, -1 % 5 = 4.
-// Reals are IEEE doubles; a result that is not finite is an error.
+// Values, and the sets from which variables take theirs.
 
 #ifndef SYMFOLD_HOST_MODEL_VALUE_H
 #define SYMFOLD_HOST_MODEL_VALUE_H
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace symfold {
 
 enum class Scalar : std::uint8_t {
-  kUnknown,  // of an expression in which an error was found
+  kUnknown,  // not known yet, or of an expression in which an error was found
   kBool,
   kInt,
   kReal,
   kEnum
 };
 
-// The type of an expression. Enumerations with the same literals in the same order are one type.
-struct StaticType {
-  Scalar scalar = Scalar::kUnknown;
-  int enumeration = -1;  // of kEnum: an index into ModelDescription::enumerations
-
-  bool operator==(const StaticType&) const = default;
-  bool is_known() const { return scalar != Scalar::kUnknown; }
-  bool is_number() const { return scalar == Scalar::kInt || scalar == Scalar::kReal; }
-};
-
-inline constexpr StaticType kBoolType{Scalar::kBool, -1};
-inline constexpr StaticType kIntType{Scalar::kInt, -1};
-inline constexpr StaticType kRealType{Scalar::kReal, -1};
-
-// A bool is 0 or 1 in `integer`, a literal its position in its enumeration.
+// The value of a constant, a parameter or an expression.
 struct Value {
   Scalar scalar = Scalar::kUnknown;
   union {
-    std::int64_t integer = 0;
+    std::int64_t integer =
+        0;  // of all but reals: a bool is 0 or 1, a literal its position in its enumeration
     double real;
   };
 
@@ -53,7 +38,9 @@ struct Value {
     return result;
   }
 
+  // Requires: no real.
   bool is_true() const { return integer != 0; }
+
   double as_real() const { return scalar == Scalar::kReal ? real : static_cast<double>(integer); }
 
  private:
@@ -65,15 +52,35 @@ struct Value {
   }
 };
 
-// "true", "-3", "2.5": the shortest text that reads back as the same value. Not for literals.
+// "true", "-3", "2.5": the shortest text that reads back as the same value. A literal's is its position.
 std::string to_string(const Value& value);
 
-// Nothing where the result is no 64-bit integer; divisors must not be 0.
-std::optional<std::int64_t> checked_add(std::int64_t a, std::int64_t b);
-std::optional<std::int64_t> checked_subtract(std::int64_t a, std::int64_t b);
-std::optional<std::int64_t> checked_multiply(std::int64_t a, std::int64_t b);
-std::optional<std::int64_t> checked_divide_down(std::int64_t a, std::int64_t b);
-std::int64_t remainder_of_divide_down(std::int64_t a, std::int64_t b);
+// The integers low .. high that a variable can take. In a bool's set they stand for false and true, in an
+// enumeration's for the positions of the literals.
+struct ValueSet {
+  enum class Kind : std::uint8_t { kBool, kRange, kEnumeration };
+
+  Kind kind = Kind::kBool;
+  int low = 0;
+  int high = 1;
+  // Of an enumeration only. Equal enumerations of one model share their literals.
+  std::shared_ptr<const std::vector<std::string>> literals;
+
+  std::size_t size() const { return static_cast<std::size_t>(high - low) + 1; }
+  bool contains(std::int64_t value) const { return value >= low && value <= high; }
+
+  // Requires: both sets belong to the same model. Constant time.
+  bool operator==(const ValueSet&) const = default;
+};
+
+// "bool", "[0..3]", "{idle, busy}"; of a long enumeration the first literals only.
+std::string to_string(const ValueSet& set);
+
+// "{idle, busy}", or "{a, b, c, d, e, f, ...}" for more than six literals.
+std::string literals_text(const std::vector<std::string>& literals);
+
+// A value of the set, as the model language writes it. Requires: the set contains the value.
+std::string value_text(const ValueSet& set, int value);
 
 }  // namespace symfold
 

@@ -73,7 +73,7 @@ void for_each_member(const ComposedModel& model, Visit visit) {
 DrawnGraph drawn_parts(const ComposedModel& model, const NamedOrbits& orbits) {
   DrawnGraph graph = graph_of(orbits);
   const auto orbit_of = orbits_by_name(graph);
-  const bool is_small = model.partition_count() <= kMaxFullNames;
+  const bool is_small = model.cell_count() <= kMaxFullNames;
   for (const Submodel& submodel : model.submodels) {
     graph.nodes.push_back({submodel.name, is_small ? submodel.name : indices_or_name(submodel.name),
                            submodel.name + " : " + model.instance_of(submodel).token,

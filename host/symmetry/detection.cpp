@@ -12,7 +12,7 @@
 namespace symfold {
 
 void require_countable_partitions(const ComposedModel& model) {
-  if (model.partition_count() <= std::size_t{kMaxPartitions}) return;
+  if (model.cell_count() <= std::size_t{kMaxPartitions}) return;
   throw ModelError(model.description->source->name(),
                    "expected at most " + std::to_string(kMaxPartitions) +
                        " submodels and joins together, got " + std::to_string(model.submodels.size()) +

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/language/arithmetic.h"
+#include "host/language/evaluator.h"
 #include "host/model/model_error.h"
 
 namespace symfold::oracle {

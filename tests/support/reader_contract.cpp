@@ -51,7 +51,7 @@ std::string breach_of_names(const ComposedModel& model) {
   std::set<std::string> names;
   for (const Submodel& submodel : model.submodels) names.insert(submodel.name);
   for (const Join& join : model.joins) names.insert(join.name);
-  return names.size() == model.partition_count() ? "" : "a name that two parts have";
+  return names.size() == model.cell_count() ? "" : "a name that two parts have";
 }
 
 std::string breach_of_errors(const ModelError& error) {

@@ -49,7 +49,7 @@ TEST(ComposedModel, TakesArgumentsInitialValuesAndConditions) {
   EXPECT_EQ(model.joins[0].initial, 1);
   EXPECT_EQ(model.joins[1].initial, 0);
   EXPECT_EQ(model.joins[3].members.size(), 3u);
-  EXPECT_EQ(model.partition_count(), 9u);
+  EXPECT_EQ(model.cell_count(), 9u);
 }
 
 TEST(WrapperModel, HoldsWhatTheDetectorReads) {
