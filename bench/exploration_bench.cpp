@@ -27,8 +27,7 @@ void explore(benchmark::State& state, const Family& family, Symmetry symmetry) {
     const ComposedModel model = read_example(family);
     const Folding folding(model, symmetry);
     const std::unique_ptr<Labeller> labeller = folding.make_labeller();
-    const StateLayout layout = labeller ? StateLayout(model, folding.order()) : StateLayout(model);
-    Exploration exploration(model, layout, labeller.get(), false);
+    Exploration exploration(model, folding.order(), labeller.get(), false);
     exploration.run({}, [](const ExplorationFigures&) { return true; });
     states = exploration.figures().states;
   }

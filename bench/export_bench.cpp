@@ -14,8 +14,7 @@ namespace {
 
 const MarkovChain& example_chain() {
   static const ComposedModel model = read_example({"philosophers", {"N=11"}});
-  static const StateLayout layout(model);
-  static Exploration exploration(model, layout, nullptr, true);
+  static Exploration exploration(model, {}, nullptr, true);
   static const MarkovChain chain = [] {
     exploration.run({}, [](const ExplorationFigures&) { return true; });
     return exploration.take_chain();

@@ -1,7 +1,6 @@
 #include "cli/exploration_report.h"
 
 #include <algorithm>
-#include <array>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -51,7 +50,7 @@ std::vector<Row> count_rows(const std::vector<ExplorationResult>& results) {
   }
   for (std::size_t i = 0; i < results[0].labels.size(); ++i) {
     rows.push_back(row("label \"" + results[0].labels[i] + '"', results,
-                       [&](const auto& result) { return grouped(result.figures.label_counts[i]); }));
+                       [&](const auto& result) { return grouped(result.figures.observable_counts[i]); }));
   }
   return rows;
 }
@@ -103,12 +102,6 @@ std::string reduction_text(const std::vector<ExplorationResult>& results, const 
   return factor > 0 ? fixed(factor, 2) : "-";
 }
 
-const char* name_of(Ending ending) {
-  constexpr std::array<const char*, 6> kNames = {"under way",    "complete",   "state limit",
-                                                 "memory limit", "time limit", "interrupted"};
-  return kNames[static_cast<std::size_t>(ending)];
-}
-
 }  // namespace
 
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results) {
@@ -154,7 +147,7 @@ void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>&
 
 std::string ending_text(const ExplorationResult& result) {
   return std::string("exploration with symmetry ") + to_string(result.symmetry) + " not complete (" +
-         name_of(result.ending) + "): " + grouped(result.figures.states) + " states reached, " +
+         to_string(result.ending) + "): " + grouped(result.figures.states) + " states reached, " +
          grouped(result.figures.frontier()) + " of them in the frontier, not expanded";
 }
 
@@ -163,7 +156,7 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
   for (const ExplorationResult& result : results) {
     const ExplorationFigures& figures = result.figures;
     nlohmann::ordered_json run = {{"symmetry", to_string(result.symmetry)},
-                                  {"ending", name_of(result.ending)},
+                                  {"ending", to_string(result.ending)},
                                   {"states", figures.states},
                                   {"frontier", figures.frontier()},
                                   {"transitions", figures.transitions},
@@ -173,7 +166,7 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
                                   {"depth", figures.depth}};
     run["labels"] = nlohmann::ordered_json::object();
     for (std::size_t i = 0; i < result.labels.size(); ++i) {
-      run["labels"][result.labels[i]] = figures.label_counts[i];
+      run["labels"][result.labels[i]] = figures.observable_counts[i];
     }
     run["seconds"] = {{"detection", result.detection_seconds}, {"exploration", figures.seconds}};
     run["states_per_second"] = states_per_second(result);

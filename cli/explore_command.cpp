@@ -68,7 +68,6 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
   const Folding folding(model, symmetry, {options_.directory});
   streams_.err << folding.refusals();
   const std::unique_ptr<Labeller> labeller = folding.make_labeller();
-  const StateLayout layout = labeller ? StateLayout(model, folding.order()) : StateLayout(model);
   const bool is_exported = !options_.exports.empty() && symmetry == options_.symmetry;
   ExplorationResult result;
   result.symmetry = symmetry;
@@ -76,7 +75,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
     result.group_order = group_order(folding.orbit_lengths());
     result.detection_seconds = seconds_since(start);
   }
-  Exploration exploration(model, layout, labeller.get(), is_exported);
+  Exploration exploration(model, folding.order(), labeller.get(), is_exported);
   {
     ProgressLine line(streams_, std::string("symmetry ") + to_string(symmetry), options_.quiet);
     result.ending = exploration.run(limits(), [&](const ExplorationFigures& figures) {
@@ -87,9 +86,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
   result.figures = exploration.figures();
   if (labeller) result.inexact_labels = labeller->inexact_count();
   result.peak_memory = peak_memory();
-  for (std::size_t i = 0; i < exploration.observables().label_count(); ++i) {
-    result.labels.push_back(exploration.observables().label_name(i));
-  }
+  result.labels = exploration.observable_names();
   if (is_exported && result.is_complete()) export_chain(exploration);
   return result;
 }

@@ -17,9 +17,10 @@ namespace symfold {
 // States are numbered from 0.
 using StateId = std::uint32_t;
 
-// The rate matrix by rows: those of state s are the entries row_starts[s] to row_starts[s + 1]. In a row the
-// targets ascend, each occurs once, and the rates are positive and finite. A deadlock has an empty row; a
-// state that an action leaves as it is has itself as a target.
+// The rate matrix by rows, in 8 bytes a state and 12 bytes an entry. Row s consists of the entries from
+// row_starts[s] up to, but not including, row_starts[s + 1]. In a row the targets ascend, each occurs once,
+// and the rates are positive and finite. A deadlock has an empty row; a state that an action leaves as it is
+// has itself as a target. The functions of one state require that it is less than state_count().
 struct RateMatrix {
   std::vector<std::uint64_t> row_starts{0};
   std::vector<StateId> targets;
@@ -40,13 +41,14 @@ struct RateMatrix {
   std::size_t row_length(StateId state) const { return row_starts[state + 1] - row_starts[state]; }
 };
 
-// A variable of the state: "phil_0.phase", or of a join, "fork_0".
+// A variable of the state: "phil_0.phase" of a submodel, "fork_0" of a join.
 struct ChainVariable {
   std::string name;
   ValueSet values;
 };
 
-struct ChainLabel {
+// A named predicate on states; `label` in the model language.
+struct ChainObservable {
   std::string name;
   std::vector<bool> holds;  // by state
 };
@@ -56,14 +58,19 @@ struct ChainReward {
   std::vector<double> values;  // by state, per unit of time
 };
 
-// The chain of a model, or of the representatives of its symmetry classes. State 0 is the initial one.
+// The chain of a model, or of the labels of its states. State 0 is the initial one.
+//
+// A chain that an exploration has made reads its states from that exploration, which must outlive it. Then
+// read_values works in one thread at a time and takes time in the number of variables; the other members are
+// plain values, which any number of threads may read.
 struct MarkovChain {
   RateMatrix matrix;
   std::vector<ChainVariable> variables;
-  // Writes the variables' values in a state, as many as there are variables.
+  // Writes the values of all variables in a state, in their order, as numbers of ValueSet. The span is as
+  // long as `variables`.
   std::function<void(StateId, std::span<std::int16_t>)> read_values;
-  std::vector<ChainLabel> labels;    // of the model, in its order; not `init` and `deadlock`
-  std::vector<ChainReward> rewards;  // in the model's order
+  std::vector<ChainObservable> observables;  // in the model's order
+  std::vector<ChainReward> rewards;          // in the model's order
 };
 
 }  // namespace symfold

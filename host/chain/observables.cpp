@@ -16,12 +16,13 @@ bool equal(const Value& a, const Value& b) {
                                                                 : a.integer == b.integer;
 }
 
-template <class Number>
-Number ordered_sum(std::vector<Cell>& summands, Number Cell::*number, Offset offset) {
+// `kind` is the member that the summands hold.
+template <class Type>
+Type ordered_sum(std::vector<Number>& summands, Type Number::*kind, Offset offset) {
   std::sort(summands.begin(), summands.end(),
-            [&](const Cell& a, const Cell& b) { return a.*number < b.*number; });
-  Number sum = 0;
-  for (const Cell& summand : summands) sum = apply(Op::kAdd, sum, summand.*number, offset);
+            [&](const Number& a, const Number& b) { return a.*kind < b.*kind; });
+  Type sum = 0;
+  for (const Number& summand : summands) sum = apply(Op::kAdd, sum, summand.*kind, offset);
   return sum;
 }
 
@@ -40,7 +41,9 @@ void Observables::compile(const ObservableDecl& declaration) {
   try {
     Program program = compiler_.compile(declaration.value, declaration.is_reward ? kRealType : kBoolType, {},
                                         [this](ExprId quantifier) { return add_quantifier(quantifier, {}); });
-    (declaration.is_reward ? rewards_ : labels_).push_back({name, std::move(program)});
+    NamedPrograms& kind = declaration.is_reward ? rewards_ : observables_;
+    kind.names.push_back(name);
+    kind.programs.push_back(std::move(program));
   } catch (const EvaluationError& error) {
     throw ModelError(
         {model_.description->source->diagnostic_at(error.offset, error.message + " (in \"" + name + "\")")});
@@ -97,43 +100,43 @@ std::vector<std::uint32_t> Observables::range_of(const Quantifier& quantifier) c
   return submodels;
 }
 
-Cell Observables::value_in(const Observable& observable, const std::int16_t* state,
-                           const std::uint32_t* local) {
+Number Observables::value_in(const NamedPrograms& of, std::size_t index, const std::int16_t* state,
+                             const std::uint32_t* local) {
   local_ = local;
   Frames frames(state, this);
   try {
-    return evaluate(observable.value, frames);
+    return evaluate(of.programs[index], frames);
   } catch (const EvaluationError& error) {
-    fail_in_state(model_, layout_, error, '"' + observable.name + '"', state);
+    fail_in_state(model_, layout_, error, '"' + of.names[index] + '"', state);
   }
 }
 
-Cell Observables::value_of(std::uint32_t quantifier, Frames& frames) {
+Number Observables::value_of(std::uint32_t quantifier, Frames& frames) {
   QuantifierLoop& loop = quantifiers_[quantifier];
   if (loop.op == Op::kSum) return sum(loop, frames);
   std::size_t count = 0;
   for (const std::uint32_t submodel : loop.submodels) {
     count += static_cast<std::size_t>(body_value(loop, submodel, frames).integer);
   }
-  if (loop.op == Op::kExists) return Cell{.integer = count > 0};
-  if (loop.op == Op::kForAll) return Cell{.integer = count == loop.submodels.size()};
-  return Cell{.integer = static_cast<std::int64_t>(count)};
+  if (loop.op == Op::kExists) return Number{.integer = count > 0};
+  if (loop.op == Op::kForAll) return Number{.integer = count == loop.submodels.size()};
+  return Number{.integer = static_cast<std::int64_t>(count)};
 }
 
-Cell Observables::sum(QuantifierLoop& loop, Frames& frames) {
+Number Observables::sum(QuantifierLoop& loop, Frames& frames) {
   loop.summands.clear();
   for (const std::uint32_t submodel : loop.submodels) {
     loop.summands.push_back(body_value(loop, submodel, frames));
   }
-  if (loop.is_real) return Cell{.real = ordered_sum(loop.summands, &Cell::real, loop.offset)};
-  return Cell{.integer = ordered_sum(loop.summands, &Cell::integer, loop.offset)};
+  if (loop.is_real) return Number{.real = ordered_sum(loop.summands, &Number::real, loop.offset)};
+  return Number{.integer = ordered_sum(loop.summands, &Number::integer, loop.offset)};
 }
 
-Cell Observables::body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames) {
+Number Observables::body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames) {
   const std::uint32_t local = loop.is_remembered ? local_[submodel] : LocalStates::kNone;
   if (local != LocalStates::kNone && loop.is_known[local]) return loop.known[local];
   frames.set(loop.frame, layout_.slots_of(submodel));
-  const Cell value = evaluate(loop.body, frames);
+  const Number value = evaluate(loop.body, frames);
   if (local != LocalStates::kNone) {
     loop.known[local] = value;
     loop.is_known[local] = true;

@@ -1,4 +1,4 @@
-// The labels and rewards of a model, evaluated on its states.
+// The observables and rewards of a model, evaluated on its states.
 
 #ifndef SYMFOLD_HOST_CHAIN_OBSERVABLES_H
 #define SYMFOLD_HOST_CHAIN_OBSERVABLES_H
@@ -14,36 +14,34 @@
 
 namespace symfold {
 
-// A quantifier is a loop over the submodels that it ranges over. Where its body looks at that submodel alone,
-// the body's value is remembered for each local state; bodies with quantifiers inside are evaluated anew.
-// It is evaluated for all submodels, and numbers are summed in ascending order, so that states that differ by
-// a symmetry have the same value to the last bit, or all none.
+// A quantifier is a loop over the submodels that it ranges over. If its body looks at that submodel alone,
+// the body's value is remembered for each local state; a body with quantifiers inside is evaluated anew each
+// time. The loop never stops early, and numbers are summed in ascending order. So states that differ by a
+// symmetry have the same value to the last bit, or none of them has a value.
 class Observables : private QuantifierValues {
  public:
-  // Keeps references to all three. Throws ModelError where a quantifier's arguments have no value.
+  // Keeps references to all three. Throws ModelError if a quantifier's arguments have no value.
   Observables(const ComposedModel& model, const StateLayout& layout, const LocalStates& local_states);
   Observables(const Observables&) = delete;
   Observables& operator=(const Observables&) = delete;
 
   // In the model's order.
-  std::size_t label_count() const { return labels_.size(); }
-  std::size_t reward_count() const { return rewards_.size(); }
-  const std::string& label_name(std::size_t label) const { return labels_[label].name; }
-  const std::string& reward_name(std::size_t reward) const { return rewards_[reward].name; }
+  const std::vector<std::string>& observable_names() const { return observables_.names; }
+  const std::vector<std::string>& reward_names() const { return rewards_.names; }
 
-  // `local` is what LocalStates::locate says of the state. Throw ModelError where the expression has no
-  // value.
-  bool holds(std::size_t label, const std::int16_t* state, const std::uint32_t* local) {
-    return value_in(labels_[label], state, local).integer != 0;
+  // The value in a state of one of them, numbered as its name is. `local` is what LocalStates::locate says of
+  // the state. Both throw ModelError if the expression has no value.
+  bool holds(std::size_t index, const std::int16_t* state, const std::uint32_t* local) {
+    return value_in(observables_, index, state, local).integer != 0;
   }
-  double value(std::size_t reward, const std::int16_t* state, const std::uint32_t* local) {
-    return value_in(rewards_[reward], state, local).real;
+  double reward(std::size_t index, const std::int16_t* state, const std::uint32_t* local) {
+    return value_in(rewards_, index, state, local).real;
   }
 
  private:
-  struct Observable {
-    std::string name;
-    Program value;
+  struct NamedPrograms {
+    std::vector<std::string> names;
+    std::vector<Program> programs;
   };
   struct QuantifierLoop {
     Op op;
@@ -53,25 +51,26 @@ class Observables : private QuantifierValues {
     std::vector<std::uint32_t> submodels;
     Program body;
     bool is_remembered;
-    std::vector<Cell> known;     // by local state
+    std::vector<Number> known;   // by local state
     std::vector<bool> is_known;  // by local state
-    std::vector<Cell> summands;
+    std::vector<Number> summands;
   };
 
   void compile(const ObservableDecl& declaration);
   std::uint32_t add_quantifier(ExprId id, std::vector<int> around);
   std::vector<std::uint32_t> range_of(const Quantifier& quantifier) const;
-  Cell value_in(const Observable& observable, const std::int16_t* state, const std::uint32_t* local);
-  Cell value_of(std::uint32_t quantifier, Frames& frames) override;
-  Cell sum(QuantifierLoop& loop, Frames& frames);
-  Cell body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames);
+  Number value_in(const NamedPrograms& of, std::size_t index, const std::int16_t* state,
+                  const std::uint32_t* local);
+  Number value_of(std::uint32_t quantifier, Frames& frames) override;
+  Number sum(QuantifierLoop& loop, Frames& frames);
+  Number body_value(QuantifierLoop& loop, std::uint32_t submodel, Frames& frames);
 
   const ComposedModel& model_;
   const StateLayout& layout_;
   const LocalStates& local_states_;
   ProgramCompiler compiler_;
-  std::vector<Observable> labels_;
-  std::vector<Observable> rewards_;
+  NamedPrograms observables_;
+  NamedPrograms rewards_;
   std::vector<QuantifierLoop> quantifiers_;
   const std::uint32_t* local_ = nullptr;  // of the state under evaluation
 };

@@ -3,32 +3,32 @@
 namespace symfold {
 namespace {
 
-Cell cell(std::int64_t value) { return Cell{.integer = value}; }
-Cell cell(double value) { return Cell{.real = value}; }
+Number number(std::int64_t value) { return Number{.integer = value}; }
+Number number(double value) { return Number{.real = value}; }
 
-Cell unary(const Instruction& instruction, Cell a, Offset offset) {
+Number unary(const Instruction& instruction, Number a, Offset offset) {
   switch (instruction.opcode) {
     case Opcode::kToReal:
-      return cell(static_cast<double>(a.integer));
+      return number(static_cast<double>(a.integer));
     case Opcode::kNot:
-      return cell(std::int64_t{a.integer == 0});
+      return number(std::int64_t{a.integer == 0});
     case Opcode::kUnaryInt:
-      return cell(apply(instruction.op, a.integer, offset));
+      return number(apply(instruction.op, a.integer, offset));
     default:
-      return cell(apply(instruction.op, a.real, offset));
+      return number(apply(instruction.op, a.real, offset));
   }
 }
 
-Cell binary(const Instruction& instruction, Cell a, Cell b, Offset offset) {
+Number binary(const Instruction& instruction, Number a, Number b, Offset offset) {
   switch (instruction.opcode) {
     case Opcode::kBinaryInt:
-      return cell(apply(instruction.op, a.integer, b.integer, offset));
+      return number(apply(instruction.op, a.integer, b.integer, offset));
     case Opcode::kBinaryReal:
-      return cell(apply(instruction.op, a.real, b.real, offset));
+      return number(apply(instruction.op, a.real, b.real, offset));
     case Opcode::kCompareInt:
-      return cell(std::int64_t{compare(instruction.op, a.integer, b.integer)});
+      return number(std::int64_t{compare(instruction.op, a.integer, b.integer)});
     default:
-      return cell(std::int64_t{compare(instruction.op, a.real, b.real)});
+      return number(std::int64_t{compare(instruction.op, a.real, b.real)});
   }
 }
 
@@ -41,8 +41,8 @@ bool jumps(Opcode opcode, std::int64_t condition, std::size_t& depth) {
 
 }  // namespace
 
-Cell evaluate(const Program& program, Frames& frames) {
-  std::array<Cell, kMaxExpressionDepth + 1> stack;
+Number evaluate(const Program& program, Frames& frames) {
+  std::array<Number, kMaxExpressionDepth + 1> stack;
   std::size_t depth = 0;
   for (std::size_t i = 0; i < program.instructions.size(); ++i) {
     const Instruction& instruction = program.instructions[i];
@@ -51,7 +51,7 @@ Cell evaluate(const Program& program, Frames& frames) {
         stack[depth++] = program.constants[instruction.argument];
         break;
       case Opcode::kLoad:
-        stack[depth++] = cell(frames.value(instruction.frame, instruction.argument));
+        stack[depth++] = number(frames.value(instruction.frame, instruction.argument));
         break;
       case Opcode::kQuantify:
         stack[depth++] = frames.quantifiers().value_of(instruction.argument, frames);

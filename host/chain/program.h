@@ -22,7 +22,7 @@
 
 namespace symfold {
 
-union Cell {
+union Number {
   std::int64_t integer;
   double real;
 };
@@ -54,7 +54,7 @@ struct Instruction {
 
 struct Program {
   std::vector<Instruction> instructions;
-  std::vector<Cell> constants;
+  std::vector<Number> constants;
   std::vector<Offset> offsets;  // of each instruction's operator in the model's text
 };
 
@@ -64,7 +64,7 @@ class Frames;
 class QuantifierValues {
  public:
   virtual ~QuantifierValues() = default;
-  virtual Cell value_of(std::uint32_t quantifier, Frames& frames) = 0;
+  virtual Number value_of(std::uint32_t quantifier, Frames& frames) = 0;
 };
 
 // What a program looks at: a state and, for every quantifier around it, a submodel as the slots of its
@@ -88,7 +88,7 @@ class Frames {
 };
 
 // Throws EvaluationError where the language gives no value.
-Cell evaluate(const Program& program, Frames& frames);
+Number evaluate(const Program& program, Frames& frames);
 
 }  // namespace symfold
 

@@ -29,8 +29,8 @@ class ProgramCompiler::Writer {
   void write(ExprId id, const StaticType& wanted) {
     const Expr& expr = compiler_.model_.expr(id);
     if (const auto value = constant_value(id)) {
-      program_.constants.push_back(is_real(wanted) ? Cell{.real = value->as_real()}
-                                                   : Cell{.integer = value->integer});
+      program_.constants.push_back(is_real(wanted) ? Number{.real = value->as_real()}
+                                                   : Number{.integer = value->integer});
       emit({Opcode::kConstant, Op::kValue, 0, static_cast<std::uint32_t>(program_.constants.size() - 1)},
            expr);
       return;

@@ -11,21 +11,17 @@ namespace symfold {
 // Slots are handed to the detector as the bytes that they are in memory.
 static_assert(std::endian::native == std::endian::little);
 
-StateLayout::StateLayout(const ComposedModel& model) {
-  std::vector<Partition> partitions;
-  for (std::size_t i = 0; i < model.submodels.size(); ++i) partitions.push_back({false, i});
-  for (std::size_t i = 0; i < model.joins.size(); ++i) partitions.push_back({true, i});
-  place(model, partitions);
-}
-
 StateLayout::StateLayout(const ComposedModel& model, const std::vector<std::string>& order) {
-  std::unordered_map<std::string_view, Partition> named;
-  for (std::size_t i = 0; i < model.submodels.size(); ++i) named[model.submodels[i].name] = {false, i};
-  for (std::size_t i = 0; i < model.joins.size(); ++i) named[model.joins[i].name] = {true, i};
-  std::vector<Partition> partitions;
-  partitions.reserve(order.size());
-  for (const std::string& name : order) partitions.push_back(named.at(name));
-  place(model, partitions);
+  std::vector<Cell> cells;
+  std::unordered_map<std::string_view, Cell> named;
+  const auto add = [&](const std::string& name, const Cell& cell) {
+    if (order.empty()) cells.push_back(cell);
+    named.emplace(name, cell);
+  };
+  for (std::size_t i = 0; i < model.submodels.size(); ++i) add(model.submodels[i].name, {false, i});
+  for (std::size_t i = 0; i < model.joins.size(); ++i) add(model.joins[i].name, {true, i});
+  for (const std::string& name : order) cells.push_back(named.at(name));
+  place(model, cells);
 }
 
 std::uint32_t StateLayout::add_variable(std::string name, const ValueSet& values, int initial) {
@@ -34,24 +30,24 @@ std::uint32_t StateLayout::add_variable(std::string name, const ValueSet& values
   return static_cast<std::uint32_t>(variables_.size() - 1);
 }
 
-void StateLayout::place(const ComposedModel& model, const std::vector<Partition>& partitions) {
+void StateLayout::place(const ComposedModel& model, const std::vector<Cell>& cells) {
   std::vector<std::uint32_t> first_private(model.submodels.size());
   std::vector<std::vector<std::uint32_t>> shared(model.submodels.size());
   for (std::size_t i = 0; i < model.submodels.size(); ++i) {
     shared[i].resize(model.instance_of(model.submodels[i]).shared_variables.size());
   }
-  for (const Partition& partition : partitions) {
-    if (partition.is_join) {
-      const Join& join = model.joins[partition.index];
+  for (const Cell& cell : cells) {
+    if (cell.is_join) {
+      const Join& join = model.joins[cell.index];
       const std::uint32_t slot = add_variable(join.name, join.values, join.initial);
       for (const JoinMember& member : join.members) {
         shared[static_cast<std::size_t>(member.submodel)][static_cast<std::size_t>(member.variable)] = slot;
       }
       continue;
     }
-    const Submodel& submodel = model.submodels[partition.index];
+    const Submodel& submodel = model.submodels[cell.index];
     const std::vector<Variable>& variables = model.instance_of(submodel).private_variables;
-    first_private[partition.index] = static_cast<std::uint32_t>(variables_.size());
+    first_private[cell.index] = static_cast<std::uint32_t>(variables_.size());
     for (std::size_t v = 0; v < variables.size(); ++v) {
       add_variable(submodel.name + '.' + variables[v].name, variables[v].values, submodel.initial[v]);
     }

@@ -13,16 +13,20 @@
 
 namespace symfold {
 
-// A state is a slot of 16 bits for each variable. Read as bytes, little endian, it is the state vector that
-// the detector labels: a partition of private variables for each submodel, one of a single variable for each
-// join.
+// A state is a slot of 16 bits for each variable. The slots of a submodel's private variables are a cell, a
+// piece of the state that symmetries move as a whole; so is the slot of each join. A cell is a partition of
+// the state vector that the detector labels.
+//
+// The bytes of that state vector are the slots as they lie in memory, little endian: the low byte of each
+// comes first. The labellers compare states byte by byte, as memcmp does. So the first variable that differs
+// decides which of two images is larger, and its low byte counts before its high byte: 1 (bytes 1, 0) is
+// larger than 256 (bytes 0, 1), and -1 (bytes 255, 255) is the largest value of all.
 class StateLayout {
  public:
-  // Submodels, then joins, in the model's order.
-  explicit StateLayout(const ComposedModel& model);
-
-  // Partitions in the order of these names, which are those of all submodels and joins: a detector's SSOrder.
-  StateLayout(const ComposedModel& model, const std::vector<std::string>& order);
+  // Cells in the order of these names, which are those of all submodels and joins, each once: a detector's
+  // SSOrder. If there are no names, the submodels come first and then the joins, both in the model's order.
+  // Throws std::out_of_range for an unknown name.
+  explicit StateLayout(const ComposedModel& model, const std::vector<std::string>& order = {});
 
   std::size_t slot_count() const { return variables_.size(); }
 
@@ -35,12 +39,12 @@ class StateLayout {
   const std::vector<std::int16_t>& initial_state() const { return initial_state_; }
 
  private:
-  struct Partition {
+  struct Cell {
     bool is_join;
     std::size_t index;  // into the model's submodels or joins
   };
 
-  void place(const ComposedModel& model, const std::vector<Partition>& partitions);
+  void place(const ComposedModel& model, const std::vector<Cell>& cells);
   std::uint32_t add_variable(std::string name, const ValueSet& values, int initial);
 
   std::vector<ChainVariable> variables_;

@@ -20,7 +20,7 @@ std::string escaped(const std::string& text) {
 void write_state(const MarkovChain& chain, StateId state, std::span<const std::int16_t> values,
                  NewFile& out) {
   out.append("  ", state, " [label=\"", state);
-  for (const ChainLabel& label : chain.labels) {
+  for (const ChainObservable& label : chain.observables) {
     if (label.holds[state]) out.append("\\n", escaped(label.name));
   }
   out.append("\", tooltip=\"");

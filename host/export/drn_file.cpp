@@ -33,7 +33,7 @@ void write_state(const MarkovChain& chain, StateId state, const std::vector<std:
   if (state == 0) out.append(" init");
   if (is_deadlock) out.append(" deadlock");
   for (std::size_t i = 0; i < label_names.size(); ++i) {
-    if (chain.labels[i].holds[state]) out.append(' ', label_names[i]);
+    if (chain.observables[i].holds[state]) out.append(' ', label_names[i]);
   }
   out.append('\n');
 }
@@ -42,7 +42,7 @@ void write_state(const MarkovChain& chain, StateId state, const std::vector<std:
 
 void write_drn(const MarkovChain& chain, NewFile& out) {
   write_header(chain, reward_identifiers(chain), out);
-  const std::vector<std::string> label_names = label_identifiers(chain);
+  const std::vector<std::string> label_names = observable_identifiers(chain);
   for (StateId state = 0; state < chain.matrix.state_count(); ++state) {
     write_state(chain, state, label_names, out);
     out.append("\taction 0\n");

@@ -71,7 +71,9 @@ std::vector<std::string> variable_identifiers(const MarkovChain& chain) {
   return identifiers_of(chain.variables);
 }
 
-std::vector<std::string> label_identifiers(const MarkovChain& chain) { return identifiers_of(chain.labels); }
+std::vector<std::string> observable_identifiers(const MarkovChain& chain) {
+  return identifiers_of(chain.observables);
+}
 
 std::vector<std::string> reward_identifiers(const MarkovChain& chain) {
   return identifiers_of(chain.rewards);

@@ -18,7 +18,7 @@ namespace symfold {
 std::vector<std::string> solver_identifiers(const std::vector<std::string>& names);
 
 std::vector<std::string> variable_identifiers(const MarkovChain& chain);
-std::vector<std::string> label_identifiers(const MarkovChain& chain);  // none is `init` or `deadlock`
+std::vector<std::string> observable_identifiers(const MarkovChain& chain);  // none is `init` or `deadlock`
 std::vector<std::string> reward_identifiers(const MarkovChain& chain);
 
 }  // namespace symfold

@@ -53,7 +53,7 @@ void write_sta(const MarkovChain& chain, NewFile& out) {
 void write_lab(const MarkovChain& chain, NewFile& out) {
   constexpr std::size_t kFirstLabel = 2;
   out.append("0=\"init\" 1=\"deadlock\"");
-  const std::vector<std::string> names = label_identifiers(chain);
+  const std::vector<std::string> names = observable_identifiers(chain);
   for (std::size_t i = 0; i < names.size(); ++i) out.append(' ', kFirstLabel + i, "=\"", names[i], '"');
   out.append('\n');
   for (StateId state = 0; state < chain.matrix.state_count(); ++state) {
@@ -65,8 +65,8 @@ void write_lab(const MarkovChain& chain, NewFile& out) {
     };
     if (state == 0) write_index(0);
     if (chain.matrix.is_deadlock(state)) write_index(1);
-    for (std::size_t i = 0; i < chain.labels.size(); ++i) {
-      if (chain.labels[i].holds[state]) write_index(kFirstLabel + i);
+    for (std::size_t i = 0; i < chain.observables.size(); ++i) {
+      if (chain.observables[i].holds[state]) write_index(kFirstLabel + i);
     }
     if (!is_first) out.append('\n');
   }

@@ -28,17 +28,17 @@ std::string star_text(int n, int k) {
     label "all away" = forall p : Place . p.x > 0; reward "x" = sum p : Place . 0.1 * p.x;)";
 }
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, Labeller* labeller,
+Explored explored(const ComposedModel& model, const std::vector<std::string>& order, Labeller* labeller,
                   const ExplorationLimits& limits) {
   Explored result;
   try {
-    Exploration exploration(model, layout, labeller, true);
+    Exploration exploration(model, order, labeller, true);
     const Ending ending = exploration.run(limits, [](const ExplorationFigures&) { return true; });
     result.figures = exploration.figures();
     if (ending == Ending::kComplete) result.chain = exploration.take_chain();
     result.ending = ending;
     if (ending != Ending::kComplete) return result;
-    result.states.resize(result.figures.states, std::vector<std::int16_t>(layout.slot_count()));
+    result.states.resize(result.figures.states, std::vector<std::int16_t>(result.chain.variables.size()));
     for (StateId s = 0; s < result.figures.states; ++s) result.chain.read_values(s, result.states[s]);
     result.chain.read_values = nullptr;  // the exploration ends here
   } catch (const ModelError& error) {
@@ -47,13 +47,8 @@ Explored explored(const ComposedModel& model, const StateLayout& layout, Labelle
   return result;
 }
 
-Explored explored(const ComposedModel& model) { return explored(model, StateLayout(model)); }
-
 FoldedModel::FoldedModel(const ComposedModel& model)
-    : model_(model),
-      greedy_(model, Symmetry::kFast),
-      exact_(model, Symmetry::kExact),
-      layout_(model, exact_.order()) {}
+    : model_(model), greedy_(model, Symmetry::kFast), exact_(model, Symmetry::kExact) {}
 
 std::vector<int> FoldedModel::classes_of(const std::vector<std::vector<std::int16_t>>& states) const {
   std::vector<std::string> bytes;

@@ -21,35 +21,35 @@ struct Explored {
   std::string error;  // what a ModelError says; then nothing else is known
   Ending ending = Ending::kUnderWay;
   ExplorationFigures figures;
-  MarkovChain chain;  // of all states where the exploration was complete
+  MarkovChain chain;  // of all states, if the exploration was complete; it cannot read values any more
   std::vector<std::vector<std::int16_t>> states;
 };
 
-Explored explored(const ComposedModel& model, const StateLayout& layout, Labeller* labeller = nullptr,
-                  const ExplorationLimits& limits = {});
-Explored explored(const ComposedModel& model);
+Explored explored(const ComposedModel& model, const std::vector<std::string>& order = {},
+                  Labeller* labeller = nullptr, const ExplorationLimits& limits = {});
 
-// A model, folded in both ways.
+// A model with its symmetries, to be explored in all ways.
 class FoldedModel {
  public:
   explicit FoldedModel(const ComposedModel& model);
 
   // The chain of all states, and those of the representatives, in the order of the state vector.
   Explored full(const ExplorationLimits& limits = {}) const {
-    return explored(model_, layout_, nullptr, limits);
+    return explored(model_, order(), nullptr, limits);
   }
   Explored folded(bool is_exact) const {
-    return explored(model_, layout_, (is_exact ? exact_ : greedy_).make_labeller().get());
+    return explored(model_, order(), (is_exact ? exact_ : greedy_).make_labeller().get());
   }
 
   // By state, the number of its symmetry class.
   std::vector<int> classes_of(const std::vector<std::vector<std::int16_t>>& states) const;
 
  private:
+  const std::vector<std::string>& order() const { return exact_.order(); }
+
   const ComposedModel& model_;
   Folding greedy_;
   Folding exact_;
-  StateLayout layout_;
 };
 
 }  // namespace symfold

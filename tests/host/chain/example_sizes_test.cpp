@@ -1,30 +1,15 @@
 // The first line of every example tells its true size: "// star.sym    48 states, 9 classes (exact), N = 4".
 
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <regex>
 
-#include "host/chain/exploration.h"
-#include "host/symmetry/detection.h"
-#include "tests/oracles/state_classes.h"
+#include "tests/support/exploration_support.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {
 namespace {
-
-// All states, as the bytes of the layout.
-std::vector<std::string> reachable_states(const ComposedModel& model, const StateLayout& layout) {
-  Exploration exploration(model, layout, nullptr, true);
-  EXPECT_EQ(exploration.run({}, [](const ExplorationFigures&) { return true; }), Ending::kComplete);
-  const MarkovChain chain = exploration.take_chain();
-  std::vector<std::int16_t> values(layout.slot_count());
-  std::vector<std::string> states;
-  for (StateId id = 0; id < chain.matrix.state_count(); ++id) {
-    chain.read_values(id, values);
-    states.emplace_back(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
-  }
-  return states;
-}
 
 TEST(Examples, HaveTheSizesOfTheirFirstLines) {
   for (const std::string& name : example_names()) {
@@ -41,10 +26,9 @@ TEST(Examples, HaveTheSizesOfTheirFirstLines) {
       constants.push_back({(*value)[1], (*value)[2]});
     }
     const ComposedModel model = read_model(example_path(name), constants);
-    const Detection run(model, nullptr, false);
-    const SymmetryDetection& detector = run.detector();
-    const auto states = reachable_states(model, StateLayout(model, detector.SSOrder));
-    const auto classes = classes_of(states, detector.PartitionInfo, partition_generators(detector));
+    const FoldedModel folding(model);
+    const auto states = folding.full().states;
+    const auto classes = folding.classes_of(states);
     EXPECT_EQ(std::to_string(states.size()), told[1]);
     EXPECT_EQ(std::to_string(1 + *std::max_element(classes.begin(), classes.end())), told[2]);
   }

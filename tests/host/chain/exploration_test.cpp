@@ -19,20 +19,20 @@ void expect_counted(const ExplorationFigures& figures, const Explored& whole) {
   std::size_t transitions = 0;
   std::size_t deadlocks = 0;
   std::size_t self_loops = 0;
-  std::vector<std::size_t> label_counts(whole.chain.labels.size());
+  std::vector<std::size_t> observable_counts(whole.chain.observables.size());
   for (StateId s = 0; s < figures.expanded; ++s) {
     const auto targets = whole.chain.matrix.targets_of(s);
     transitions += std::max<std::size_t>(targets.size(), 1);
     deadlocks += targets.empty() ? 1 : 0;
     self_loops += std::binary_search(targets.begin(), targets.end(), s) ? 1 : 0;
-    for (std::size_t i = 0; i < label_counts.size(); ++i) {
-      label_counts[i] += whole.chain.labels[i].holds[s] ? 1 : 0;
+    for (std::size_t i = 0; i < observable_counts.size(); ++i) {
+      observable_counts[i] += whole.chain.observables[i].holds[s] ? 1 : 0;
     }
   }
   EXPECT_EQ(figures.transitions, transitions);
   EXPECT_EQ(figures.deadlocks, deadlocks);
   EXPECT_EQ(figures.self_loops, self_loops);
-  EXPECT_EQ(figures.label_counts, label_counts);
+  EXPECT_EQ(figures.observable_counts, observable_counts);
   EXPECT_EQ(figures.frontier(), figures.states - figures.expanded);
 }
 
@@ -49,7 +49,7 @@ std::size_t depth_of(const std::vector<std::map<std::size_t, double>>& rows) {
 bool expect_naive_chain(const ComposedModel& model) {
   constexpr std::size_t kMaxStates = 1000;
   const oracle::NaiveChain naive = oracle::naive_chain(model, kMaxStates);
-  const Explored fast = explored(model, StateLayout(model), nullptr, {.states = kMaxStates});
+  const Explored fast = explored(model, {}, nullptr, {.states = kMaxStates});
   EXPECT_EQ(fast.error, naive.error);
   EXPECT_EQ(fast.ending == Ending::kComplete, naive.is_complete);
   if (!naive.is_complete || fast.ending != Ending::kComplete) return false;
@@ -66,7 +66,7 @@ bool expect_naive_chain(const ComposedModel& model) {
     EXPECT_EQ(row, naive.rows[s]) << "of state " << s;
   }
   for (std::size_t i = 0; i < naive.labels.size(); ++i) {
-    const std::vector<bool>& holds = fast.chain.labels[i].holds;
+    const std::vector<bool>& holds = fast.chain.observables[i].holds;
     EXPECT_EQ(std::vector<double>(holds.begin(), holds.end()), naive.labels[i]);
   }
   for (std::size_t i = 0; i < naive.rewards.size(); ++i) {
@@ -101,9 +101,8 @@ TEST(Exploration, FindsTheChainOrTheErrorOfRandomModels) {
 TEST(Exploration, StopsAtEveryLimitOfStates) {
   const ComposedModel model = small_example("philosophers");
   const Explored whole = explored(model);
-  const StateLayout layout(model);
   for (std::size_t limit = 0; limit <= whole.states.size(); ++limit) {
-    const Explored part = explored(model, layout, nullptr, {.states = limit});
+    const Explored part = explored(model, {}, nullptr, {.states = limit});
     EXPECT_EQ(part.ending, limit < whole.states.size() ? Ending::kStateLimit : Ending::kComplete);
     EXPECT_EQ(part.figures.states, limit);
     StateId expanded = 0;
@@ -120,10 +119,9 @@ TEST(Exploration, StopsAtEveryLimitOfStates) {
 TEST(Exploration, StopsAtEveryLimitOfMemory) {
   const ComposedModel model = read_model_text("m.sym", star_text(4, 4));
   const Explored whole = explored(model);
-  const StateLayout layout(model);
   std::size_t stopped = 0;
   for (std::size_t limit = 1'000; limit < 60'000; limit += 111) {
-    const Explored part = explored(model, layout, nullptr, {.bytes = limit});
+    const Explored part = explored(model, {}, nullptr, {.bytes = limit});
     if (part.ending != Ending::kComplete) {
       EXPECT_EQ(part.ending, Ending::kMemoryLimit);
       ++stopped;
@@ -138,9 +136,8 @@ TEST(Exploration, StopsAtEveryLimitOfMemory) {
 TEST(Exploration, StopsWhenTimeIsOverOrProgressSaysSo) {
   const ComposedModel model = small_example("philosophers");
   const Explored whole = explored(model);
-  const StateLayout layout(model);
-  EXPECT_EQ(explored(model, layout, nullptr, {.seconds = 0}).ending, Ending::kTimeLimit);
-  Exploration exploration(model, layout, nullptr, false);
+  EXPECT_EQ(explored(model, {}, nullptr, {.seconds = 0}).ending, Ending::kTimeLimit);
+  Exploration exploration(model, {}, nullptr, false);
   std::vector<std::size_t> calls;
   const Ending ending = exploration.run({}, [&](const ExplorationFigures& figures) {
     calls.push_back(figures.states);

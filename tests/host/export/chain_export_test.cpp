@@ -75,11 +75,11 @@ MarkovChain awkward_chain() {
                                 {{2, std::numeric_limits<double>::max()}},
                                 {},
                                 {{0, 1e-5}, {2, 123456789}, {3, 1e22}}});
-  chain.labels = {{"someone eats", {true, false, false, false}},
-                  {"someone-eats", {true, false, true, false}},
-                  {"init", {false, false, false, true}},
-                  {"\"1\\\" st", {true, false, true, true}},
-                  {"", {false, false, false, true}}};
+  chain.observables = {{"someone eats", {true, false, false, false}},
+                       {"someone-eats", {true, false, true, false}},
+                       {"init", {false, false, false, true}},
+                       {"\"1\\\" st", {true, false, true, true}},
+                       {"", {false, false, false, true}}};
   chain.rewards = {{"eating!", {0, -0.5, 0, 2}}, {"eating", {1e300, 0, 1.0 / 7, -0.0}}};
   return chain;
 }
@@ -97,7 +97,8 @@ MarkovChain random_chain(std::uint64_t seed) {
   }
   MarkovChain chain = chain_of(rows);
   for (std::uint64_t i = random() % 4; i > 0; --i) {
-    ChainLabel& label = chain.labels.emplace_back(ChainLabel{"label " + std::to_string(i), {}});
+    ChainObservable& label =
+        chain.observables.emplace_back(ChainObservable{"label " + std::to_string(i), {}});
     ChainReward& reward = chain.rewards.emplace_back(ChainReward{"reward " + std::to_string(i), {}});
     for (std::size_t state = 0; state < state_count; ++state) {
       label.holds.push_back(random() % 2 == 0);
@@ -125,7 +126,7 @@ std::vector<std::string> labels_of(const MarkovChain& chain, StateId state,
   if (state == 0) labels.emplace_back("init");
   if (chain.matrix.is_deadlock(state)) labels.emplace_back("deadlock");
   for (std::size_t i = 0; i < names.size(); ++i) {
-    if (chain.labels[i].holds[state]) labels.push_back(names[i]);
+    if (chain.observables[i].holds[state]) labels.push_back(names[i]);
   }
   return labels;
 }
@@ -147,12 +148,13 @@ ReadChain expected_of(const MarkovChain& chain, const std::string& ending, std::
   if (ending == ".sta") expected.names = variable_identifiers(chain);
   if (ending == ".drn") expected.names = reward_identifiers(chain);
   if (ending == ".srew") expected.names = {reward_identifiers(chain)[reward]};
-  std::vector<std::string> label_names = label_identifiers(chain);
+  std::vector<std::string> label_names = observable_identifiers(chain);
   if (ending == ".lab") {
     expected.names = label_names;
     expected.names.insert(expected.names.begin(), {"init", "deadlock"});
   }
-  for (std::size_t i = 0; is_drawing && i < label_names.size(); ++i) label_names[i] = chain.labels[i].name;
+  for (std::size_t i = 0; is_drawing && i < label_names.size(); ++i)
+    label_names[i] = chain.observables[i].name;
   for (StateId s = 0; s < chain.matrix.state_count(); ++s) {
     std::vector<std::int16_t> values(chain.variables.size());
     chain.read_values(s, values);
@@ -223,7 +225,7 @@ TEST(ChainExport, WritesTheFilesThatTheDescriptionShows) {
   chain.read_values = [](StateId state, std::span<std::int16_t> values) {
     values[0] = static_cast<std::int16_t>(state);
   };
-  chain.labels = {{"is up", {true, false, false}}};
+  chain.observables = {{"is up", {true, false, false}}};
   chain.rewards = {{"uptime", {1, 0, 0}}};
   const std::string description = file_text(SYMFOLD_DOCS_DIR "/file-formats.md");
   for (const char* name : {"a.all", "a.drn", "a.mtx", "a.aut", "a.dot"}) {

@@ -29,7 +29,8 @@ Lump lump_of(const Explored& explored, StateId s, const int* class_of) {
   for (std::size_t i = 0; i < matrix.targets_of(s).size(); ++i) {
     lump.rates[class_of[matrix.targets_of(s)[i]]] += matrix.rates_of(s)[i];
   }
-  for (const ChainLabel& label : explored.chain.labels) lump.observed.push_back(label.holds[s] ? 1 : 0);
+  for (const ChainObservable& label : explored.chain.observables)
+    lump.observed.push_back(label.holds[s] ? 1 : 0);
   for (const ChainReward& reward : explored.chain.rewards) {
     lump.observed.push_back(std::bit_cast<std::uint64_t>(reward.values[s]));
   }
@@ -151,8 +152,9 @@ double mean(const std::vector<double>& probabilities, const auto& values) {
 
 void expect_same_means(const MarkovChain& full, const std::vector<double>& of_full, const MarkovChain& folded,
                        const std::vector<double>& of_folded) {
-  for (std::size_t i = 0; i < full.labels.size(); ++i) {
-    EXPECT_NEAR(mean(of_full, full.labels[i].holds), mean(of_folded, folded.labels[i].holds), 1e-10);
+  for (std::size_t i = 0; i < full.observables.size(); ++i) {
+    EXPECT_NEAR(mean(of_full, full.observables[i].holds), mean(of_folded, folded.observables[i].holds),
+                1e-10);
   }
   for (std::size_t i = 0; i < full.rewards.size(); ++i) {
     EXPECT_NEAR(mean(of_full, full.rewards[i].values), mean(of_folded, folded.rewards[i].values), 1e-10);

@@ -1,0 +1,103 @@
+// The inside of an Exploration.
+//
+// States are expanded in the order of their numbers. The place in the index of a successor is fetched while
+// the other successors are computed, and the successors of a state are inserted together. With a labeller
+// every successor is replaced by its label before it is looked up. Nothing is allocated per state but what
+// the store, the rate matrix and the tables of local states need to grow.
+
+#ifndef SYMFOLD_HOST_CHAIN_EXPLORER_H
+#define SYMFOLD_HOST_CHAIN_EXPLORER_H
+
+#include <chrono>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "detector/labeller.h"
+#include "host/chain/exploration.h"
+#include "host/chain/local_states.h"
+#include "host/chain/observables.h"
+#include "host/chain/state_layout.h"
+#include "host/chain/state_packing.h"
+#include "host/chain/state_store.h"
+#include "host/chain/transition_system.h"
+
+namespace symfold {
+
+class Explorer {
+ public:
+  // The contract of these is that of Exploration's.
+  Explorer(const ComposedModel& model, const std::vector<std::string>& order, Labeller* labeller,
+           bool keeps_chain);
+  Explorer(const Explorer&) = delete;
+  Explorer& operator=(const Explorer&) = delete;
+
+  Ending run(const ExplorationLimits& limits, const Exploration::Progress& progress);
+  const ExplorationFigures& figures() const { return figures_; }
+  const std::vector<std::string>& observable_names() const { return observables_.observable_names(); }
+  MarkovChain take_chain();
+
+ private:
+  struct Successor {
+    double rate;
+    std::uint64_t hash;
+    bool is_changed;
+  };
+  struct Entry {
+    StateId target;
+    std::uint32_t position;  // among the successors
+    double rate;
+  };
+
+  void insert_initial_state();
+  void load(StateId id);
+  void expand(StateId id);
+  void add_successor(double rate, std::span<const Write> writes, const std::uint32_t* slots);
+  std::uint64_t* new_successor_words();
+  bool insert_successors();
+  void count_loops(StateId source);
+  void merge_row();
+  bool make_room();
+  void append_row();
+  std::size_t matrix_memory() const;
+  void count(StateId source);
+  void check_in(const Exploration::Progress& progress);
+  void update_figures();
+  bool stop(Ending ending) {
+    ending_ = ending;
+    return false;
+  }
+
+  StateLayout layout_;
+  Labeller* labeller_;
+  bool keeps_matrix_;
+  ExplorationLimits limits_;
+  LocalStates local_states_;
+  TransitionSystem system_;
+  Observables observables_;
+  StatePacking packing_;
+  StateStore store_;
+  RateMatrix matrix_;
+
+  // The state under expansion: packed, its values, its submodels' local states.
+  std::vector<std::uint64_t> words_;
+  std::vector<std::int16_t> values_;
+  std::vector<std::uint32_t> local_;
+  // Its successors, packed one after the other, and its row of the matrix.
+  std::vector<Successor> successors_;
+  std::vector<std::uint64_t> successor_words_;
+  std::vector<std::int16_t> image_;
+  std::vector<Entry> row_;
+
+  Ending ending_ = Ending::kUnderWay;
+  ExplorationFigures figures_;
+  std::size_t level_end_ = 1;
+  std::size_t next_check_ = 0;  // in successors
+  std::chrono::steady_clock::time_point start_{};
+  double next_progress_ = 0;  // in seconds since the start
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_HOST_CHAIN_EXPLORER_H
