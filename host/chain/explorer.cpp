@@ -9,14 +9,14 @@ constexpr std::size_t kSuccessorsBetweenChecks = 64;
 constexpr double kProgressInterval = 0.1;  // seconds
 constexpr std::size_t kEntryBytes = sizeof(StateId) + sizeof(double);
 
-// A capacity for `count` more elements: the present one, or at least half as much again.
+// A capacity with room for `count` more elements: the present one, or at least half as much again.
 template <class Element>
 std::size_t grown_capacity(const std::vector<Element>& elements, std::size_t count) {
   if (elements.size() + count <= elements.capacity()) return elements.capacity();
   return std::max(elements.size() + count, elements.capacity() + elements.capacity() / 2);
 }
 
-// A loop, since a packed state is often a single word, for which a call of memcmp is long.
+// A packed state is often a single word, for which a loop is faster than a call of memcmp.
 bool differ(const std::vector<std::uint64_t>& a, const std::uint64_t* b) {
   for (const std::uint64_t word : a) {
     if (word != *b++) return true;
@@ -109,7 +109,7 @@ void Explorer::add_successor(double rate, std::span<const Write> writes, const s
   successors_.push_back({rate, hash, is_changed});
 }
 
-// Leaves in row_ an entry for each successor.
+// Leaves in row_ an entry for each successor. Returns false if a limit is reached.
 bool Explorer::insert_successors() {
   row_.clear();
   for (const Successor& successor : successors_) store_.prefetch_state(successor.hash);
@@ -153,7 +153,7 @@ std::size_t Explorer::matrix_memory() const {
          matrix_.targets.capacity() * kEntryBytes;
 }
 
-// For a row of the matrix.
+// Makes room in the matrix for the row. Returns false if the limit of memory is reached.
 bool Explorer::make_room() {
   const std::size_t entries = grown_capacity(matrix_.targets, row_.size());
   const std::size_t rows = grown_capacity(matrix_.row_starts, 1);

@@ -6,15 +6,15 @@
 
 namespace symfold {
 
-LocalStates::LocalStates(const ComposedModel& model, const StateLayout& layout, std::size_t max_of_one) {
+LocalStates::LocalStates(const ComposedModel& model, const StateLayout& layout) {
   std::vector<std::uint32_t> first_number(model.instances.size(), kNone);
   for (std::size_t i = 0; i < model.instances.size(); ++i) {
     const TypeInstance& instance = model.instances[i];
     std::size_t count = 1;
     for (const VariableDecl& variable : model.description->type(instance.type).variables) {
-      count = std::min(count * values_of(instance, variable).size(), max_of_one + 1);
+      count = std::min(count * values_of(instance, variable).size(), kMaxOfOneInstance + 1);
     }
-    if (count > max_of_one || total_ + count > kMaxOfAll) continue;
+    if (count > kMaxOfOneInstance || total_ + count > kMaxOfAll) continue;
     first_number[i] = static_cast<std::uint32_t>(total_);
     total_ += count;
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/chain/state_text.h"
 #include "host/model/model_error.h"
 
 namespace symfold {

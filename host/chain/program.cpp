@@ -32,7 +32,8 @@ Number binary(const Instruction& instruction, Number a, Number b, Offset offset)
   }
 }
 
-// Whether a conditional jump is taken; pops the condition where it is not needed any more.
+// Returns true if a conditional jump is taken. Pops the condition unless a skip is taken, which leaves it as
+// the value.
 bool jumps(Opcode opcode, std::int64_t condition, std::size_t& depth) {
   const bool is_taken = (condition != 0) == (opcode == Opcode::kSkipIfTrue);
   if (!is_taken || opcode == Opcode::kJumpUnless) --depth;
@@ -70,7 +71,10 @@ Number evaluate(const Program& program, Frames& frames) {
       case Opcode::kUnaryReal:
         stack[depth - 1] = unary(instruction, stack[depth - 1], program.offsets[i]);
         break;
-      default:
+      case Opcode::kBinaryInt:
+      case Opcode::kBinaryReal:
+      case Opcode::kCompareInt:
+      case Opcode::kCompareReal:
         --depth;
         stack[depth - 1] = binary(instruction, stack[depth - 1], stack[depth], program.offsets[i]);
     }

@@ -5,9 +5,9 @@
 //     load 0; constant 2; equal; unless true skip to the end; load 2
 //
 // Types are resolved: an int, a literal and a bool are 64-bit integers, a real is a double, and every
-// operator has an opcode for each. What looks at no variable is folded to a constant, parameters included,
-// unless it has no value (1 div 0): that is an error only where it is reached. Evaluation allocates nothing;
-// its stack is as deep as the expression is high at most, see kMaxExpressionDepth.
+// operator has an opcode for each. An expression that looks at no variable is folded to a constant,
+// parameters included, unless it has no value (1 div 0): that is an error only if it is reached. Evaluation
+// allocates nothing; its stack is at most as deep as the expression is high, see kMaxExpressionDepth.
 
 #ifndef SYMFOLD_HOST_CHAIN_PROGRAM_H
 #define SYMFOLD_HOST_CHAIN_PROGRAM_H
@@ -22,6 +22,7 @@
 
 namespace symfold {
 
+// A value on the stack; the type of the expression says which.
 union Number {
   std::int64_t integer;
   double real;
@@ -34,10 +35,10 @@ enum class Opcode : std::uint8_t {
   kToReal,
   kNot,
   kJump,         // to instruction `argument`
-  kJumpUnless,   // pop; jump where it is false
-  kSkipIfFalse,  // jump where the top is false, else pop it
-  kSkipIfTrue,
-  kUnaryInt,  // the operator `op`
+  kJumpUnless,   // pop; jump if it was false
+  kSkipIfFalse,  // jump if the top is false, else pop it
+  kSkipIfTrue,   // jump if the top is true, else pop it
+  kUnaryInt,     // the operator `op`
   kUnaryReal,
   kBinaryInt,
   kBinaryReal,
@@ -60,15 +61,15 @@ struct Program {
 
 class Frames;
 
-// Gives the quantifiers of labels and rewards their values.
+// Evaluates the quantifiers of observables and rewards.
 class QuantifierValues {
  public:
   virtual ~QuantifierValues() = default;
   virtual Number value_of(std::uint32_t quantifier, Frames& frames) = 0;
 };
 
-// What a program looks at: a state and, for every quantifier around it, a submodel as the slots of its
-// variables in the order of their declaration. An action has the one frame 0.
+// What a program looks at: a state and, for every quantifier around it, a frame: a submodel as the slots of
+// its variables in the order of their declaration. An action has frame 0 alone.
 class Frames {
  public:
   Frames(const std::int16_t* state, QuantifierValues* quantifiers)
@@ -87,7 +88,7 @@ class Frames {
   std::array<const std::uint32_t*, kMaxQuantifierDepth> slots_{};
 };
 
-// Throws EvaluationError where the language gives no value.
+// Throws EvaluationError if the expression has no value in the state.
 Number evaluate(const Program& program, Frames& frames);
 
 }  // namespace symfold

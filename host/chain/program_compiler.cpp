@@ -25,7 +25,7 @@ class ProgramCompiler::Writer {
          const QuantifierNumber& number_of)
       : compiler_(compiler), parameters_(parameters), around_(around), number_of_(number_of) {}
 
-  // The value as one of the wanted type: an int may stand for a real.
+  // Leaves a value of the wanted type: that of the expression, or real if that is int.
   void write(ExprId id, const StaticType& wanted) {
     const Expr& expr = compiler_.model_.expr(id);
     if (const auto value = constant_value(id)) {
@@ -140,8 +140,8 @@ class ProgramCompiler::Writer {
   Program program_;
 };
 
-// Operands come before their operators in the vector of expressions or after: both orders are settled by
-// going down from every expression once.
+// In the vector of expressions operands may come before their operators or after them: going down from every
+// expression once settles both orders.
 ProgramCompiler::ProgramCompiler(const ModelDescription& model)
     : model_(model), looks_at_state_(model.expressions.size()) {
   std::vector<bool> is_known(model.expressions.size());

@@ -1,4 +1,4 @@
-// From checked expressions to programs.
+// Turns checked expressions into programs.
 
 #ifndef SYMFOLD_HOST_CHAIN_PROGRAM_COMPILER_H
 #define SYMFOLD_HOST_CHAIN_PROGRAM_COMPILER_H
@@ -11,17 +11,19 @@
 
 namespace symfold {
 
-// Compiles the expressions of one model.
+// Compiles the expressions of one model, to which it keeps a reference.
 class ProgramCompiler {
  public:
+  static constexpr std::size_t kMaxInstructions = 50'000'000;
+
   explicit ProgramCompiler(const ModelDescription& model);
 
-  // An expression of a type whose parameters have these values. Throws ModelError where the programs of a
-  // model, with all its type instances, become too many instructions to hold.
+  // Compiles an expression of an action, for the type instance whose parameters have these values. Throws
+  // ModelError if all programs compiled so take more instructions than kMaxInstructions.
   Program compile(ExprId id, const StaticType& wanted, std::span<const Value> parameters);
 
-  // An expression of a label or reward inside the quantifiers `around`, outermost first. Quantifiers are not
-  // compiled in: `number_of` gives the argument for kQuantify.
+  // Compiles an expression of an observable or reward that stands inside the quantifiers `around`, outermost
+  // first. Quantifiers are not compiled in: `number_of` returns the argument for kQuantify.
   using QuantifierNumber = std::function<std::uint32_t(ExprId)>;
   Program compile(ExprId id, const StaticType& wanted, std::span<const int> around,
                   const QuantifierNumber& number_of);
@@ -31,7 +33,7 @@ class ProgramCompiler {
 
   const ModelDescription& model_;
   std::vector<bool> looks_at_state_;  // by expression
-  std::size_t instructions_left_ = 50'000'000;
+  std::size_t instructions_left_ = kMaxInstructions;
 };
 
 }  // namespace symfold

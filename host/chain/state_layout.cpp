@@ -1,14 +1,22 @@
 #include "host/chain/state_layout.h"
 
+#include <algorithm>
 #include <bit>
 #include <unordered_map>
 #include <utility>
 
+#include "host/language/evaluator.h"
 #include "host/language/model_description.h"
+#include "host/model/model_error.h"
 
 namespace symfold {
+namespace {
 
-// Slots are handed to the detector as the bytes that they are in memory.
+constexpr std::size_t kMaxVariablesShown = 40;
+
+}  // namespace
+
+// The detector gets the slots as the bytes that they are in memory.
 static_assert(std::endian::native == std::endian::little);
 
 StateLayout::StateLayout(const ComposedModel& model, const std::vector<std::string>& order) {
@@ -61,6 +69,22 @@ void StateLayout::place(const ComposedModel& model, const std::vector<Cell>& cel
                                           : first_private[i] + static_cast<std::uint32_t>(position));
     }
   }
+}
+
+std::string state_text(const StateLayout& layout, const std::int16_t* state) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(layout.slot_count(), kMaxVariablesShown); ++i) {
+    const ChainVariable& variable = layout.variables()[i];
+    text += (i == 0 ? "" : ", ") + variable.name + " = " + value_text(variable.values, state[i]);
+  }
+  if (layout.slot_count() > kMaxVariablesShown) text += ", ...";
+  return text;
+}
+
+void fail_in_state(const ComposedModel& model, const StateLayout& layout, const EvaluationError& error,
+                   const std::string& where, const std::int16_t* state) {
+  throw ModelError({model.description->source->diagnostic_at(
+      error.offset, error.message + " (in " + where + ", where " + state_text(layout, state) + ")")});
 }
 
 }  // namespace symfold

@@ -1,4 +1,4 @@
-// Where the variables of a composed model stand in its state vector.
+// Where the variables of a composed model stand in its state vector, and states as text.
 
 #ifndef SYMFOLD_HOST_CHAIN_STATE_LAYOUT_H
 #define SYMFOLD_HOST_CHAIN_STATE_LAYOUT_H
@@ -12,6 +12,8 @@
 #include "host/model/composed_model.h"
 
 namespace symfold {
+
+struct EvaluationError;
 
 // A state is a slot of 16 bits for each variable. The slots of a submodel's private variables are a cell, a
 // piece of the state that symmetries move as a whole; so is the slot of each join. A cell is a partition of
@@ -30,8 +32,8 @@ class StateLayout {
 
   std::size_t slot_count() const { return variables_.size(); }
 
-  // The slots of a submodel's variables, in the order of TypeDecl::variables. Those of shared variables that
-  // one join binds are equal.
+  // The slots of a submodel's variables, in the order of TypeDecl::variables. Shared variables that one join
+  // binds have the same slot.
   const std::uint32_t* slots_of(std::size_t submodel) const { return slots_.data() + first_slots_[submodel]; }
 
   // By slot.
@@ -52,6 +54,15 @@ class StateLayout {
   std::vector<std::uint32_t> slots_;
   std::vector<std::size_t> first_slots_;  // by submodel, into slots_
 };
+
+// "phil_0.phase = left, fork_0 = false"; if there are many variables, the first ones.
+std::string state_text(const StateLayout& layout, const std::int16_t* state);
+
+// Throws ModelError with the error's message and its place in the model's text, with `where` it happened
+// ("action 'takeL' of phil_0") and with the state.
+[[noreturn]] void fail_in_state(const ComposedModel& model, const StateLayout& layout,
+                                const EvaluationError& error, const std::string& where,
+                                const std::int16_t* state);
 
 }  // namespace symfold
 

@@ -15,7 +15,8 @@ StatePacking::StatePacking(const std::vector<ChainVariable>& variables) {
       ++word_count_;
       used = 0;
     }
-    // A variable of a single value has no bits and may stand at the end of a full word.
+    // A variable with a single value has no bits, and its place may be the end of a full word, which is no
+    // valid shift.
     fields_.push_back({static_cast<std::uint32_t>(word_count_ - 1),
                        static_cast<std::uint16_t>((1U << width) - 1),
                        static_cast<std::int16_t>(variable.values.low),

@@ -20,11 +20,11 @@ class StatePacking {
   std::size_t word_count() const { return word_count_; }
   std::size_t byte_count() const { return byte_count_; }
 
-  // All of the state. Cost: the number of variables.
+  // A whole state. Cost: in the number of variables.
   void pack(const std::int16_t* values, std::uint64_t* words) const;
   void unpack(const std::uint64_t* words, std::int16_t* values) const;
 
-  // One variable of a packed state.
+  // Sets one variable of a packed state.
   void set(std::uint64_t* words, std::uint32_t slot, std::int16_t value) const {
     const Field& field = fields_[slot];
     std::uint64_t& word = words[field.word];

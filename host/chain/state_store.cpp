@@ -8,7 +8,7 @@ namespace symfold {
 namespace {
 
 constexpr std::size_t kFirstIndex = 64;               // entries
-constexpr std::size_t kChunk = std::size_t{1} << 13;  // bytes, about
+constexpr std::size_t kChunk = std::size_t{1} << 13;  // bytes, roughly
 
 // The index is full at 85 %.
 constexpr std::size_t room_of(std::size_t entry_count) { return entry_count / 20 * 17; }
@@ -36,8 +36,8 @@ void StateStore::set_limits(std::size_t max_states, std::size_t max_bytes) {
   max_bytes_ = std::min(max_bytes, kMaxBytes);
 }
 
-// Multiplications by odd constants, each followed by a fold of the upper half onto the lower one:
-// MurmurHash3's way of mixing (A. Appleby, 2011). Both halves of the result are used.
+// Multiplies by odd constants, and after each folds the upper half onto the lower one: MurmurHash3's way of
+// mixing (A. Appleby, 2011). Both halves of the result are used.
 std::uint64_t StateStore::hash(const std::uint64_t* words) const {
   std::uint64_t h = 0x9e3779b97f4a7c15;
   for (std::size_t i = 0; i < word_count_; ++i) {
@@ -94,13 +94,14 @@ bool StateStore::add_chunk() {
   return true;
 }
 
-// By half, but to no more entries than the states need that the memory can hold in the end, nor than there is
-// room for beside the arena.
+// Grows the index by half, capped by (a) the entries for all states that fit into the memory allowed and
+// (b) the memory left beside the arena.
 bool StateStore::grow_index() {
-  const std::size_t last_size = max_bytes_ * 17 / (17 * byte_count_ + 20 * sizeof(Entry));
+  const std::size_t fitting_states = max_bytes_ * 17 / (17 * byte_count_ + 20 * sizeof(Entry));
   const std::size_t arena = chunks_.size() * chunk_bytes();
   const std::size_t room = (max_bytes_ - std::min(max_bytes_, arena)) / sizeof(Entry);
-  const std::size_t grown = std::min({index_.size() + index_.size() / 2, last_size / 17 * 20 + 20, room});
+  const std::size_t grown =
+      std::min({index_.size() + index_.size() / 2, fitting_states / 17 * 20 + 20, room});
   if (room_of(grown) <= index_room_) return false;
   rebuild_index(grown);
   return true;

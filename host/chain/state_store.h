@@ -1,12 +1,13 @@
-// The set of the states that an exploration has reached, each stored once and numbered as they come.
+// The set of the states that an exploration has reached, each stored once. Their numbers are the order in
+// which they come.
 //
 // States lie packed in an arena of chunks, in the order of their numbers, without padding. An open-addressing
-// index with linear probing has an entry of 8 bytes for each: the state's number and 32 bits of its hash. The
-// hash bits spare most looks into the arena, but full states are compared before two are taken for one.
+// index with linear probing has an entry of 8 bytes for each: the state's number and 32 bits of its hash. If
+// the hash bits differ, so do the states; if they agree, the full states are compared.
 //
 // The index is at most 85 % full and grows by half, so it costs 8/0.85 = 9.4 to 14.1 bytes a state. To grow,
 // it is dropped and filled anew by a walk through the arena, so that there are never two indexes at a time.
-// Near the end of the memory allowed it grows only as far as the arena can still follow.
+// Near the end of the memory allowed it grows only so far that the arena has room to grow with it.
 
 #ifndef SYMFOLD_HOST_CHAIN_STATE_STORE_H
 #define SYMFOLD_HOST_CHAIN_STATE_STORE_H
@@ -27,33 +28,34 @@ class StateStore {
   enum class Outcome : std::uint8_t { kNew, kKnown, kTooManyStates, kOutOfMemory };
 
   struct Found {
-    StateId id;  // where the outcome is kNew or kKnown
+    StateId id;  // if the outcome is kNew or kKnown
     Outcome outcome;
   };
 
   explicit StateStore(const StatePacking& packing);
 
-  // Room for `max_states` states and, arena and index together, `max_bytes` bytes. Where more is held
-  // already, no state is added any more.
+  // Allows `max_states` states, and `max_bytes` bytes for arena and index together. If there is more already,
+  // no state is added any more.
   void set_limits(std::size_t max_states, std::size_t max_bytes);
 
   std::size_t size() const { return size_; }
 
-  // What arena and index take, in bytes.
+  // Bytes of arena and index.
   std::size_t memory() const { return chunks_.size() * chunk_bytes() + index_.size() * sizeof(Entry); }
 
   std::uint64_t hash(const std::uint64_t* words) const;
 
-  // Fetches the part of the index where a state of this hash is.
+  // Fetches into the cache the place in the index at which the search for this hash starts.
   void prefetch(std::uint64_t hash) const { __builtin_prefetch(&index_[home(hash)]); }
 
-  // Fetches the state that the index has for this hash, if any; to be called once the index is there.
+  // Fetches into the cache the state that the index has at that place, if any. To be called when the place
+  // itself has arrived.
   void prefetch_state(std::uint64_t hash) const {
     const Entry& entry = index_[home(hash)];
     if (entry.id != kEmpty) __builtin_prefetch(place(entry.id));
   }
 
-  // The number of the state, added where it is new. `hash` is that of the words.
+  // Returns the number of the state, and adds the state if it is new. `hash` is that of the words.
   Found insert(const std::uint64_t* words, std::uint64_t hash);
 
   void read(StateId id, std::uint64_t* words) const;

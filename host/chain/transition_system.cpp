@@ -2,13 +2,12 @@
 
 #include <string>
 
-#include "host/chain/state_text.h"
 #include "host/model/model_error.h"
 
 namespace symfold {
 namespace {
 
-// Of one model: 24 bytes an event, 8 a write.
+// Events and writes of one model together, of 16 and 8 bytes each.
 constexpr std::size_t kMaxRemembered = 4'000'000;
 
 }  // namespace
@@ -76,7 +75,7 @@ void TransitionSystem::fail_exit_rate(const std::int16_t* state) const {
                        state_text(layout_, state) + ")");
 }
 
-// Adds the action's event where it is enabled.
+// Adds the action's event if it is enabled.
 void TransitionSystem::evaluate_action(const CompiledAction& action, Frames& frames) {
   if (evaluate(action.guard, frames).integer == 0) return;
   const double rate = evaluate(action.rate, frames).real;

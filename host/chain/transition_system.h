@@ -1,4 +1,4 @@
-// What a composed model does: the actions that are enabled in a state, with their rates and effects.
+// What a composed model does: the actions that are enabled in a state, with their rates and writes.
 
 #ifndef SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
 #define SYMFOLD_HOST_CHAIN_TRANSITION_SYSTEM_H
@@ -22,24 +22,24 @@ struct Write {
 };
 
 // Actions are compiled once for each type instance. The first time that a submodel is seen in a local state,
-// the actions enabled there are evaluated, and remembered for all submodels of the instance; from then on a
-// submodel costs the numbering of its local state and one look-up. Submodels of too many local states are
-// evaluated anew each time.
+// the actions enabled there are evaluated, and remembered for all submodels of the instance. From then on a
+// submodel costs the numbering of its local state and one look-up. Submodels whose local states are not
+// numbered are evaluated anew each time.
 //
-// An action's writes are made in the order of its text: of two variables that one join binds, the later one's
-// value stays.
+// An action's writes are made in the order of its text: if one join binds two of the variables, the value of
+// the later one stays.
 class TransitionSystem {
  public:
-  // Keeps references to all three. Throws ModelError where the compiled actions are too large.
+  // Keeps references to all three. Throws ModelError if the compiled actions are too large.
   TransitionSystem(const ComposedModel& model, const StateLayout& layout, const LocalStates& local_states);
 
   std::size_t submodel_count() const { return model_.submodels.size(); }
 
-  // Calls visit(rate, writes, slots) for every enabled action of positive rate: the writes go to
-  // slots[write.variable]. Submodels in the model's order, actions in that of their type. `local` is what
-  // LocalStates::locate says of the state. Throws ModelError where a rate is negative or infinite, a value
-  // outside its set, or an expression without value, or where
-  // the rates have no finite sum. Allocates nothing for a local state seen before.
+  // Calls visit(rate, writes, slots) for every enabled action of positive rate; each write goes to the slot
+  // slots[write.variable]. Submodels come in the model's order, the actions of each in that of its type.
+  // `local` is what LocalStates::locate says of the state. Throws ModelError if a rate is negative or
+  // infinite, a value is outside its variable's set, an expression has no value or, after all visits, the
+  // rates have no finite sum. Allocates nothing for a local state seen before.
   template <class Visit>
   void for_each_action(const std::int16_t* state, const std::uint32_t* local, Visit visit) {
     double exit_rate = 0;
@@ -95,7 +95,7 @@ class TransitionSystem {
   std::vector<Range> known_;                          // by local state, into events_
   std::vector<Event> events_;
   std::vector<Write> writes_;
-  // What lies behind these belongs to a local state that is not remembered.
+  // From these positions on they belong to a local state that is not remembered.
   std::uint32_t remembered_events_ = 0;
   std::uint32_t remembered_writes_ = 0;
 };

@@ -27,20 +27,22 @@ Layout layout_of(const std::vector<Group>& groups) {
   return layout;
 }
 
-// Mostly of few values, so that states come again.
+// Mostly few values, so that states come again.
 Values random_state(const Layout& layout, std::mt19937& random) {
-  const unsigned spread = random() % 4 == 0 ? 65536 : 2;
+  const unsigned value_count = random() % 4 == 0 ? 65536 : 2;
   Values values;
   for (const ChainVariable& variable : layout) {
-    const auto offset = static_cast<int>(random() % std::min<std::size_t>(variable.values.size(), spread));
+    const auto offset =
+        static_cast<int>(random() % std::min<std::size_t>(variable.values.size(), value_count));
     const int value = random() % 8 == 0 ? variable.values.high - offset : variable.values.low;
     values.push_back(static_cast<std::int16_t>(value));
   }
   return values;
 }
 
-// From none and a single bit to several words, with fields that end at a word's end or do not fit there. With
-// one hash for all, every look-up meets every state; a store that grows takes its own hashes instead.
+// The states take from no bit and a single bit to several words, with fields that end at a word's end or do
+// not fit there. With one hash for all, every look-up meets every state; a store that grows uses its own
+// hashes instead.
 TEST(StateStore, NumbersStatesLikeAMap) {
   const std::vector<std::vector<Group>> groups = {{{3, 5, 5}},
                                                   {{1, 0, 1}},
@@ -80,8 +82,7 @@ TEST(StateStore, NumbersStatesLikeAMap) {
   }
 }
 
-// The memory is used up when a state finds no room, and beyond the states themselves there are few bytes
-// each.
+// When a state finds no room, the memory is used up, and it holds few bytes per state beside the states.
 TEST(StateStore, KeepsToItsLimitsAndUsesThem) {
   for (const std::size_t count : {2U, 5U, 12U}) {
     const StatePacking packing(layout_of({{count, -32768, 32767}}));
