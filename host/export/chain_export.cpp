@@ -7,20 +7,19 @@
 #include <string_view>
 
 #include "host/export/formats.h"
-#include "host/export/matrix_rows.h"
 
 namespace symfold {
 namespace {
 
-using Write = void (*)(const MarkovChain&, NewFile&);
+using WriteFormat = void (*)(const MarkovChain&, NewFile&);
 
 struct Format {
   const char* ending;
-  Write write = nullptr;  // of a format with one file for every chain
+  WriteFormat write = nullptr;  // null if the number of files depends on the chain
   std::size_t max_states = std::numeric_limits<std::size_t>::max();
 };
 
-// Layout programs need minutes for a drawing of more states, and nobody sees anything in it.
+// For a drawing of more states layout programs need minutes, and nobody sees anything in it.
 constexpr std::size_t kMaxDrawnStates = 5000;
 
 constexpr Format kFormats[] = {
@@ -59,7 +58,7 @@ class ChainFiles {
     names_.push_back(path);
   }
 
-  void add(const std::string& path, Write write) {
+  void add(const std::string& path, WriteFormat write) {
     add(path, [&](NewFile& out) { write(chain_, out); });
   }
 
@@ -121,7 +120,7 @@ std::vector<std::string> write_chain(const MarkovChain& chain, const std::string
   return files.names();
 }
 
-// PRISM looks at the first five or six transitions, by version.
+// PRISM looks at the first five or six transitions, depending on its version.
 bool needs_ctmc_switch(const MarkovChain& chain) {
   constexpr int kTransitionsLookedAt = 5;
   int count = 0;

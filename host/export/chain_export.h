@@ -10,22 +10,27 @@
 
 namespace symfold {
 
-// The endings that write_chain knows, for people: ".all, .tra, .sta, ...".
+// The endings that write_chain knows, as a text for people: ".all, .tra, .sta, ...".
 std::string export_endings();
 
-// Whether the path has one of these endings.
+// Returns true if the path has one of these endings.
 bool is_export_format(const std::string& path);
 
-// Writes the chain in the format of the path's ending and returns the names of the files written, in order:
-// `.all` stands for `.tra`, `.sta`, `.lab` and, where there are rewards, `.srew`; a chain of several rewards
-// has one file for each, NAME1.srew, NAME2.srew and so on. Each file appears whole or not at all; those
-// before a failed one remain. The same chain gives the same bytes. Takes constant memory beside the chain.
-// Throws std::runtime_error with one line "PATH: error: ..." when a file cannot be written, when the ending
-// is unknown, for `.srew` without rewards and for `.dot` of a chain that is too large to draw.
+// Writes the chain in the format of the path's ending and returns the names of the files written, in order.
+// `.all` stands for `.tra`, `.sta`, `.lab` and, if there are rewards, `.srew`; a chain with several rewards
+// has one file for each, NAME1.srew, NAME2.srew and so on. docs/file-formats.md describes the formats.
+//
+// Each file appears whole or not at all; those before a failed one remain. The same chain gives the same
+// bytes. Takes constant memory beside the chain, and time in the length of the files. `.all`, `.sta` and
+// `.dot` call the chain's read_values, for which the chain's own rule on threads holds; the other formats may
+// be written in several threads, each to a path of its own.
+//
+// Throws std::runtime_error with one line "PATH: error: ..." if a file cannot be written, if the ending is
+// unknown, for `.srew` without rewards and for `.dot` if the chain is too large to draw.
 std::vector<std::string> write_chain(const MarkovChain& chain, const std::string& path);
 
-// PRISM takes a `.tra` file for one of a discrete chain when none of the first rates in it exceeds 1: whether
-// this one has to be opened with the switch `-ctmc`.
+// Returns true if the chain's `.tra` file has to be opened with the switch `-ctmc`: PRISM takes a file for
+// one of a discrete chain if none of the first rates in it exceeds 1.
 bool needs_ctmc_switch(const MarkovChain& chain);
 
 }  // namespace symfold

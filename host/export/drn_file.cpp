@@ -3,8 +3,7 @@
 #include <numeric>
 
 #include "host/export/formats.h"
-#include "host/export/identifiers.h"
-#include "host/export/matrix_rows.h"
+#include "host/export/names.h"
 
 namespace symfold {
 namespace {

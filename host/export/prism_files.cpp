@@ -3,8 +3,7 @@
 #include <algorithm>
 
 #include "host/export/formats.h"
-#include "host/export/identifiers.h"
-#include "host/export/matrix_rows.h"
+#include "host/export/names.h"
 
 namespace symfold {
 namespace {
@@ -49,7 +48,7 @@ void write_sta(const MarkovChain& chain, NewFile& out) {
   }
 }
 
-// A line per state that has a label.
+// One line per state that has a label.
 void write_lab(const MarkovChain& chain, NewFile& out) {
   constexpr std::size_t kFirstLabel = 2;
   out.append("0=\"init\" 1=\"deadlock\"");

@@ -3,7 +3,6 @@
 #include "host/export/chain_export.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <bit>
 #include <cmath>
@@ -11,30 +10,16 @@
 #include <limits>
 #include <random>
 
-#include "host/export/identifiers.h"
+#include "host/export/names.h"
 #include "host/new_file.h"
 #include "tests/support/chain_readers.h"
+#include "tests/support/detector_support.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {
 namespace {
 
 namespace fs = std::filesystem;
-
-class TemporaryDirectory {
- public:
-  TemporaryDirectory() : path_(fs::temp_directory_path() / ("symfold-export-" + std::to_string(getpid()))) {
-    fs::remove_all(path_);
-    fs::create_directory(path_);
-  }
-  ~TemporaryDirectory() { fs::remove_all(path_); }
-
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-  bool is_empty() const { return fs::is_empty(path_); }
-
- private:
-  fs::path path_;
-};
 
 using Rows = std::vector<std::vector<std::pair<StateId, double>>>;
 
@@ -189,26 +174,25 @@ void expect_written(const MarkovChain& chain, const std::string& path, std::size
 }
 
 TEST(ChainExport, WritesWhatEveryFormatsReaderReadsBack) {
-  const TemporaryDirectory directory;
+  const TempDir directory;
   std::vector<MarkovChain> chains = {awkward_chain(), chain_of({{}})};
   for (std::uint64_t seed = 0; seed < 20; ++seed) chains.push_back(random_chain(seed));
   for (std::size_t c = 0; c < chains.size(); ++c) {
     SCOPED_TRACE("chain " + std::to_string(c));
     const MarkovChain& chain = chains[c];
     for (const char* ending : {".tra", ".sta", ".lab", ".drn", ".mtx", ".aut", ".dot"}) {
-      const std::string path = directory / (std::string("a") + ending);
+      const std::string path = std::string("a") + ending;
       ASSERT_EQ(write_chain(chain, path), std::vector<std::string>{path});
       expect_written(chain, path);
     }
-    const std::vector<std::string> files = write_chain(chain, directory / "b.all");
+    const std::vector<std::string> files = write_chain(chain, "b.all");
     ASSERT_EQ(files.size(), 3 + chain.rewards.size());
     for (const char* ending : {".tra", ".sta", ".lab"}) {
-      EXPECT_EQ(file_text(directory / (std::string("b") + ending)),
-                file_text(directory / (std::string("a") + ending)));
+      EXPECT_EQ(file_text(std::string("b") + ending), file_text(std::string("a") + ending));
     }
     for (std::size_t i = 0; i < chain.rewards.size(); ++i) {
       const std::string number = chain.rewards.size() == 1 ? "" : std::to_string(i + 1);
-      EXPECT_EQ(files[3 + i], directory / ("b" + number + ".srew"));
+      EXPECT_EQ(files[3 + i], "b" + number + ".srew");
       expect_written(chain, files[3 + i], i);
     }
   }
@@ -216,7 +200,7 @@ TEST(ChainExport, WritesWhatEveryFormatsReaderReadsBack) {
 
 // The description shows the files of one chain, byte by byte.
 TEST(ChainExport, WritesTheFilesThatTheDescriptionShows) {
-  const TemporaryDirectory directory;
+  const TempDir directory;
   const auto modes =
       std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"up", "down", "scrapped"});
   MarkovChain chain;
@@ -229,7 +213,7 @@ TEST(ChainExport, WritesTheFilesThatTheDescriptionShows) {
   chain.rewards = {{"uptime", {1, 0, 0}}};
   const std::string description = file_text(SYMFOLD_DOCS_DIR "/file-formats.md");
   for (const char* name : {"a.all", "a.drn", "a.mtx", "a.aut", "a.dot"}) {
-    for (const std::string& file : write_chain(chain, directory / name)) {
+    for (const std::string& file : write_chain(chain, name)) {
       EXPECT_NE(description.find("```\n" + file_text(file) + "```\n"), std::string::npos) << file;
     }
   }
@@ -260,10 +244,10 @@ std::string refusal_of(const MarkovChain& chain, const std::string& path) {
 }
 
 TEST(ChainExport, RefusesInOneLineAndLeavesNothingBehind) {
-  const TemporaryDirectory directory;
+  const TempDir directory;
   const MarkovChain chain = chain_of({{}});
   const auto expect_refusal = [&](const std::string& name, const std::string& message) {
-    EXPECT_EQ(refusal_of(chain, directory / name), (directory / name) + ": error: " + message);
+    EXPECT_EQ(refusal_of(chain, name), name + ": error: " + message);
   };
   expect_refusal("missing/a.tra", "cannot be written: No such file or directory");
   expect_refusal("a.srew", "expected a model with rewards for this format, got none");
@@ -272,21 +256,20 @@ TEST(ChainExport, RefusesInOneLineAndLeavesNothingBehind) {
     expect_refusal(
         name, "expected a name that ends in one of .all, .tra, .sta, .lab, .srew, .drn, .mtx, .aut, .dot");
   }
-  EXPECT_EQ(
-      refusal_of(chain_of(Rows(5001)), directory / "a.dot"),
-      (directory / "a.dot") + ": error: expected a chain of at most 5000 states for this format, got 5001");
-  EXPECT_TRUE(directory.is_empty());
-  fs::create_directory(directory / "d.tra");
+  EXPECT_EQ(refusal_of(chain_of(Rows(5001)), "a.dot"),
+            "a.dot: error: expected a chain of at most 5000 states for this format, got 5001");
+  EXPECT_TRUE(fs::is_empty("."));
+  fs::create_directory("d.tra");
   expect_refusal("d.tra", "cannot be written: Is a directory");
-  fs::create_symlink("/dev/full", directory / "full.tra");
+  fs::create_symlink("/dev/full", "full.tra");
   expect_refusal("full.tra", "cannot be written: No space left on device");
-  EXPECT_FALSE(fs::exists(directory / "d.tra.partial") || fs::exists(directory / "full.tra.partial"));
+  EXPECT_FALSE(fs::exists("d.tra.partial") || fs::exists("full.tra.partial"));
 }
 
 // Numbers and a text longer than the buffer, across its end; a file given up leaves the one before it.
 TEST(NewFile, AppearsWholeOrNotAtAll) {
-  const TemporaryDirectory directory;
-  const std::string path = directory / "file";
+  const TempDir directory;
+  const std::string path = "file";
   const std::string long_text(3'000'000, 'x');
   std::string expected;
   for (int i = 0; i < 300'000; ++i) expected += std::to_string(i) + " 0.5\n";

@@ -1,4 +1,4 @@
-#include "host/export/identifiers.h"
+#include "host/export/names.h"
 
 #include <algorithm>
 #include <string_view>
@@ -50,8 +50,7 @@ std::vector<std::string> identifiers_of(const std::vector<Named>& all) {
 
 }  // namespace
 
-// The next number of a word that is taken only grows: a thousand equal words need no more than a thousand
-// steps.
+// The next number of a word that is taken only grows, so that a thousand equal words take a thousand steps.
 std::vector<std::string> solver_identifiers(const std::vector<std::string>& names) {
   std::vector<std::string> identifiers;
   std::unordered_set<std::string> taken;
@@ -77,6 +76,15 @@ std::vector<std::string> observable_identifiers(const MarkovChain& chain) {
 
 std::vector<std::string> reward_identifiers(const MarkovChain& chain) {
   return identifiers_of(chain.rewards);
+}
+
+std::string dot_escaped(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    if (c == '"' || c == '\\') result += '\\';
+    result += c;
+  }
+  return result;
 }
 
 }  // namespace symfold
