@@ -4,7 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "host/pictures/chain_layout.h"
+#include "host/export/names.h"
+#include "host/pictures/line_layout.h"
 #include "host/pictures/palette.h"
 #include "host/pictures/svg_writer.h"
 
@@ -16,29 +17,35 @@ constexpr std::size_t kMaxStressed = 1500;  // nodes
 constexpr double kCharacter = 0.075;        // inches
 constexpr double kMargin = 0.13;
 constexpr double kDot = 0.14;
-constexpr double kNarrowestBox = 0.3;
+constexpr double kMinBoxWidth = 0.3;
 
-std::string quoted(std::string_view text) {
-  std::string result = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') result += '\\';
-    result += c;
-  }
-  return result + '"';
-}
+constexpr const char* kQuietInk = "#404040";
 
-// Of the submodels, or of the joins with room for a name on either side, as the longest needs; in inches.
+// Of the legend, one of Graphviz's HTML-like labels.
+constexpr std::size_t kMaxOrbits = 16;
+constexpr std::size_t kMaxNames = 4;
+constexpr std::size_t kDigitsOfALine = 80;
+constexpr std::size_t kMaxDigits = 1000;
+constexpr std::size_t kDigitsAtEachEnd = 30;
+constexpr const char* kLineEnd = "<br align=\"left\"/>\n";
+constexpr const char* kNarrowLine = "<font point-size=\"4\">&#160;</font><br align=\"left\"/>\n";
+
+std::string quoted(std::string_view text) { return '"' + dot_escaped(text) + '"'; }
+
+// The width in inches that the longest text needs: of the submodels' boxes, or of the joins, with room for
+// the text on either side.
 double widest(const DrawnGraph& graph, bool joins) {
   std::size_t longest = 0;
   for (std::size_t i = 0; i < graph.nodes.size(); ++i) {
     if (graph.is_join(i) == joins) longest = std::max(longest, graph.nodes[i].text.size());
   }
   const double width = static_cast<double>(longest) * kCharacter;
-  return joins ? 2 * width + kDot : std::max(width + kMargin, kNarrowestBox);
+  return joins ? 2 * width + kDot : std::max(width + kMargin, kMinBoxWidth);
 }
 
-// Orbits from left to right; parts by the stress of distances, which shows symmetries best, and where that
-// takes too long, by springs on several scales. Edges go round few nodes, and straight through many.
+// Orbits stand from left to right. Parts are placed by the stress of distances, which shows symmetries best,
+// or by springs on several scales if that takes too long. Edges go round few nodes, and straight through
+// many.
 std::string layout_attributes(const DrawnGraph& graph, bool has_positions) {
   const std::size_t nodes = graph.nodes.size();
   if (has_positions) return "layout=neato, splines=line";
@@ -48,20 +55,70 @@ std::string layout_attributes(const DrawnGraph& graph, bool has_positions) {
   return "layout=sfdp, overlap=prism, splines=line";
 }
 
-// Fainter where many cross.
+// Fainter if many cross.
 std::string edge_colour(const DrawnGraph& graph, bool has_positions) {
   if (has_positions || graph.edges.size() <= 100) return "#00000080";
   return graph.edges.size() <= 600 ? "#00000058" : "#00000030";
 }
 
-class Writer {
+std::string small(std::string_view markup) {
+  return std::string("<font point-size=\"9\" color=\"") + kQuietInk + "\">" + std::string(markup) + "</font>";
+}
+
+// The first names, and the last.
+std::string shortened(const std::vector<std::string>& names) {
+  std::string text = names[0];
+  for (std::size_t i = 1; i < std::min(names.size(), kMaxNames); ++i) text += ", " + names[i];
+  if (names.size() > kMaxNames) text += (names.size() > kMaxNames + 1 ? ", ... " : ", ") + names.back();
+  return text;
+}
+
+// The order behind the words, or on lines of its own if it is long.
+std::string order_lines(const std::string& order) {
+  if (order.size() <= kDigitsOfALine / 2) return order + kLineEnd;
+  std::string digits = order;
+  if (order.size() > kMaxDigits) {
+    digits = order.substr(0, kDigitsAtEachEnd) + " ... " + order.substr(order.size() - kDigitsAtEachEnd);
+  }
+  std::string lines = "(" + std::to_string(order.size()) + " digits)" + kLineEnd;
+  for (std::size_t i = 0; i < digits.size(); i += kDigitsOfALine) {
+    lines += small(digits.substr(i, kDigitsOfALine)) + kLineEnd;
+  }
+  return lines;
+}
+
+std::string orbit_line(const DrawnOrbit& orbit, const std::string& colour) {
+  const std::string sign = orbit.is_join ? "\u25CF" : "\u25A0";  // a disc, a square
+  const std::string kind = orbit.is_join ? "join" : "submodel";
+  return "<font point-size=\"16\" color=\"" + colour + "\">" + sign + "</font>&#160;&#160;&#160;" +
+         std::to_string(orbit.names.size()) + " " + kind + (orbit.names.size() == 1 ? "" : "s") + "  " +
+         small(xml_escaped(shortened(orbit.names))) + kLineEnd;
+}
+
+// Lines of text: the model, its parts and the order of the group, and for each orbit its colour, size and
+// names.
+std::string legend(const DrawnGraph& graph, const DrawingTitle& title,
+                   const std::vector<std::string>& colours) {
+  std::string text =
+      "<font point-size=\"16\"><b>" + xml_escaped(title.model) + "</b></font>" + kLineEnd + kNarrowLine;
+  text +=
+      xml_escaped(title.parts) + ", symmetry group of order " + order_lines(title.group_order) + kNarrowLine;
+  const std::size_t shown = graph.orbits.size() <= kMaxOrbits + 1 ? graph.orbits.size() : kMaxOrbits;
+  for (std::size_t i = 0; i < shown; ++i) text += orbit_line(graph.orbits[i], colours[i]);
+  if (shown < graph.orbits.size()) {
+    text += "and " + std::to_string(graph.orbits.size() - shown) + " more orbits" + kLineEnd;
+  }
+  return text + kNarrowLine;
+}
+
+class CompositionWriter {
  public:
-  Writer(const DrawnGraph& graph, const DrawingTitle& title)
+  CompositionWriter(const DrawnGraph& graph, const DrawingTitle& title)
       : graph_(graph),
         colours_(distinct_colours(graph.orbits.size())),
         width_(widest(graph, false)),
         positions_(graph.is_collapsed ? std::vector<Position>()
-                                      : chain_positions(graph, width_, widest(graph, true))) {
+                                      : line_positions(graph, width_, widest(graph, true))) {
     text_ = "// order of the symmetry group: " + title.group_order + "\ngraph composition {\n";
     line("graph [" + layout_attributes(graph, !positions_.empty()) +
          ", outputorder=edgesfirst, pad=0.3, fontname=\"Helvetica\", fontsize=12,\n"
@@ -71,9 +128,9 @@ class Writer {
         "node [shape=box, style=\"rounded,filled\", color=\"#00000090\", fontname=\"Helvetica\", "
         "fontsize=10, "
         "height=0.24, width=" +
-        svg_number(positions_.empty() ? kNarrowestBox : width_) + ", margin=\"0.06,0.02\"]");
+        svg_number(positions_.empty() ? kMinBoxWidth : width_) + ", margin=\"0.06,0.02\"]");
     line("edge [color=\"" + edge_colour(graph, !positions_.empty()) +
-         "\", fontname=\"Helvetica\", fontsize=9, fontcolor=\"#404040\"]");
+         "\", fontname=\"Helvetica\", fontsize=9, fontcolor=" + quoted(kQuietInk) + "]");
     for (std::size_t i = 0; i < graph.nodes.size(); ++i) add_node(i);
     for (const DrawnEdge& edge : graph.edges) add_edge(edge);
     text_ += "}\n";
@@ -94,7 +151,7 @@ class Writer {
       attributes += ", shape=circle, style=filled, width=" + svg_number(kDot) +
                     ", height=" + svg_number(kDot) + ", fixedsize=true, label=\"\"";
       if (!node.text.empty())
-        attributes += ", fontsize=9, fontcolor=\"#404040\", xlabel=" + quoted(node.text);
+        attributes += ", fontsize=9, fontcolor=" + quoted(kQuietInk) + ", xlabel=" + quoted(node.text);
     } else {
       attributes += ", label=" + quoted(node.text);
     }
@@ -122,7 +179,7 @@ class Writer {
 }  // namespace
 
 std::string composition_dot(const DrawnGraph& graph, const DrawingTitle& title) {
-  return Writer(graph, title).text();
+  return CompositionWriter(graph, title).text();
 }
 
 }  // namespace symfold

@@ -6,15 +6,20 @@
 #include <string>
 
 #include "host/pictures/drawn_graph.h"
-#include "host/pictures/legend.h"
 
 namespace symfold {
 
-// An undirected graph: submodels as boxes, joins as dots, both filled with the colour of their orbit, and a
-// legend with the title, the order of the group and the orbits, the first ones where there are many. The
-// graph's attributes name the layout that suits its size and shape, so that any of Graphviz's programs draws
-// it as meant. The first line, a comment, has the whole order of the group, of which the legend leaves digits
-// out where there are more than a thousand.
+struct DrawingTitle {
+  std::string model;
+  std::string parts;        // "5 submodels, 5 joins"
+  std::string group_order;  // in decimal, exact
+};
+
+// Returns an undirected graph: submodels as boxes, joins as dots, both filled with the colour of their orbit,
+// and a legend with the title, the order of the group and the orbits, or the first ones of many. The graph's
+// attributes name the layout that suits its size and shape, so that any of Graphviz's programs draws it as
+// meant. The first line, a comment, has the whole order of the group; the legend shows the ends alone of an
+// order of more than a thousand digits.
 std::string composition_dot(const DrawnGraph& graph, const DrawingTitle& title);
 
 }  // namespace symfold

@@ -20,12 +20,12 @@ struct DrawnOrbit {
 
 struct DrawnNode {
   std::string name;  // no two nodes have the same
-  std::string text;  // written at the node, where there is room; empty for joins among many
+  std::string text;  // written at the node; empty for joins among many nodes
   std::string hint;  // shown when pointed at
   std::size_t orbit = 0;
 };
 
-// A shared variable of a submodel, in its join; between orbits, all of these.
+// A shared variable of a submodel, in its join; between orbits, all such variables of one name.
 struct DrawnEdge {
   std::size_t submodel = 0;  // nodes
   std::size_t join = 0;
@@ -42,12 +42,12 @@ struct DrawnGraph {
   bool is_join(std::size_t node) const { return orbits[nodes[node].orbit].is_join; }
 };
 
-// Every submodel and every join a node. Among many, submodels are written by their indices alone, and joins
-// not at all.
+// Every submodel and every join is a node. If there are many, only the indices of submodels are written, and
+// joins have no text.
 DrawnGraph drawn_parts(const ComposedModel& model, const NamedOrbits& orbits);
 
-// Every orbit a node with the number of its parts. Between an orbit of submodels and one of joins there is an
-// edge for each shared variable, with the number of times that it is shared.
+// Every orbit is a node with the number of its parts. Between an orbit of submodels and one of joins there is
+// an edge for each shared variable, with the number of times that it is shared.
 DrawnGraph drawn_orbits(const ComposedModel& model, const NamedOrbits& orbits);
 
 }  // namespace symfold

@@ -17,7 +17,7 @@
 namespace symfold {
 namespace {
 
-// Closed at the end of its life, or before.
+// A file descriptor, closed by its destructor or before.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -38,7 +38,7 @@ class Descriptor {
   throw std::runtime_error(name + ": error: " + reason);
 }
 
-// The program's end of the pipe becomes its standard output. Nothing that is not installed is found.
+// The program's end of the pipe becomes its standard output. Returns -1 if the program is not installed.
 pid_t start_dot(const Descriptor& input, const Descriptor& output) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

@@ -45,25 +45,25 @@ double GrowthAxes::y(double count) const {
   return frame_.bottom - share * (frame_.bottom - frame_.top);
 }
 
-// Numbers stand at the multiples of a step of 1, 2 or 5 times a power of ten, the smallest one that gives
-// them room.
+// Numbers stand at the multiples of a step, which is 1, 2 or 5 times a power of ten: the smallest one with
+// room for the numbers.
 std::int64_t GrowthAxes::step() const {
   constexpr double kDigit = 6;
   constexpr double kGap = 8;
-  constexpr std::int64_t kLargest = 1'000'000'000'000'000'000;
+  constexpr std::int64_t kMaxStep = 1'000'000'000'000'000'000;
   const std::size_t digits = std::max(std::to_string(low_).size(), std::to_string(high_).size());
   const double distance = kDigit * static_cast<double>(digits) + kGap;
   const double length = static_cast<double>(high_) - static_cast<double>(low_);
   const double least = length * distance / (frame_.right - frame_.left - 2 * kInset);
-  for (std::int64_t power = 1; power < kLargest; power *= 10) {
+  for (std::int64_t power = 1; power < kMaxStep; power *= 10) {
     for (const std::int64_t factor : {1, 2, 5}) {
       if (static_cast<double>(power * factor) >= least) return power * factor;
     }
   }
-  return kLargest;
+  return kMaxStep;
 }
 
-// Of few decades, their tenths too.
+// Draws the decades and, if there are few, their tenths.
 void GrowthAxes::draw_decades(SvgWriter& svg) const {
   const int decades = high_decade_ - low_decade_;
   const auto draw_line = [&](double count, const char* colour) {
@@ -90,7 +90,7 @@ void GrowthAxes::draw_decades(SvgWriter& svg) const {
 void GrowthAxes::draw_parameter(const GrowthPlot& plot, SvgWriter& svg) const {
   const double bottom = frame_.bottom;
   const std::int64_t numbered = step();
-  svg.open_group({{"stroke", "#222"}, {"stroke-width", 0.8}});
+  svg.open_group({{"stroke", kInk}, {"stroke-width", 0.8}});
   svg.add("line", {{"x1", frame_.left}, {"y1", bottom}, {"x2", frame_.right}, {"y2", bottom}});
   for (const GrowthPoint& point : plot.points) {
     const double at = x(point.value);

@@ -10,6 +10,9 @@
 
 namespace symfold {
 
+// The ink of axes and texts.
+inline constexpr const char* kInk = "#222";
+
 // In pixels; y grows downwards.
 struct PlotFrame {
   double left = 0;
@@ -18,7 +21,7 @@ struct PlotFrame {
   double bottom = 0;
 };
 
-// The parameter on a linear axis, the states on a logarithmic one from one power of ten to another.
+// The parameter stands on a linear axis, the states on a logarithmic one from one power of ten to another.
 class GrowthAxes {
  public:
   // At least `headroom` pixels stay free above the largest number.

@@ -17,9 +17,9 @@ constexpr double kTextSize = 10;
 constexpr double kLineHeight = 11.5;
 constexpr double kLabelGap = 13;  // from a curve's end to its label
 
-// Two tones of the palette of M. Okabe and K. Ito (Color universal design, 2008), one of them darkened: apart
-// for every kind of colour vision, and in grey. The markers tell the curves apart too, and the folded curve
-// is the thinner one, so that both are seen where they coincide.
+// Two tones of the palette of M. Okabe and K. Ito (Color universal design, 2008), one of them darkened,
+// differ for every kind of colour vision, and in grey. The markers tell the curves apart too. The folded
+// curve is the thinner one, so that both are seen where they coincide.
 struct Curve {
   const char* name;
   const char* colour;
@@ -43,7 +43,7 @@ double width_of(std::uint64_t number) {
   return digits * kDigit + std::floor((digits - 1) / 3) * kThinSpace;
 }
 
-// "÷ 9.96": three digits or more.
+// "÷ 9.96", with at least three digits.
 std::string factor_text(const GrowthPoint& point) {
   const double factor = static_cast<double>(*point.full) / static_cast<double>(*point.folded);
   if (factor >= 99.95) return "÷ " + grouped(static_cast<std::uint64_t>(std::llround(factor)));
@@ -70,7 +70,7 @@ std::string description_of(const GrowthPlot& plot) {
   return text;
 }
 
-// On the right, room for the longest number of a label.
+// On the right there is room for the longest number of a label.
 PlotFrame frame_for(const GrowthPlot& plot) {
   double widest = 36;
   for (const Curve* curve : {&kFull, &kFolded}) {
@@ -80,7 +80,7 @@ PlotFrame frame_for(const GrowthPlot& plot) {
   return {44, kWidth - widest - 14, 30, kHeight - 38};
 }
 
-// Whether the full curve ends before the folded one, where its label stands above it.
+// Returns true if the full curve ends before the folded one; then its label stands above it.
 bool is_full_cut(const GrowthPlot& plot) {
   const GrowthPoint* const full = last_point(plot, kFull);
   const GrowthPoint* const folded = last_point(plot, kFolded);
@@ -118,7 +118,7 @@ class GrowthDrawing {
   SvgWriter svg_;
 };
 
-// Smaller ones where the points are close.
+// Markers are smaller if the points are close.
 void GrowthDrawing::draw_marker(const Curve& curve, const GrowthPoint& point) {
   const double distance = (frame_.right - frame_.left) / static_cast<double>(plot_.points.size());
   const double radius = std::clamp(distance / 4, 1.3, 3.2);
@@ -173,7 +173,7 @@ void GrowthDrawing::draw_factor(const GrowthPoint& point, double x, double y, co
   svg_.add("text", {{"x", x}, {"y", y + 3.5}, {"text-anchor", anchor}}, factor_text(point));
 }
 
-// Where both curves end at one point: full ÷ factor, folded, read from top to bottom like a division.
+// For curves that end at one point: full ÷ factor, folded, which reads from top to bottom like a division.
 void GrowthDrawing::draw_division(const GrowthPoint& end) {
   constexpr double kDistance = 19;  // of the factor from either label
   constexpr double kHalf = 11;      // of a label's height
@@ -227,7 +227,7 @@ std::string GrowthDrawing::draw() {
   svg_.add("rect", {{"width", kWidth}, {"height", kHeight}, {"fill", "#fff"}});
   svg_.open_group({{"font-family", "Helvetica, Arial, 'Liberation Sans', 'DejaVu Sans', sans-serif"},
                    {"font-size", kTextSize},
-                   {"fill", "#222"}});
+                   {"fill", kInk}});
   svg_.add("text", {{"x", frame_.left}, {"y", 15.0}, {"font-size", 11.0}, {"font-weight", "bold"}},
            xml_escaped(plot_.title));
   axes_.draw(plot_, svg_);

@@ -1,4 +1,4 @@
-// The curve that papers show: how many states a model has over a parameter, full and folded.
+// The curves that papers show: the number of states of a model over a parameter, full and folded.
 
 #ifndef SYMFOLD_HOST_PICTURES_GROWTH_PLOT_H
 #define SYMFOLD_HOST_PICTURES_GROWTH_PLOT_H
@@ -10,7 +10,7 @@
 
 namespace symfold {
 
-// The numbers of states for one value of the parameter, each at least 1; none where a run did not end.
+// The numbers of states for one value of the parameter, each at least 1; none if a run was not complete.
 struct GrowthPoint {
   std::int64_t value = 0;
   std::optional<std::uint64_t> full;
@@ -23,9 +23,9 @@ struct GrowthPlot {
   std::vector<GrowthPoint> points;  // by ascending values, each value once
 };
 
-// The plot as a stand-alone SVG document, for a column of a paper (340 pixels or 90 mm wide): the states on a
-// logarithmic axis, the last number of each curve beside it, and by what factor folding divides the last full
-// state space that was reached. A curve has a gap where a count is missing.
+// Returns the plot as a stand-alone SVG document, for a column of a paper (340 pixels or 90 mm wide). The
+// states stand on a logarithmic axis, and beside each curve its last number and the factor by which folding
+// divides the last full state space that was reached. A curve has a gap where a number is missing.
 std::string growth_svg(const GrowthPlot& plot);
 
 // Writes it to a file. Throws std::runtime_error "PATH: error: cannot be written: REASON".

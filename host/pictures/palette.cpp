@@ -24,8 +24,8 @@ constexpr std::array<Rgb, 9> kLightScheme = {{{0x77, 0xAA, 0xDD},
                                               {0xDD, 0xDD, 0xDD}}};
 
 constexpr int kGridStep = 15;
-constexpr double kDarkest = 0.6;
-constexpr double kLightest = 0.93;
+constexpr double kMinLightness = 0.6;
+constexpr double kMaxLightness = 0.93;
 constexpr double kMaxChroma = 0.17;
 
 double linear(int component) {
@@ -74,7 +74,7 @@ std::vector<Candidate> candidates() {
       for (int b = 0; b <= 255; b += kGridStep) {
         const Candidate candidate{{r, g, b}, to_oklab({r, g, b})};
         const auto [lightness, x, y] = candidate.place;
-        if (lightness >= kDarkest && lightness <= kLightest && std::hypot(x, y) <= kMaxChroma) {
+        if (lightness >= kMinLightness && lightness <= kMaxLightness && std::hypot(x, y) <= kMaxChroma) {
           result.push_back(candidate);
         }
       }

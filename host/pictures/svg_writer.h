@@ -10,10 +10,10 @@
 
 namespace symfold {
 
-// Text with &, <, > and quotes as entities and without control characters.
+// Returns the text with &, <, > and quotes as entities, and with blanks for control characters.
 std::string xml_escaped(std::string_view text);
 
-// With at most two decimals, whatever the locale.
+// Returns the number with at most two decimals, whatever the locale.
 std::string svg_number(double number);
 
 struct SvgAttribute {
@@ -29,17 +29,17 @@ using SvgAttributes = std::initializer_list<SvgAttribute>;
 
 class SvgWriter {
  public:
-  // An image of this size in pixels, with a title and a description for those who do not see it.
+  // Starts an image of this size in pixels, with a title and a description for people who do not see it.
   SvgWriter(double width, double height, std::string_view title, std::string_view description);
 
-  // An element whose content is `markup`: escaped text or elements.
+  // Adds an element whose content is `markup`: escaped text or elements.
   void add(const char* name, SvgAttributes attributes, std::string_view markup = "");
 
-  // A group whose attributes hold for all that is added until it is closed.
+  // Opens a group, whose attributes hold for all that is added until it is closed.
   void open_group(SvgAttributes attributes);
   void close_group();
 
-  // The whole document.
+  // Returns the whole document. To be called once, at the end.
   std::string finish();
 
  private:

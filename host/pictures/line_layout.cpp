@@ -1,4 +1,4 @@
-#include "host/pictures/chain_layout.h"
+#include "host/pictures/line_layout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,10 +12,10 @@ constexpr std::size_t kMaxRow = 16;
 constexpr double kGap = 0.12;  // between neighbours
 constexpr double kRowHeight = 0.5;
 
-// Ways round a ring or along a line.
-class Chain {
+// The way along a line or round a ring.
+class Path {
  public:
-  explicit Chain(const DrawnGraph& graph) : neighbours_(graph.nodes.size()), carried_(graph.nodes.size()) {
+  explicit Path(const DrawnGraph& graph) : neighbours_(graph.nodes.size()), carried_(graph.nodes.size()) {
     for (const DrawnEdge& edge : graph.edges) {
       neighbours_[edge.submodel].push_back(edge.join);
       neighbours_[edge.join].push_back(edge.submodel);
@@ -26,7 +26,7 @@ class Chain {
 
   bool is_line() const { return is_line_; }
 
-  // Along the line or round the ring; empty where there is neither.
+  // Along the line or round the ring; empty if the graph is neither.
   const std::vector<std::size_t>& order() const { return order_; }
 
   // The nodes that a node of the ring carries: none or one.
@@ -92,7 +92,7 @@ class Chain {
 
 Position polar(double radius, double angle) { return {radius * std::sin(angle), radius * std::cos(angle)}; }
 
-// A place on the way and, one step beside it, a place for what is carried there.
+// A place on the way and, one step beside it, a place for the node that is carried there.
 struct Place {
   Position own;
   Position carried;
@@ -108,9 +108,10 @@ std::vector<Place> circle(std::size_t count, double step) {
   return places;
 }
 
-// Columns of `length` places or one less, outwards and inwards by turns; `gap` apart where they are nearest.
+// Columns that run outwards and inwards by turns, `gap` apart where they are nearest. Their lengths differ by
+// at most one place.
 std::vector<Place> folded_ring(std::size_t count, double step, double gap) {
-  const double inner_share = 0.6;  // of a column's length is the inner radius, roughly
+  const double inner_share = 0.6;  // the inner radius in columns' lengths, roughly
   const double wanted =
       std::sqrt(static_cast<double>(count) * gap / (2 * std::numbers::pi * inner_share * step));
   const auto half = static_cast<std::size_t>(std::ceil(static_cast<double>(count) / wanted / 2));
@@ -145,21 +146,21 @@ std::vector<Place> rows(std::size_t count, double step) {
 
 }  // namespace
 
-std::vector<Position> chain_positions(const DrawnGraph& graph, double submodel_width, double join_width) {
-  const Chain chain(graph);
-  const std::vector<std::size_t>& order = chain.order();
+std::vector<Position> line_positions(const DrawnGraph& graph, double submodel_width, double join_width) {
+  const Path path(graph);
+  const std::vector<std::size_t>& order = path.order();
   if (order.empty()) return {};
   const double step = (submodel_width + join_width) / 2 + kGap;
   const bool carries = order.size() < graph.nodes.size();
   const double column = carries ? submodel_width + step : std::max(submodel_width, join_width);
-  const std::vector<Place> places = chain.is_line() ? rows(order.size(), step)
+  const std::vector<Place> places = path.is_line() ? rows(order.size(), step)
                                     : order.size() <= kMaxCircle
                                         ? circle(order.size(), step)
                                         : folded_ring(order.size(), step, column + kGap);
   std::vector<Position> result(graph.nodes.size());
   for (std::size_t i = 0; i < order.size(); ++i) {
     result[order[i]] = places[i].own;
-    for (const std::size_t node : chain.carried_by(order[i])) result[node] = places[i].carried;
+    for (const std::size_t node : path.carried_by(order[i])) result[node] = places[i].carried;
   }
   return result;
 }

@@ -1,6 +1,6 @@
 // Rings and lines of every length in a picture: no two nodes lie on each other, and neighbours lie together.
 
-#include "host/pictures/chain_layout.h"
+#include "host/pictures/line_layout.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 namespace symfold {
 namespace {
 
-// Submodels and joins by turns; `carried` are submodels on every second join.
-DrawnGraph chain(std::size_t submodels, bool is_ring, bool carries) {
+// Submodels and joins by turns. With `carries`, every second join carries one more submodel.
+DrawnGraph line_graph(std::size_t submodels, bool is_ring, bool carries) {
   DrawnGraph graph;
   graph.orbits = {{false, {}}, {true, {}}};
   const std::size_t boxes = carries ? submodels + submodels / 2 : submodels;
@@ -26,13 +26,13 @@ DrawnGraph chain(std::size_t submodels, bool is_ring, bool carries) {
   return graph;
 }
 
-TEST(ChainLayout, KeepsNodesApartAndNeighboursTogether) {
+TEST(LineLayout, KeepsNodesApartAndNeighboursTogether) {
   const double box = 0.5;
   const double dot = 0.14;
   for (std::size_t submodels = 3; submodels <= 300; submodels += 1 + submodels / 8) {
     for (const auto& [is_ring, carries] : {std::pair{true, false}, {true, true}, {false, false}}) {
-      const DrawnGraph graph = chain(submodels, is_ring, carries);
-      const std::vector<Position> places = chain_positions(graph, box, dot);
+      const DrawnGraph graph = line_graph(submodels, is_ring, carries);
+      const std::vector<Position> places = line_positions(graph, box, dot);
       ASSERT_EQ(places.size(), graph.nodes.size()) << submodels;
       const auto distance = [&places](std::size_t a, std::size_t b) {
         return std::hypot(places[a].x - places[b].x, places[a].y - places[b].y);
@@ -47,10 +47,10 @@ TEST(ChainLayout, KeepsNodesApartAndNeighboursTogether) {
         EXPECT_LT(distance(edge.submodel, edge.join), 6 * box) << submodels;
     }
   }
-  DrawnGraph star = chain(5, false, false);
+  DrawnGraph star = line_graph(5, false, false);
   star.edges.push_back({0, 6, "", ""});
   star.edges.push_back({2, 8, "", ""});
-  EXPECT_TRUE(chain_positions(star, box, dot).empty());
+  EXPECT_TRUE(line_positions(star, box, dot).empty());
 }
 
 }  // namespace
