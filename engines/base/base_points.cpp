@@ -8,8 +8,8 @@
 namespace symfold::detail {
 namespace {
 
-// From the largest smallest moved point down, each base point's generators join those of the stabilisers
-// below it. The generators are chained by that point, the first ones first.
+// Visits the points from the largest down. The generators whose smallest moved point is the current one join
+// those of all larger points. A linked list for each point holds its generators in their order.
 template <class Generators>
 void read_base_of(int n, const Generators& generators, std::vector<int>& base,
                   std::vector<int>& orbit_lengths) {

@@ -2,7 +2,7 @@
 //
 // The functions take every random-access container of integers, such as PointVector<int> and
 // std::vector<std::uint32_t>, and run in time linear in n. Except for is_permutation, they expect images that
-// are permutations. A permutation that moves few of many points is a SparsePermutation
+// are permutations. A permutation that moves few of many points is better kept as a SparsePermutation
 // (sparse_permutation.h).
 
 #ifndef SYMFOLD_ENGINES_BASE_IMAGES_H

@@ -5,7 +5,6 @@
 
 #include <cassert>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 namespace symfold::detail {
@@ -40,7 +39,6 @@ class PointVector : private std::vector<T> {
   }
   void reserve(int size) { Base::reserve(static_cast<std::size_t>(size)); }
   void assign(int count, const T& value) { Base::assign(static_cast<std::size_t>(count), value); }
-  std::vector<T> release() { return std::move(static_cast<Base&>(*this)); }
 };
 
 }  // namespace symfold::detail

@@ -1,5 +1,5 @@
-// A permutation as the list of the points that it moves: a generator of a large graph's group moves few
-// points.
+// A permutation as the list of the points that it moves, because a generator of a large graph's group moves
+// few points. Permutations by the images of all points are in images.h.
 
 #ifndef SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H
 #define SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H
@@ -21,7 +21,7 @@ struct PointMove {
 // The moves in ascending order of their points; empty for the identity.
 using SparsePermutation = std::vector<PointMove>;
 
-// Permutations one after the other in one stretch of memory: a large group has many small generators.
+// Permutations one after the other in one block of memory, because a large group has many small generators.
 class PermutationList {
  public:
   std::size_t size() const { return ends_.size(); }
@@ -35,14 +35,14 @@ class PermutationList {
   void reserve(std::size_t moves) { moves_.reserve(moves); }
   void push_back(std::span<const PointMove> moves) { std::ranges::copy(moves, add(moves.size()).begin()); }
 
-  // Room for the moves of one more permutation.
+  // Adds a permutation and returns the room for its moves.
   std::span<PointMove> add(std::size_t moves) {
     moves_.resize(moves_.size() + moves);
     ends_.push_back(moves_.size());
     return std::span(moves_).last(moves);
   }
 
-  // Gives copies.
+  // Returns copies of the permutations.
   class Iterator {
    public:
     Iterator(const PermutationList& list, std::size_t i) : list_(&list), i_(i) {}

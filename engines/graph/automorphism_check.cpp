@@ -9,7 +9,7 @@ namespace symfold::detail {
 AutomorphismCheck::AutomorphismCheck(const ColouredGraph& graph)
     : graph_(graph), image_(identity_images(graph.vertex_count())) {}
 
-// Exchanges are their own inverses, so that one of two exchanged vertices tells for both.
+// An exchange is its own inverse, so it is enough to check one of two exchanged vertices.
 bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
   for (const auto& [point, image] : moves) image_[point] = image;
   const bool is_exchange =
@@ -23,7 +23,7 @@ bool AutomorphismCheck::is_automorphism(const SparsePermutation& moves) {
   return is_kept;
 }
 
-// Points do not occur twice, so it is enough that every moved point is an image.
+// No point occurs twice, so it is enough that every moved point is an image.
 bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
   if (is_image_.empty()) is_image_.assign(image_.size(), 0);
   for (const PointMove move : moves) is_image_[move.image] = 1;
@@ -33,8 +33,8 @@ bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
   return is_onto;
 }
 
-// The images of the point's neighbours are to be the neighbours of its image, each with the same weight in
-// all. As there are equally many, none is left over.
+// The images of the point's neighbours must be the neighbours of its image, with the same sum of weights for
+// each. The numbers of neighbours are equal, so no image is left over.
 bool AutomorphismCheck::keeps_edges(PointMove move) {
   const auto neighbours = graph_.neighbours(move.point);
   const auto expected = graph_.neighbours(move.image);

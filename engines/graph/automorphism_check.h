@@ -1,5 +1,5 @@
-// Certifies automorphisms: the search gives out none of those that it has found, or lifted from a reduced
-// graph, without this check, which knows nothing of partitions and fibres.
+// Certifies automorphisms. Those that the search has found, or that were lifted from a reduced graph, become
+// generators only after this check, which knows nothing of partitions and fibres.
 
 #ifndef SYMFOLD_ENGINES_GRAPH_AUTOMORPHISM_CHECK_H
 #define SYMFOLD_ENGINES_GRAPH_AUTOMORPHISM_CHECK_H
@@ -16,9 +16,10 @@ class AutomorphismCheck {
   // The graph must outlive the check.
   explicit AutomorphismCheck(const ColouredGraph& graph);
 
-  // Whether the moves are a permutation of the graph's vertices that keeps colours, loops and the number of
-  // edges between every two vertices. Only edges at moved vertices can break that: the cost is the sum of
-  // their degrees. Precondition: points and images are vertices, no point occurs twice.
+  // Returns true if the moves are a permutation of the graph's vertices that keeps colours, loops, and the
+  // number and weights of the edges between every two vertices. Only edges at moved vertices can break that:
+  // the cost is the sum of their degrees. Precondition: points and images are vertices, and no point occurs
+  // twice.
   bool is_automorphism(const SparsePermutation& moves);
 
  private:
@@ -28,7 +29,7 @@ class AutomorphismCheck {
   const ColouredGraph& graph_;
   PointVector<int> image_;  // of each vertex; the identity between calls
 
-  // Made when first needed, since many graphs do without; zero between calls.
+  // Allocated when first needed, since many graphs do not need them; zero between calls.
   PointVector<char> is_image_;  // of a moved point
   PointVector<std::uint64_t> count_;
 };

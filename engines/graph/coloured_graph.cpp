@@ -16,7 +16,7 @@ ColouredGraph::ColouredGraph(int n, const std::vector<int>& boundaries, const st
       ++first_[static_cast<std::size_t>(edge.to)];
     }
   }
-  // Running sums make each entry the end of its vertex's stretch; filling backwards leaves it at the
+  // Running sums make each entry the end of its vertex's neighbours. Filling backwards moves it to their
   // beginning.
   std::size_t total = 0;
   for (std::size_t& entry : first_) entry = total += entry;

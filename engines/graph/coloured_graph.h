@@ -1,5 +1,5 @@
-// An undirected graph with coloured vertices, stored for refinement: the neighbours of each vertex in one
-// stretch.
+// An undirected graph with coloured vertices, stored for refinement: the neighbours of each vertex are
+// consecutive.
 
 #ifndef SYMFOLD_ENGINES_GRAPH_COLOURED_GRAPH_H
 #define SYMFOLD_ENGINES_GRAPH_COLOURED_GRAPH_H
@@ -18,7 +18,7 @@ struct Edge {
   int to;
 };
 
-// An edge seen from one of its ends, with a weight that may differ from the one seen from the other.
+// An edge seen from one of its ends, with a weight that may differ from the weight seen from the other end.
 struct DirectedEdge {
   int from;
   int to;
@@ -32,13 +32,13 @@ class ColouredGraph {
  public:
   ColouredGraph() = default;
 
-  // Colour c is the stretch of vertices from boundaries[c-1] (0 for c = 0) up to, not including,
-  // boundaries[c] (n for the last). Preconditions: the boundaries ascend strictly within 1 .. n-1; all
-  // endpoints are vertices.
+  // Colour c is that of the vertices from boundaries[c-1] (0 for c = 0) up to, not including, boundaries[c]
+  // (n for the last). Preconditions: the boundaries ascend strictly within 1 .. n-1; all endpoints are
+  // vertices.
   ColouredGraph(int n, const std::vector<int>& boundaries, const std::vector<Edge>& edges);
 
-  // A simple graph with weights. Preconditions: every edge is given from both its ends, in ascending order of
-  // `from`; none is a loop.
+  // Makes a simple graph with weights; colour is by vertex. Preconditions: every edge is given from both its
+  // ends, in ascending order of `from`; none is a loop.
   ColouredGraph(const PointVector<int>& colour, const std::vector<DirectedEdge>& edges);
 
   struct Kind {
@@ -53,14 +53,16 @@ class ColouredGraph {
   int colour(int v) const { return kinds_[v].colour; }
   int loops(int v) const { return kinds_[v].loops; }
 
-  // A neighbour appears once per edge; loops are left out.
+  // The neighbours of v. A neighbour appears once for each edge; loops are left out.
   std::span<const int> neighbours(int v) const {
     const auto i = static_cast<std::size_t>(v);
     return {neighbours_.data() + first_[i], first_[i + 1] - first_[i]};
   }
 
-  // Of the edges to these neighbours; empty where no edge of the graph has one, which counts as 1.
   bool has_weights() const { return !weights_.empty(); }
+
+  // The weights of the edges to these neighbours. Empty if the graph has no weights: each edge then has
+  // weight 1.
   std::span<const std::uint64_t> weights(int v) const {
     if (weights_.empty()) return {};
     const auto i = static_cast<std::size_t>(v);
@@ -69,7 +71,7 @@ class ColouredGraph {
 
  private:
   PointVector<Kind> kinds_;
-  std::vector<std::size_t> first_{0};
+  std::vector<std::size_t> first_{0};  // of each vertex's neighbours, and the number of all
   std::vector<int> neighbours_;
   std::vector<std::uint64_t> weights_;
 };

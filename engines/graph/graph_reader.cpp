@@ -27,7 +27,7 @@ class GraphReader {
     std::vector<int> boundaries;
     for (int c = 1; c < colours; ++c) {
       const int low = boundaries.empty() ? 1 : boundaries.back() + 1;
-      // Later boundaries need room, too.
+      // Leaves room for the later boundaries.
       boundaries.push_back(number("the first vertex of a colour", low, n - (colours - c)));
     }
     std::vector<Edge> edges;

@@ -64,7 +64,7 @@ TEST(GraphFile, SaysWhereAndWhatWasExpected) {
   }
 }
 
-// Every prefix and every replaced byte of a good file is either read or refused in one line.
+// Every prefix of a good file, and the file with any byte replaced, is either read or refused in one line.
 TEST(GraphFile, TakesAnyDamage) {
   const std::string good = "7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n";
   EXPECT_EQ(read(good).error, "");
@@ -82,7 +82,7 @@ TEST(GraphFile, TakesAnyDamage) {
 
 class SaucyObjFile : public testing::Test {
  protected:
-  // Runs all four calls on a file of that name; gives what they wrote to standard error.
+  // Runs all four calls on a file of that name and returns what they wrote to standard error.
   std::string run(saucy_obj& engine, std::string name) {
     testing::internal::CaptureStderr();
     saucy_struct* state = engine.saucy_begin2(name.data());
@@ -102,7 +102,7 @@ class SaucyObjFile : public testing::Test {
   const std::string path_ = testing::TempDir() + "symfold_graph_file_test";
 };
 
-TEST_F(SaucyObjFile, GivesGeneratorsBaseAndOrbitLengthsOfTheFile) {
+TEST_F(SaucyObjFile, ReturnsGeneratorsBaseAndOrbitLengthsOfTheFile) {
   saucy_obj engine;
   EXPECT_EQ(run(engine, write("7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n")), "");
   ASSERT_EQ(engine.generators.size(), 1U);
