@@ -103,7 +103,7 @@ void saucy_obj::saucy_search(saucy_struct* state) {
   if (state == nullptr) return;
   const int n = state->graph.vertex_count();
   const std::size_t limit = n == 0 ? 0 : kMaxImages / static_cast<std::size_t>(n);
-  detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.generators = limit});
+  detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.max_generators = limit});
   if (!group.is_complete) {
     report(state->name + ": error: expected at most " + std::to_string(limit) + " generators for " +
            std::to_string(n) + " vertices, got more");

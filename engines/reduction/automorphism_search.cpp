@@ -90,7 +90,7 @@ class Generators {
 // Nothing where a lift fails the check.
 std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
-  Generators generators(graph.vertex_count(), limits.generators);
+  Generators generators(graph.vertex_count(), limits.max_generators);
   const auto add = [&generators](const SparsePermutation& moves) { return generators.add(moves); };
   bool is_sound = reduction.for_each_own_symmetry(add);
   if (is_sound && reduction.reduced().vertex_count() > 0) {

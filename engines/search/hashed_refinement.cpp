@@ -13,7 +13,7 @@ namespace {
 using Hash = std::uint64_t;
 
 constexpr int kMaxRounds = 12;
-constexpr int kPatience = 3;  // rounds in which two vertices may stay alike
+constexpr int kMaxRoundsAlike = 3;  // in which the same two vertices have equal hashes
 
 PointVector<Hash> first_hashes(const ColouredGraph& graph) {
   PointVector<Hash> hashes(graph.vertex_count());
@@ -22,7 +22,7 @@ PointVector<Hash> first_hashes(const ColouredGraph& graph) {
   return hashes;
 }
 
-void take_round(const ColouredGraph& graph, const PointVector<Hash>& hashes, PointVector<Hash>& next) {
+void hash_again(const ColouredGraph& graph, const PointVector<Hash>& hashes, PointVector<Hash>& next) {
   for (int v = 0; v < hashes.size(); ++v) {
     Hash sum = 3 * hashes[v];
     const auto neighbours = graph.neighbours(v);
@@ -41,14 +41,14 @@ class TwinFinder {
  public:
   explicit TwinFinder(int n) : slots_(std::bit_ceil(static_cast<std::size_t>(n) * 2 + 1), -1) {}
 
-  // The first vertex whose hash is that of one before it, and that one; -1 for none.
+  // Returns the first vertex whose hash is that of a vertex before it, and that vertex; -1 for none.
   std::pair<int, int> find(const PointVector<Hash>& hashes) {
     for (int v = 0; v < hashes.size(); ++v) {
       std::size_t slot = slot_of(hashes[v]);
       for (; slots_[slot] >= 0; slot = next(slot)) {
         if (hashes[slots_[slot]] == hashes[v]) {
           const int twin = slots_[slot];
-          take_out(hashes, v);
+          empty_slots(hashes, v);
           return {v, twin};
         }
       }
@@ -61,14 +61,14 @@ class TwinFinder {
   std::size_t slot_of(Hash hash) const { return hash & (slots_.size() - 1); }
   std::size_t next(std::size_t slot) const { return slot_of(slot + 1); }
 
-  // The vertices before `end`: as many slots as they took are emptied from where each began.
-  void take_out(const PointVector<Hash>& hashes, int end) {
+  // Empties the slots of the vertices before `end`, which are runs of full slots that begin at their hashes.
+  void empty_slots(const PointVector<Hash>& hashes, int end) {
     for (int v = 0; v < end; ++v) {
       for (std::size_t slot = slot_of(hashes[v]); slots_[slot] >= 0; slot = next(slot)) slots_[slot] = -1;
     }
   }
 
-  std::vector<int> slots_;  // all -1 between calls that find something
+  std::vector<int> slots_;  // vertices; all -1 at the start and after a call that finds something
 };
 
 }  // namespace
@@ -78,15 +78,15 @@ bool is_rigid_by_hashes(const ColouredGraph& graph) {
   PointVector<Hash> next(hashes.size());
   TwinFinder finder(hashes.size());
   std::pair<int, int> twins = finder.find(hashes);
-  for (int round = 0, patience = kPatience; twins.first >= 0; ++round) {
-    if (round == kMaxRounds || patience == 0) return false;
-    take_round(graph, hashes, next);
+  for (int round = 0, rounds_left = kMaxRoundsAlike; twins.first >= 0; ++round) {
+    if (round == kMaxRounds || rounds_left == 0) return false;
+    hash_again(graph, hashes, next);
     std::swap(hashes, next);
     if (hashes[twins.first] == hashes[twins.second]) {
-      --patience;
+      --rounds_left;
     } else {
       twins = finder.find(hashes);
-      patience = kPatience;
+      rounds_left = kMaxRoundsAlike;
     }
   }
   return true;

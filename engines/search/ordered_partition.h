@@ -7,9 +7,9 @@
 //     position   0 1 2 3 4              0 1 2 3 4
 //     vertex    [4 1 3 0][2]   split   [4 1 3][0][2]     cells 0 and 4, then 0, 3 and 4
 //
-// Splits are kept on a trail and undone from the latest to the first. Undoing merges the back into the front
-// again; the order of the vertices inside a cell is arbitrary and is not restored. Cost of a split and of its
-// undoing: the length of the back, so a caller keeps the largest part in front.
+// Splits are kept on a trail and undone from the latest to the first. Undoing a split merges the back into
+// the front again. The order of the vertices inside a cell is arbitrary and is not restored. A split and its
+// undoing each cost the length of the back, so a caller keeps the largest part in front.
 
 #ifndef SYMFOLD_ENGINES_SEARCH_ORDERED_PARTITION_H
 #define SYMFOLD_ENGINES_SEARCH_ORDERED_PARTITION_H
@@ -22,16 +22,15 @@ namespace symfold::detail {
 
 struct CellSplit {
   int start;   // of the new cell
-  int parent;  // start of the cell that it was cut off
+  int parent;  // start of the cell from which it was cut off
 };
 
 class OrderedPartition {
  public:
-  // One cell of all n vertices, in order; no cell for n = 0.
+  // Makes one cell of all n vertices, in ascending order; no cell if n = 0.
   explicit OrderedPartition(int n);
 
   int vertex_count() const { return vertices_.size(); }
-  int cell_count() const { return cell_count_; }
   bool is_discrete() const { return cell_count_ == vertex_count(); }
 
   int vertex_at(int position) const { return vertices_[position]; }
@@ -42,23 +41,24 @@ class OrderedPartition {
     return {&vertices_[cell], static_cast<std::size_t>(length_[cell])};
   }
 
-  // The smallest member of the cell above `above` other than `except`; -1 for none. Cost: the cell's length.
+  // Returns the smallest member of the cell that is greater than `above` and not `except`; -1 for none. Cost:
+  // the cell's length.
   int next_member(int cell, int above, int except) const;
 
   // Exchanges v with the vertex at a position of the same cell.
   void move_within_cell(int v, int position);
 
-  // Puts v, a member of the cell that covers the position, there; the caller fills the cell's other
-  // positions.
+  // Puts v, a member of the cell that covers the position, at this position. The caller has to fill the
+  // cell's other positions, too.
   void place(int v, int position) {
     vertices_[position] = v;
     positions_[v] = position;
   }
 
-  // Cuts `cell` before `start`, a position inside it.
+  // Cuts `cell` before `start`, a position inside it that is not its first one.
   void split(int cell, int start);
 
-  // The splits in effect, the latest last; undo takes back all but the first `count`.
+  // The splits in effect, the latest last. undo() takes back all but the first `count`.
   int split_count() const { return trail_.size(); }
   CellSplit split_at(int i) const { return trail_[i]; }
   void undo(int count);

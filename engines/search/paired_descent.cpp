@@ -10,19 +10,19 @@ PairedDescent::PairedDescent(const ColouredGraph& graph, const OrderedPartition&
                              Refiner& right_refiner)
     : left_(end), left_refiner_(graph, left_), right_(right), right_refiner_(right_refiner) {}
 
-void PairedDescent::return_to(int splits, int vertex) {
-  base_splits_ = splits;
+void PairedDescent::set_level(int splits, int vertex) {
+  splits_before_ = splits;
   vertex_ = vertex;
-  is_entered_ = false;
+  is_individualised_ = false;
 }
 
-void PairedDescent::enter() {
-  if (std::exchange(is_entered_, true)) {
-    left_.undo(level_splits_);
+void PairedDescent::restart_left() {
+  if (std::exchange(is_individualised_, true)) {
+    left_.undo(splits_after_);
   } else {
-    left_.undo(base_splits_);
+    left_.undo(splits_before_);
     left_refiner_.individualise_and_record(vertex_, trace_);
-    level_splits_ = left_.split_count();
+    splits_after_ = left_.split_count();
   }
   trace_.clear();
   steps_.clear();
@@ -31,7 +31,7 @@ void PairedDescent::enter() {
 PairedDescent::Answer PairedDescent::run(int first_split, int max_failures,
                                          const std::function<bool(bool is_last)>& attempt) {
   if (max_failures == 0) return Answer::kOpen;
-  enter();
+  restart_left();
   int failures = 0;
   for (int split = first_split; split < right_.split_count();) {
     const auto [on_left, on_right] = differing_pair(right_.split_at(split).start);
@@ -39,12 +39,12 @@ PairedDescent::Answer PairedDescent::run(int first_split, int max_failures,
       ++split;
       continue;
     }
-    bool is_alike = take_step(split, on_left, on_right);
-    while (!is_alike) {
-      const int candidate = next_candidate();
+    bool has_same_trace = take_step(split, on_left, on_right);
+    while (!has_same_trace) {
+      const int candidate = backtrack();
       if (candidate < 0) return Answer::kNone;
       if (++failures > max_failures) return Answer::kOpen;
-      is_alike = compare(steps_.back(), candidate);
+      has_same_trace = compare(steps_.back(), candidate);
     }
     if (attempt(false)) return Answer::kFound;
     split = steps_.back().split;
@@ -66,8 +66,9 @@ bool PairedDescent::compare(const Step& step, int candidate) {
       candidate, trace.subspan(step.trace_begin, step.trace_end - step.trace_begin));
 }
 
-// Of the deepest step that has one left, to which both sides go back; -1 for none.
-int PairedDescent::next_candidate() {
+// Takes both sides back to the deepest step that has a candidate left, and returns the candidate; -1 for
+// none.
+int PairedDescent::backtrack() {
   for (; !steps_.empty(); steps_.pop_back()) {
     Step& step = steps_.back();
     right_.undo(step.right_splits);
@@ -80,15 +81,16 @@ int PairedDescent::next_candidate() {
   return -1;
 }
 
-// A vertex that the cell holds on the left only, and one that it holds on the right only; the latter closes
-// the chain of pairs that leads to the former, if it can. -1 where the cell holds the same vertices.
+// Returns a vertex that the cell holds on the left only, and one that it holds on the right only: the end of
+// the run of pairs that leads to the former, if that end is such a vertex. Returns -1 twice if the cell holds
+// the same vertices on both sides.
 std::pair<int, int> PairedDescent::differing_pair(int cell) const {
   if (right_.length(cell) == 1) return {-1, -1};
   const auto on_left =
       std::ranges::find_if(left_.members(cell), [&](int v) { return right_.cell_of(v) != cell; });
   if (on_left == left_.members(cell).end()) return {-1, -1};
-  const int closing = closing_vertex(left_, right_, *on_left);
-  if (right_.cell_of(closing) == cell && left_.cell_of(closing) != cell) return {*on_left, closing};
+  const int end = end_of_run(left_, right_, *on_left);
+  if (right_.cell_of(end) == cell && left_.cell_of(end) != cell) return {*on_left, end};
   return {*on_left,
           *std::ranges::find_if(right_.members(cell), [&](int v) { return left_.cell_of(v) != cell; })};
 }

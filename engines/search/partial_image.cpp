@@ -12,7 +12,7 @@ int cell_at(const OrderedPartition& partition, int position) {
 
 }  // namespace
 
-int closing_vertex(const OrderedPartition& left, const OrderedPartition& right, int v) {
+int end_of_run(const OrderedPartition& left, const OrderedPartition& right, int v) {
   while (right.length(right.cell_of(v)) == 1) v = left.vertex_at(right.position_of(v));
   return v;
 }
@@ -23,9 +23,9 @@ PartialImage::PartialImage(const ColouredGraph& graph)
 bool PartialImage::read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
                         SparsePermutation& moves) {
   collect(left, right, first_split);
-  close_chains();
+  close_runs();
   const bool is_ready = follow_clues(left, right);
-  close_chains();
+  close_runs();
   moves.clear();
   for (const int from : sources_) {
     if (is_ready) moves.push_back({from, image_[from]});
@@ -39,7 +39,8 @@ bool PartialImage::read(const OrderedPartition& left, const OrderedPartition& ri
   return is_ready;
 }
 
-// A front that has become a single vertex counts as new; a larger front does not, however much it has lost.
+// The front of a split counts as new if it has become a single vertex. A larger front does not, however much
+// it has lost.
 void PartialImage::collect(const OrderedPartition& left, const OrderedPartition& right, int first_split) {
   for (int i = first_split; i < right.split_count(); ++i) {
     const auto [start, parent] = right.split_at(i);
@@ -69,11 +70,11 @@ int PartialImage::known_image(const OrderedPartition& left, const OrderedPartiti
   return right.cell_of(v) == cell_at(right, left.position_of(v)) ? v : -1;
 }
 
-// Clues give pairs and these give clues. A few rounds go as far as hubs and links reach; long chains are left
-// to refinement.
+// Clues lead to pairs, and pairs to more clues. A few rounds go as far as hubs and links reach; long paths of
+// the graph are left to refinement.
 bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedPartition& right) {
-  constexpr int kRounds = 6;
-  for (int round = 0; round < kRounds && !left_movers_.empty(); ++round) {
+  constexpr int kMaxRounds = 6;
+  for (int round = 0; round < kMaxRounds && !left_movers_.empty(); ++round) {
     const std::size_t known = sources_.size();
     if (!gather_clues(left, right)) return false;
     pair_unique_clues();
@@ -84,7 +85,7 @@ bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedParti
   return left_movers_.empty();
 }
 
-// False where the left gives too few clues to be worth the sorting.
+// Returns false if the left has too few clues to be worth the sorting.
 bool PartialImage::gather_clues(const OrderedPartition& left, const OrderedPartition& right) {
   left_clues_.clear();
   right_clues_.clear();
@@ -126,7 +127,7 @@ void PartialImage::pair_unique_clues() {
   }
 }
 
-// The first pair of a vertex stands.
+// The first pair of a vertex is kept.
 void PartialImage::add_pair(int from, int to) {
   if (from == to || image_[from] >= 0 || preimage_[to] >= 0) return;
   image_[from] = to;
@@ -134,7 +135,7 @@ void PartialImage::add_pair(int from, int to) {
   sources_.push_back(from);
 }
 
-void PartialImage::close_chains() {
+void PartialImage::close_runs() {
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     const int from = sources_[i];
     if (preimage_[from] >= 0) continue;

@@ -1,16 +1,16 @@
 // Reads a candidate automorphism off two partitions that have been refined alike.
 //
-// The left one is discrete, its vertices in `left order`; the right one has been split alike up to some
-// point. Where a cell of the right one has become a single vertex y at position p, the left order's x at p
-// goes to y. Such pairs need not be a permutation yet: every open chain x -> y -> .. -> z is closed by z ->
-// x, and all other vertices are guessed to stay. Example: a path from leaf 0 of a star to leaf 3 has the one
-// pair 0 -> 3, closed by 3 -> 0; the cell of the other leaves was never looked at.
+// The left one is at least as fine; the right one has been split alike up to some point. If a cell of the
+// right one has become a single vertex y at position p, the left vertex x at p goes to y. Such pairs need not
+// be a permutation yet: every open run x -> y -> .. -> z is closed by z -> x, and all other vertices are
+// guessed to stay. Example: a path from leaf 0 of a star to leaf 3 has the one pair 0 -> 3, closed by 3 -> 0;
+// the cell of the other leaves was never looked at.
 //
 // A larger new cell may hold vertices on the left that it does not hold on the right. They must move, and
-// clues say where to: a goes to b if they stand in the same cell and b is the only one of its right vertices
-// next to the image of some neighbour of a that has no other such neighbour. Example: where every two of many
-// servers share a link, exchanging servers v and w must take the link v-x to w-x, because x stays; one
-// refinement is enough, though it has told none of the links apart.
+// clues say where to. A vertex a goes to b in the same cell if, among the cell's vertices that must move, a
+// is the only one on the left next to some x, and b the only one on the right next to the image of x.
+// Example: every two of many servers share a link. Exchanging servers v and w must take the link v-x to w-x,
+// because x stays. One refinement is enough, though it has told none of the links apart.
 //
 // The result is a guess: the caller checks it against the graph.
 
@@ -25,27 +25,27 @@
 
 namespace symfold::detail {
 
-// The end of the chain of pairs that leads to v, followed backwards: the vertex that v would go to were the
-// chain closed. v itself where no pair leads to it.
-int closing_vertex(const OrderedPartition& left, const OrderedPartition& right, int v);
+// Follows the run of pairs that leads to v backwards and returns its end: the vertex to which v would go if
+// the run were closed. Returns v itself if no pair leads to it.
+int end_of_run(const OrderedPartition& left, const OrderedPartition& right, int v);
 
 class PartialImage {
  public:
   // The graph must outlive this.
   explicit PartialImage(const ColouredGraph& graph);
 
-  // Looks at the cells of the right partition that its splits from `first_split` on have made. The left one
-  // has the same cells, or finer ones inside them. False where a vertex is left that must move and has no
-  // clue; otherwise `moves` is the guess, the identity left out. Cost: the members of these cells and the
-  // edges at the moved vertices, times a logarithm.
+  // Reads the cells of the right partition that its splits from `first_split` on have made. The left one must
+  // have the same cells, or finer ones inside them. Returns true and the guess in `moves`, or false if there
+  // is no clue for some vertex that must move. Cost: the members of these cells and the edges at the moved
+  // vertices, times a logarithm.
   bool read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
             SparsePermutation& moves);
 
  private:
   struct Clue {
     int cell;
-    int neighbour;  // on the right
-    int vertex;     // that stands in this cell and has this neighbour, or its image
+    int neighbour;  // on the right; for a left vertex, the image of its neighbour
+    int vertex;     // stands in this cell and has this neighbour
   };
 
   void collect(const OrderedPartition& left, const OrderedPartition& right, int first_split);
@@ -55,16 +55,16 @@ class PartialImage {
   bool gather_clues(const OrderedPartition& left, const OrderedPartition& right);
   void pair_unique_clues();
   void add_pair(int from, int to);
-  void close_chains();
+  void close_runs();
 
   const ColouredGraph& graph_;
 
-  // The current reading, empty or -1 everywhere between calls.
+  // What the current call has read. Between calls images are -1; sources and movers are empty.
   PointVector<int> image_;
   PointVector<int> preimage_;
   std::vector<int> sources_;       // the vertices with an image
   std::vector<int> left_movers_;   // in a larger new cell on the left only, without an image yet
-  std::vector<int> right_movers_;  // on the right only, without a preimage yet
+  std::vector<int> right_movers_;  // in a larger new cell on the right only, without a preimage yet
   std::vector<Clue> left_clues_;
   std::vector<Clue> right_clues_;
 };

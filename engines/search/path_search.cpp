@@ -23,17 +23,18 @@ namespace {
 struct Level {
   int vertex;  // v(i), individualised by the first path
   int cell;    // its cell before that
-  int length;  // of the cell
-  int splits;  // in effect before that
+  int length;  // of this cell
+  int splits;  // in effect before v(i) was individualised
   std::size_t trace_begin;
-  int orbit_length = 1;  // of v(i) under the stabiliser of v(0) .. v(i-1), once the level is through
-  // Of the path being followed, below its first level:
+  int orbit_length = 1;  // of v(i) under the stabiliser of v(0) .. v(i-1), once the level is explored
+
+  // Valid below the first level of the path being followed.
   int preferred = -1;  // the candidate taken first
   int tries = 0;       // candidates taken so far
   int latest = -1;     // the latest one after the first; they are taken in ascending order
 };
 
-// The orbits of the generators found so far, with what the search knows of each.
+// The orbits of the generators found so far, with what the search knows about each.
 class SearchOrbits {
  public:
   explicit SearchOrbits(int n) : classes_(n), largest_(identity_images(n)), mark_(n, -1) {}
@@ -51,7 +52,7 @@ class SearchOrbits {
   int size(int x) { return classes_.size_of_class(x); }
   int largest(int x) { return largest_[classes_.find(x)]; }
 
-  // The largest mark, at least 0, that a point of x's orbit was given; -1 for none.
+  // Returns the largest mark, at least 0, that a point of x's orbit was given; -1 for none.
   int mark(int x) { return mark_[classes_.find(x)]; }
   void set_mark(int x, int mark) { mark_[classes_.find(x)] = mark; }
 
@@ -63,7 +64,7 @@ class SearchOrbits {
 
 class PathSearch {
  public:
-  // All must outlive this. `keys` are colours, or finer.
+  // The references must outlive this. `keys` tell at least the colours apart.
   PathSearch(const ColouredGraph& graph, BallHashes& balls, PointVector<std::uint64_t>& keys,
              const SearchLimits& limits)
       : balls_(balls),
@@ -77,7 +78,8 @@ class PathSearch {
         orbits_(graph.vertex_count()),
         limits_(limits) {}
 
-  // Nothing where so much failed that the keys have been made finer, to begin anew with them.
+  // Returns nothing if so much failed that the keys have been made finer: a new search has to begin with
+  // them.
   std::optional<AutomorphismGroup> run() {
     for (int i = levels_.size() - 1; i >= 0 && group_.is_complete; --i) {
       if (!explore_level(i)) return std::nullopt;
@@ -91,7 +93,8 @@ class PathSearch {
   }
 
  private:
-  // Vertices that stand alone stay alone, so the smallest one that does not is never below the last.
+  // Individualises vertices in ascending order. No vertex before v shares its cell, since a vertex alone in
+  // its cell stays alone.
   const OrderedPartition& follow_first_path() {
     refiner_.refine_by(keys_);
     for (int v = 0; !partition_.is_discrete(); ++v) {
@@ -104,15 +107,15 @@ class PathSearch {
     return partition_;
   }
 
-  // The members of the cell are read off the first path's final order, where later splits have only permuted
-  // them inside the cell. From the back: there stand v(i), then the parts that refinement told apart from the
-  // rest, and the largest part last, so that a level whose cell is mostly one orbit ends early.
-  // False where the keys have been made finer.
+  // Finds the orbit of v(i). The members of its cell are read off the first path's final order, in which
+  // later splits have only permuted them inside the cell. They are read from the back: v(i) stands there,
+  // then come the parts that refinement told apart from the rest, and the largest part is last, so that a
+  // level whose cell is mostly one orbit ends early. Returns false if the keys have been made finer.
   bool explore_level(int i) {
     Level& level = levels_[i];
-    const int failed =
-        levels_.size() - i;  // marks this level's failed classes, above all marks of earlier levels
-    descent_.return_to(level.splits, level.vertex);
+    // Marks the failed orbits of this level; greater than all marks of earlier levels.
+    const int failed = levels_.size() - i;
+    descent_.set_level(level.splits, level.vertex);
     for (int position = level.cell + level.length - 1; position >= level.cell; --position) {
       if (orbits_.size(level.vertex) == level.length) break;
       const int v = end_.vertex_at(position);
@@ -121,9 +124,9 @@ class PathSearch {
       if (!find_image(i, orbits_.largest(v))) {
         orbits_.set_mark(v, failed);
         failed_work_ += refiner_.work() - work;
-        if (has_finer_keys()) return false;
+        if (make_finer_keys()) return false;
       }
-      if (group_.generators.size() > limits_.generators) {
+      if (group_.generators.size() > limits_.max_generators) {
         group_.is_complete = false;
         break;
       }
@@ -132,25 +135,26 @@ class PathSearch {
     return true;
   }
 
-  bool has_finer_keys() {
-    if (!balls_.is_due(failed_work_)) return false;
+  // Returns true if it was worth a try and the keys are finer now.
+  bool make_finer_keys() {
+    if (!balls_.is_worthwhile(failed_work_)) return false;
     OrderedPartition cells = end_;
     cells.undo(levels_[0].splits);
     return balls_.split(cells, failed_work_, keys_);
   }
 
-  // Whether an automorphism fixes the vertices of the levels above `top` and carries that of `top` to w. If
-  // so, such a one is recorded.
+  // Records an automorphism that fixes the vertices of the levels before `top` and carries that of `top` to
+  // w. Returns false if there is none.
   bool find_image(int top, int w) {
     next_attempt_ = 0;
     partition_.undo(levels_[top].splits);
-    if (!enter(top, w)) return false;
+    if (!individualise(top, w)) return false;
     if (attempt_generator(end_, top, true)) return true;
     if (levels_.size() == top + 1) return false;
     const auto attempt = [this, top](bool is_last) {
       return attempt_generator(descent_.left(), top, is_last);
     };
-    switch (descent_.run(levels_[top].splits, limits_.descent_failures, attempt)) {
+    switch (descent_.run(levels_[top].splits, limits_.max_descent_failures, attempt)) {
       case PairedDescent::Answer::kFound:
         return true;
       case PairedDescent::Answer::kNone:
@@ -161,13 +165,13 @@ class PathSearch {
     return follow_levels(top, w);
   }
 
-  // The complete search: the first path's levels with w in the place of the vertex of `top`, and with every
-  // choice of vertices below that can matter.
+  // Searches completely: follows the first path's levels with w in the place of the vertex of `top`, and with
+  // every choice of vertices below that can matter.
   bool follow_levels(int top, int w) {
     next_attempt_ = 0;
     partition_.undo(levels_[top].splits);
     for (int i = top, candidate = w; i >= top;) {
-      if (enter(i, candidate)) {
+      if (individualise(i, candidate)) {
         const bool is_leaf = i + 1 == levels_.size();
         if (attempt_generator(end_, top, is_leaf)) return true;
         if (!is_leaf) {
@@ -175,19 +179,20 @@ class PathSearch {
           continue;
         }
       }
-      std::tie(i, candidate) = retreat(i, top);
+      std::tie(i, candidate) = backtrack(i, top);
     }
     return false;
   }
 
-  bool enter(int i, int candidate) {
+  // Individualises the candidate in the place of v(i). Returns true if refinement runs as it did for v(i).
+  bool individualise(int i, int candidate) {
     const std::size_t begin = levels_[i].trace_begin;
     const std::size_t end = i + 1 < levels_.size() ? levels_[i + 1].trace_begin : trace_.size();
     return refiner_.individualise_and_compare(candidate, std::span(trace_).subspan(begin, end - begin));
   }
 
-  // A failed attempt is repeated only when twice as many splits have been made, so that attempts cost no more
-  // than the refinements.
+  // Tries to record an automorphism that the two sides show. After a failed attempt, the next one waits until
+  // twice as many splits have been made, so that attempts cost no more than the refinements.
   bool attempt_generator(const OrderedPartition& left, int top, bool is_last) {
     const int splits = partition_.split_count() - levels_[top].splits;
     if (splits < next_attempt_ && !is_last) return false;
@@ -201,21 +206,22 @@ class PathSearch {
     return true;
   }
 
-  // The choice that moves the fewest vertices: v(i) itself, or else the vertex that closes the chain of pairs
-  // leading to v(i).
+  // Returns the choice that moves the fewest vertices: v(i) itself, or else the end of the run of pairs that
+  // leads to v(i).
   int first_candidate(int i) {
     Level& level = levels_[i];
-    const int v = closing_vertex(end_, partition_, level.vertex);
+    const int v = end_of_run(end_, partition_, level.vertex);
     level.preferred = partition_.cell_of(v) == level.cell ? v : partition_.vertex_at(level.cell);
     level.tries = 1;
     level.latest = -1;
     return level.preferred;
   }
 
-  // The deepest level above the failed one, or that one itself, with a candidate left; -1 for none. A node
-  // that an automorphism carries to the first path's node at the same level has as many good candidates as
-  // v(i)'s orbit is long, so one of any (cell length - orbit length + 1) is good.
-  std::pair<int, int> retreat(int i, int top) {
+  // Returns the deepest level with a candidate left, from level i up to the one below `top`, and this
+  // candidate; -1 for none. A node that an automorphism carries to the first path's node at the same level
+  // has as many good candidates as v(i)'s orbit is long, so one of any (cell length - orbit length + 1) is
+  // good.
+  std::pair<int, int> backtrack(int i, int top) {
     for (; i > top; --i) {
       Level& level = levels_[i];
       partition_.undo(level.splits);
@@ -241,7 +247,7 @@ class PathSearch {
   AutomorphismGroup group_;
   SearchLimits limits_;
   SparsePermutation moves_;  // the current guess
-  int next_attempt_ = 0;     // number of splits
+  int next_attempt_ = 0;     // the number of splits that it needs
   std::size_t failed_work_ = 0;
 };
 

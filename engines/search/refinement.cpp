@@ -13,8 +13,9 @@ std::uint64_t place_and_count(int place, std::uint64_t count) {
   return (static_cast<std::uint64_t>(place) << 32) + count;
 }
 
-// What an edge of this weight counts. At most 2^32, so that sums over a vertex's edges do not overflow: other
-// weights may count alike, which leaves together what they would tell apart.
+// Returns what an edge of this weight counts: at most 2^32, so that sums over a vertex's edges do not
+// overflow. Different weights may count alike; then vertices stay together that their weights would tell
+// apart.
 std::uint64_t count_of(std::uint64_t weight) { return 1 + (weight & 0xffffffff); }
 
 }  // namespace
@@ -73,16 +74,17 @@ void Refiner::individualise(int v) {
   enqueue(last);
 }
 
-// Once every cell has a single member nothing is left to split, on any path at the same event.
+// Once every cell has a single member, nothing is left to split. On every path that happens at the same
+// event.
 bool Refiner::run() {
-  bool is_same = true;
-  while (is_same && queue_head_ < queue_.size() && !partition_.is_discrete()) {
+  bool has_same_trace = true;
+  while (has_same_trace && queue_head_ < queue_.size() && !partition_.is_discrete()) {
     const int splitter = queue_[queue_head_++];
     is_queued_[splitter] = 0;
-    is_same = apply_splitter(splitter);
+    has_same_trace = apply_splitter(splitter);
   }
-  reset();
-  return is_same;
+  clear_work();
+  return has_same_trace;
 }
 
 // The members are copied because the splitter itself may be split or its members exchanged.
@@ -114,18 +116,18 @@ void Refiner::count_edge_to(int v, std::uint64_t count) {
   }
 }
 
-// How many members are touched is compared first: that tells most nodes apart before anything is sorted.
+// The numbers of touched members are compared first. They tell most nodes apart before anything is sorted.
 bool Refiner::split_touched_cells() {
   std::uint64_t touched_hash = std::exchange(unsplit_hash_, 0);
   for (const int cell : touched_cells_)
     touched_hash += mix(place_and_count(cell, static_cast<std::uint64_t>(touched_[cell])));
-  if (!note(touched_hash)) return false;
+  if (!record_or_compare(touched_hash)) return false;
   std::sort(touched_cells_.begin(), touched_cells_.end());
   for (const int cell : touched_cells_) {
     if (!split_by_count(cell)) return false;
   }
   touched_cells_.clear();
-  return note(unsplit_hash_);
+  return record_or_compare(unsplit_hash_);
 }
 
 bool Refiner::split_by_count(int cell) {
@@ -135,12 +137,12 @@ bool Refiner::split_by_count(int cell) {
   touched_[cell] = 0;
   const auto [fewest, most] = std::minmax_element(
       tail_.begin(), tail_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-  const bool is_even = fewest->first == most->first;
-  if (is_even && untouched == 0) {
+  const bool is_uniform = fewest->first == most->first;
+  if (is_uniform && untouched == 0) {
     unsplit_hash_ += mix(place_and_count(cell, fewest->first));
     return true;
   }
-  if (!is_even) sort_tail(fewest->first, most->first);
+  if (!is_uniform) sort_tail(fewest->first, most->first);
   groups_.clear();
   int largest = 0;
   for (int begin = 0, i = 1; i <= static_cast<int>(tail_.size()); ++i) {
@@ -170,14 +172,16 @@ void Refiner::gather_tail(int cell, int length) {
   }
 }
 
-// By count. Few different counts are sorted by counting them.
-void Refiner::sort_tail(std::uint64_t fewest, std::uint64_t most) {
-  if (most - fewest >= tail_.size()) {
+// Sorts by count. A small range of counts is sorted by counting how often each occurs.
+void Refiner::sort_tail(std::uint64_t min_count, std::uint64_t max_count) {
+  if (max_count - min_count >= tail_.size()) {
     std::ranges::sort(tail_, {}, [](const auto& entry) { return entry.first; });
     return;
   }
-  const auto kind = [fewest](const auto& entry) { return static_cast<std::size_t>(entry.first - fewest); };
-  ends_.assign(static_cast<std::size_t>(most - fewest) + 1, 0);
+  const auto kind = [min_count](const auto& entry) {
+    return static_cast<std::size_t>(entry.first - min_count);
+  };
+  ends_.assign(static_cast<std::size_t>(max_count - min_count) + 1, 0);
   for (const auto& entry : tail_) ++ends_[kind(entry)];
   std::partial_sum(ends_.begin(), ends_.end(), ends_.begin());
   sorted_tail_.resize(tail_.size());
@@ -185,8 +189,8 @@ void Refiner::sort_tail(std::uint64_t fewest, std::uint64_t most) {
   tail_.swap(sorted_tail_);
 }
 
-// Lays the groups out in ascending order of their counts behind the front, which is the untouched members
-// where there are any and else the first of the largest groups, and makes each but the front a cell.
+// Lays the groups out in ascending order of their counts behind the front, and makes each but the front a
+// cell. The front is the untouched members, if there are any, and otherwise the first of the largest groups.
 bool Refiner::arrange_groups(int cell, int untouched) {
   if (untouched == 0) {
     const auto largest = std::max_element(groups_.begin(), groups_.end(), [](const auto& a, const auto& b) {
@@ -208,14 +212,14 @@ bool Refiner::arrange_groups(int cell, int untouched) {
     partition_.split(cell, position);
     enqueue(position);
     const std::uint64_t count = tail_[static_cast<std::size_t>(group->first)].first;
-    if (!note((static_cast<std::uint64_t>(position) << 32) + static_cast<std::uint64_t>(length)))
+    if (!record_or_compare((static_cast<std::uint64_t>(position) << 32) + static_cast<std::uint64_t>(length)))
       return false;
-    if (!note(count)) return false;
+    if (!record_or_compare(count)) return false;
   }
   return true;
 }
 
-bool Refiner::note(std::uint64_t event) {
+bool Refiner::record_or_compare(std::uint64_t event) {
   if (recorded_ != nullptr) {
     recorded_->push_back(event);
     return true;
@@ -231,8 +235,8 @@ void Refiner::enqueue(int cell) {
   queue_.push_back(cell);
 }
 
-// Leaves no work behind, wherever the refinement ended.
-void Refiner::reset() {
+// Clears the queue and the current splitter's work, wherever the refinement ended.
+void Refiner::clear_work() {
   for (; queue_head_ < queue_.size(); ++queue_head_) is_queued_[queue_[queue_head_]] = 0;
   queue_.clear();
   queue_head_ = 0;

@@ -1,5 +1,5 @@
 // Refinement of an ordered partition until it is equitable: any two vertices of a cell have equally many
-// edges into every cell. What cannot be told apart by such counts stays together.
+// edges into every cell. Vertices that such counts cannot tell apart stay together.
 //
 // A worklist holds the cells that may still tell vertices apart (splitters). For each, the edges into it are
 // counted at its neighbours, and every cell whose members count differently is split. The largest part keeps
@@ -9,12 +9,12 @@
 // 1982). Example: in the path a-b-c with one cell [a b c] as splitter, b counts 2 and a, c count 1: [a c][b].
 // Cost: the edges of the splitters, plus sorting the touched vertices; never the untouched ones.
 //
-// Which cell is split where depends on lengths and counts only, never on vertex numbers. So two nodes of a
-// search that an automorphism carries into each other are refined alike, event by event. The events of the
-// first path are recorded in a trace; on other paths each event is compared as it happens, and the first
-// difference ends the refinement (T. Junttila and P. Kaski, Engineering an efficient canonical labeling tool
-// for large and sparse graphs, ALENEX 2007; B. D. McKay and A. Piperno, Practical graph isomorphism, II, J.
-// Symbolic Computation 60, 2014).
+// Which cell is split at which position depends on lengths and counts only, never on vertex numbers. So two
+// nodes of a search that an automorphism carries into each other are refined alike, event by event. The
+// events of the first path are recorded in a trace. On other paths each event is compared as it happens, and
+// the first difference ends the refinement (T. Junttila and P. Kaski, Engineering an efficient canonical
+// labeling tool for large and sparse graphs, ALENEX 2007; B. D. McKay and A. Piperno, Practical graph
+// isomorphism, II, J. Symbolic Computation 60, 2014).
 
 #ifndef SYMFOLD_ENGINES_SEARCH_REFINEMENT_H
 #define SYMFOLD_ENGINES_SEARCH_REFINEMENT_H
@@ -32,7 +32,7 @@ namespace symfold::detail {
 
 using Trace = std::vector<std::uint64_t>;
 
-// Keys that tell vertices of different colours or loop counts apart.
+// Returns keys, by vertex, that tell vertices of different colours or loop counts apart.
 PointVector<std::uint64_t> colour_keys(const ColouredGraph& graph);
 
 class Refiner {
@@ -47,11 +47,11 @@ class Refiner {
   // The events are appended to the trace.
   void individualise_and_record(int v, Trace& trace);
 
-  // The same, compared with a trace. False at the first difference; the partition is then somewhere between
-  // and has to be undone.
+  // Does the same and compares the events with a trace. Returns false at the first difference; the partition
+  // is then not equitable, and the caller has to undo the splits.
   bool individualise_and_compare(int v, std::span<const std::uint64_t> trace);
 
-  // Edges looked at so far.
+  // The number of edges examined so far.
   std::size_t work() const { return work_; }
 
  private:
@@ -62,17 +62,17 @@ class Refiner {
   bool split_touched_cells();
   bool split_by_count(int cell);
   void gather_tail(int cell, int length);
-  void sort_tail(std::uint64_t fewest, std::uint64_t most);
+  void sort_tail(std::uint64_t min_count, std::uint64_t max_count);
   bool arrange_groups(int cell, int untouched);
-  bool note(std::uint64_t event);
+  bool record_or_compare(std::uint64_t event);
   void enqueue(int cell);
-  void reset();
+  void clear_work();
 
   const ColouredGraph& graph_;
   OrderedPartition& partition_;
 
   Trace* recorded_ = nullptr;                // null while comparing
-  std::span<const std::uint64_t> expected_;  // what is left of the trace to compare with
+  std::span<const std::uint64_t> expected_;  // the rest of the trace to compare with
 
   std::size_t work_ = 0;
   std::vector<int> queue_;
@@ -80,14 +80,14 @@ class Refiner {
   PointVector<char> is_queued_;
 
   // The current splitter's work, all zero or empty between splitters.
-  PointVector<std::uint64_t> count_;  // per vertex: edges into the splitter
-  PointVector<int> touched_;          // per cell: members with a count; they stand at the cell's end
-  std::vector<int> touched_cells_;    // the larger cells among them
+  PointVector<std::uint64_t> count_;  // by vertex: edges into the splitter
+  PointVector<int> touched_;          // by cell: members with a count; they stand at the cell's end
+  std::vector<int> touched_cells_;    // cells of several members, some of them touched
   std::vector<int> splitter_members_;
-  std::vector<std::size_t> ends_;  // of the stretches of equal count
+  std::vector<std::size_t> ends_;  // of the groups of equal count
   std::vector<std::pair<std::uint64_t, int>> sorted_tail_;
   std::vector<std::pair<std::uint64_t, int>> tail_;  // (count, vertex) of the members being split
-  std::vector<std::pair<int, int>> groups_;          // stretches of equal count in tail_: begin and end
+  std::vector<std::pair<int, int>> groups_;          // of equal count in tail_: begin and end
   std::uint64_t unsplit_hash_ = 0;  // commutative, over the touched cells and parts that keep their place
 };
 

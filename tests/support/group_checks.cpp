@@ -93,19 +93,19 @@ void expect_strong(const oracle::Group& group, int n, const std::vector<oracle::
   EXPECT_EQ(rest.size(), 1U) << "the base is too short";
 }
 
-void expect_chain_and_trees(const oracle::Group& group, int n,
-                            const std::vector<oracle::Images>& generators) {
+void expect_stabiliser_chain_and_trees(const oracle::Group& group, int n,
+                                       const std::vector<oracle::Images>& generators) {
   std::vector<int> lengths;
-  // Told nothing, the truth, too much and too little.
+  // It is told nothing, the true lengths, too large ones and too small ones.
   for (int known = 0; known < 4; ++known) {
     SCOPED_TRACE("known order " + std::to_string(known));
-    SchreierSims chain(n, static_cast<int>(generators.size()));
-    if (known == 1) chain.SetKnownOrder(lengths);
-    if (known == 2) chain.SetKnownOrder({n, n, n, n, n, n, n, n, n});
-    if (known == 3) chain.SetKnownOrder({1});
+    SchreierSims stabiliser_chain(n, static_cast<int>(generators.size()));
+    if (known == 1) stabiliser_chain.SetKnownOrder(lengths);
+    if (known == 2) stabiliser_chain.SetKnownOrder({n, n, n, n, n, n, n, n, n});
+    if (known == 3) stabiliser_chain.SetKnownOrder({1});
     std::vector<int> base{-7};
-    const std::vector<Permutation> strong = chain.Go(permutations_of(generators), base);
-    lengths = chain.OrbitLengths();
+    const std::vector<Permutation> strong = stabiliser_chain.Go(permutations_of(generators), base);
+    lengths = stabiliser_chain.OrbitLengths();
     expect_strong(group, n, images_of(strong), base, lengths);
     SchreierTree tree;
     tree.n = n;
@@ -122,11 +122,11 @@ void expect_automorphisms(const oracle::Graph& graph) {
   EXPECT_EQ(oracle::closure(graph.n, generators), group);
   expect_strong(group, graph.n, generators, found.base, found.orbit_lengths);
   for (const int failures : {0, 10'000}) {
-    const AutomorphismGroup searched = search_paths(graph_of(graph), {.descent_failures = failures});
+    const AutomorphismGroup searched = search_paths(graph_of(graph), {.max_descent_failures = failures});
     expect_strong(group, graph.n, images_of(graph.n, searched.generators), searched.base,
                   searched.orbit_lengths);
   }
-  expect_chain_and_trees(group, graph.n, generators);
+  expect_stabiliser_chain_and_trees(group, graph.n, generators);
 }
 
 }  // namespace symfold::detail

@@ -11,22 +11,25 @@
 
 namespace symfold::detail {
 
-// The graph by way of its file's text.
+// Returns the graph as it is read from its file's text.
 ColouredGraph graph_of(const oracle::Graph& graph);
 
 std::vector<oracle::Images> images_of(int n, const PermutationList& generators);
 std::vector<Permutation> permutations_of(const std::vector<oracle::Images>& generators);
 
-// The base is the one of the rule "smallest moved point first", with its orbit lengths, and the generators
-// are strong relative to it.
+// Expects the base of the rule "smallest moved point first", with its orbit lengths, and generators that are
+// strong relative to it.
 void expect_strong(const oracle::Group& group, int n, const std::vector<oracle::Images>& generators,
                    const std::vector<int>& base, const std::vector<int>& orbit_lengths);
 
-// SchreierSims gives such a chain for the group, whatever it is told about the order, and SchreierTree gives
-// paths from every root to its whole orbit, those inside the stabiliser of all smaller points first.
-void expect_chain_and_trees(const oracle::Group& group, int n, const std::vector<oracle::Images>& generators);
+// Expects that SchreierSims returns such generators for the group, whatever it is told about the order, and
+// that SchreierTree returns paths from every root to its whole orbit, which stay inside the stabiliser of all
+// smaller points whenever they can.
+void expect_stabiliser_chain_and_trees(const oracle::Group& group, int n,
+                                       const std::vector<oracle::Images>& generators);
 
-// The search finds exactly the automorphisms that trying all permutations does, and chain and trees follow.
+// Expects that the search finds exactly the automorphisms that trying all permutations finds, and checks the
+// stabiliser chain and the trees that follow from them.
 void expect_automorphisms(const oracle::Graph& graph);
 
 }  // namespace symfold::detail

@@ -15,7 +15,7 @@ namespace {
 
 using oracle::Graph;
 
-// Bit i of the mask set: a new colour begins at vertex i + 1.
+// A new colour begins at vertex i + 1 if bit i of the mask is set.
 std::vector<int> boundaries_of(int n, unsigned mask) {
   std::vector<int> boundaries;
   for (int v = 1; v < n; ++v) {
@@ -71,8 +71,8 @@ oracle::Images shuffled_inside_colours(const Graph& graph, std::mt19937& random)
   return images;
 }
 
-// Few colours, and edges added together with their images under a random permutation: asymmetric graphs, to
-// which plain random ones mostly belong, prove little.
+// Has few colours, and edges that are added together with their images under a random permutation. Plain
+// random graphs would mostly be asymmetric, which proves little.
 Graph random_symmetric_graph(unsigned seed) {
   std::mt19937 random(seed);
   Graph graph;
@@ -92,23 +92,23 @@ Graph random_symmetric_graph(unsigned seed) {
 }
 
 TEST(AutomorphismSearch, AgreesWithAllPermutationsOnRandomGraphsOfUpToEightVertices) {
-  constexpr std::size_t kLargest =
-      1024;  // one group in thirty is larger; those take most of the time to close
+  // One group in thirty is larger; closing those takes most of the time.
+  constexpr std::size_t kMaxOrder = 1024;
   for (unsigned seed = 0; seed < 2000 && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const Graph graph = random_symmetric_graph(seed);
-    if (oracle::all_automorphisms(graph).size() <= kLargest) expect_automorphisms(graph);
+    if (oracle::all_automorphisms(graph).size() <= kMaxOrder) expect_automorphisms(graph);
   }
 }
 
-// The product of the orbit lengths, with every generator certified.
+// Certifies every generator and returns the product of the orbit lengths.
 double group_order(const Graph& graph) {
   const ColouredGraph coloured = graph_of(graph);
   const AutomorphismGroup group = find_automorphisms(coloured);
   AutomorphismCheck check(coloured);
   for (const SparsePermutation& moves : group.generators) EXPECT_TRUE(check.is_automorphism(moves));
   for (const int failures : {0, 1}) {
-    EXPECT_EQ(find_automorphisms(coloured, {.descent_failures = failures}).orbit_lengths,
+    EXPECT_EQ(find_automorphisms(coloured, {.max_descent_failures = failures}).orbit_lengths,
               group.orbit_lengths);
   }
   return std::accumulate(group.orbit_lengths.begin(), group.orbit_lengths.end(), 1.0, std::multiplies<>());
@@ -119,7 +119,8 @@ void add_cycle(Graph& graph, int length) {
   graph.n += length;
 }
 
-// Vertices of a 4 by 4 torus of points, joined where `is_joined` of their differences modulo 4 says so.
+// Adds a 4 by 4 torus of vertices, of which two are joined if `is_joined` is true of their differences
+// modulo 4.
 void add_differences(Graph& graph, bool (*is_joined)(int, int)) {
   for (int a = 0; a < 16; ++a) {
     for (int b = 0; b < a; ++b) {
@@ -130,7 +131,8 @@ void add_differences(Graph& graph, bool (*is_joined)(int, int)) {
   graph.n += 16;
 }
 
-// Vertices exchanged at random inside their colours, edges in another order.
+// Returns the graph with its vertices renumbered at random inside their colours and its edges in another
+// order.
 Graph renumbered(Graph graph, unsigned seed) {
   std::mt19937 random(seed);
   const oracle::Images number = shuffled_inside_colours(graph, random);
@@ -172,7 +174,7 @@ TEST(AutomorphismSearch, FindsTheOrdersOfWellKnownGraphs) {
   }
 }
 
-// Degrees tell nothing apart here, so that only individualisation and backtracking can.
+// Degrees tell nothing apart here; only individualisation and backtracking can.
 TEST(AutomorphismSearch, SeesWhatRefinementIsBlindTo) {
   Graph hexagon_and_triangles;
   for (const int length : {3, 6, 3, 6, 3, 3}) add_cycle(hexagon_and_triangles, length);
@@ -193,7 +195,8 @@ TEST(AutomorphismSearch, SeesWhatRefinementIsBlindTo) {
   }
 }
 
-// A cycle with chords, so that every vertex has three edges: alike to refinement, told apart by short cycles.
+// A cycle with chords, so that every vertex has three edges. Refinement sees no difference, short cycles make
+// one.
 TEST(AutomorphismSearch, FindsTwiceTheSquareOfTheOrderForTwoCopiesOfACubicGraph) {
   constexpr int kSize = 60;
   for (unsigned seed = 0; seed < 40; ++seed) {
@@ -239,7 +242,7 @@ TEST(AutomorphismSearch, TakesOneGeneratorOfTwoLeavesForEveryLevelOfAStar) {
     EXPECT_EQ(group.orbit_lengths[static_cast<std::size_t>(i)], kLeaves - i);
   }
   EXPECT_FALSE(
-      find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges), {.generators = 10}).is_complete);
+      find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges), {.max_generators = 10}).is_complete);
 }
 
 TEST(AutomorphismCheck, RefusesWhatBreaksColoursLoopsEdgesOrIsNoPermutation) {

@@ -12,8 +12,8 @@
 namespace symfold::detail {
 namespace {
 
-// Roots 0 and 1, each joined to seven vertices of its own, numbered and listed at random. These form a
-// triangle and a square on the left, the given cycles on the right.
+// Roots 0 and 1, each joined to seven vertices of its own, which are numbered and listed at random. The
+// vertices of root 0 form a triangle and a square, those of root 1 the given cycles.
 ColouredGraph two_roots(unsigned seed, const std::vector<int>& cycles) {
   std::vector<int> number(14);
   std::iota(number.begin(), number.end(), 2);
@@ -39,7 +39,7 @@ PairedDescent::Answer exchange_roots(const ColouredGraph& graph, int max_failure
   refiner.refine_by(colour_keys(graph));
   const int splits = right.split_count();
   PairedDescent descent(graph, right, right, refiner);
-  descent.return_to(splits, 0);
+  descent.set_level(splits, 0);
   Trace trace;
   refiner.individualise_and_record(0, trace);
   right.undo(splits);
