@@ -15,7 +15,7 @@
 namespace symfold::detail {
 namespace {
 
-// Writes moves down in the order of their points.
+// Sorts moves by their points.
 class MoveSorter {
  public:
   explicit MoveSorter(int n) : image_(n), is_moved_(n / kBits + 1, 0) {}
@@ -33,7 +33,7 @@ class MoveSorter {
   }
 
  private:
-  // Each at its rank: nothing branches on the points, whose order nothing foretells.
+  // Writes each move at its rank. Nothing branches on the points, whose order cannot be predicted.
   static void write_few(std::span<const PointMove> moves, std::span<PointMove> sorted) {
     for (const PointMove& move : moves) {
       std::size_t rank = 0;
@@ -42,7 +42,7 @@ class MoveSorter {
     }
   }
 
-  // Read off a bit for each point.
+  // Sets a bit for each moved point and reads the bits in order.
   void write_many(std::span<const PointMove> moves, std::span<PointMove> sorted) {
     for (const auto& [point, image] : moves) {
       image_[point] = image;
@@ -63,36 +63,37 @@ class MoveSorter {
   PointVector<std::uint64_t> is_moved_;  // 0 between calls
 };
 
-// Generators, up to the limit.
-class Generators {
+// Collects generators, up to a limit.
+class GeneratorCollector {
  public:
-  Generators(int vertex_count, std::size_t most) : sorter_(vertex_count), most_(most) {
+  GeneratorCollector(int vertex_count, std::size_t max_generators)
+      : sorter_(vertex_count), max_generators_(max_generators) {
     list_.reserve(2 * static_cast<std::size_t>(vertex_count));  // enough for exchanges of leaves
   }
 
-  // Takes the moves of an automorphism in any order. False where too many have been given.
+  // Takes the moves of an automorphism in any order. Returns false if there are too many generators.
   bool add(std::span<const PointMove> moves) {
     if (moves.empty()) return true;
-    if (list_.size() > most_) return false;
+    if (is_over_limit()) return false;
     sorter_.write(moves, list_.add(moves.size()));
     return true;
   }
 
-  bool is_over_limit() const { return list_.size() > most_; }
+  bool is_over_limit() const { return list_.size() > max_generators_; }
   PermutationList release() { return std::move(list_); }
 
  private:
   MoveSorter sorter_;
-  std::size_t most_;
+  std::size_t max_generators_;
   PermutationList list_;
 };
 
-// Nothing where a lift fails the check.
+// Returns generators without a base, or nothing if a lift fails the check.
 std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
-  Generators generators(graph.vertex_count(), limits.max_generators);
+  GeneratorCollector generators(graph.vertex_count(), limits.max_generators);
   const auto add = [&generators](const SparsePermutation& moves) { return generators.add(moves); };
-  bool is_sound = reduction.for_each_own_symmetry(add);
+  bool is_sound = reduction.for_each_fibre_symmetry(add);
   if (is_sound && reduction.reduced().vertex_count() > 0) {
     const AutomorphismGroup core = search_paths(reduction.reduced(), limits);
     AutomorphismCheck check(graph);
@@ -107,7 +108,7 @@ std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, 
   return AutomorphismGroup{generators.release(), {}, {}, is_complete};
 }
 
-// The reduction's memory is free again before the base is read.
+// Reads the base once the reduction's memory is free again.
 std::optional<AutomorphismGroup> search_reduced(const ColouredGraph& graph, const SearchLimits& limits) {
   std::optional<AutomorphismGroup> group = reduced_generators(graph, limits);
   if (group.has_value())

@@ -6,8 +6,8 @@
 
 namespace symfold::detail {
 
-// Two candidates race; after a stretch of equal entries, the one with the larger next entry gives up all the
-// positions that the stretch covers.
+// Compares two candidates. After a stretch of equal entries, the candidate with the larger next entry skips
+// all positions that the stretch covers.
 int least_rotation(std::span<const std::uint64_t> entries) {
   const std::size_t n = entries.size();
   const auto entry = [&](std::size_t i) { return entries[i < n ? i : i - n]; };
@@ -27,7 +27,7 @@ int least_rotation(std::span<const std::uint64_t> entries) {
   return static_cast<int>(std::min(a, b));
 }
 
-// border[i]: the length of the longest proper prefix of the first i entries that is also their end.
+// border[i] is the length of the longest proper prefix of the first i entries that is also their end.
 int cyclic_period(std::span<const std::uint64_t> entries) {
   const std::size_t n = entries.size();
   std::vector<std::size_t> border(n + 1, 0);

@@ -1,8 +1,9 @@
 // The symmetries of a cyclic sequence, such as the shapes around a cycle of a graph.
 //
-// A sequence of n entries is rotated so that it is least in lexical order, which gives the same sequence from
-// wherever and in whichever direction the cycle was read. Example: c a b a, read forwards from position 1,
-// and backwards from position 3, is a b a c, with period 4; a b a b has period 2.
+// A sequence of n entries is rotated so that it is least in lexical order. The result does not depend on
+// where the reading of the cycle began; the smaller one of the results for both directions does not depend on
+// the direction either. Example: c a b a, read forwards from position 1 and backwards from position 3, is a b
+// a c, with period 4; a b a b has period 2.
 //
 // Cost: linear (K. S. Booth, Lexicographically least circular substrings, Information Processing Letters 10,
 // 1980; the period by the borders of D. E. Knuth, J. H. Morris and V. R. Pratt, Fast pattern matching in
@@ -16,10 +17,10 @@
 
 namespace symfold::detail {
 
-// The position from which the entries, read cyclically, are least: of several the first.
+// Returns the first of the positions from which the entries, read cyclically, are least.
 int least_rotation(std::span<const std::uint64_t> entries);
 
-// The smallest divisor p of the length such that rotating by p changes nothing.
+// Returns the smallest divisor p of the length such that a rotation by p changes nothing.
 int cyclic_period(std::span<const std::uint64_t> entries);
 
 }  // namespace symfold::detail

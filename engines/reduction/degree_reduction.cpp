@@ -40,12 +40,12 @@ DegreeReduction::DegreeReduction(const ColouredGraph& graph)
     : graph_(graph),
       forest_(graph),
       components_(forest_.add_set()),
-      degree_(take_off_trees()),
-      chains_(graph, degree_) {
-  chains_.find();
+      degree_(attach_trees()),
+      paths_(graph, degree_) {
+  paths_.find();
   keep_middles();
-  hang_loops();
-  for (const CoreChains::Chain& cycle : chains_.cycles()) hang_cycle(chains_.inner_vertices(cycle));
+  attach_loops();
+  for (const CorePaths::Path& cycle : paths_.cycles()) attach_cycle(paths_.inner_vertices(cycle));
   number_anchors();
   make_arcs();
   make_reduced_graph();
@@ -53,9 +53,9 @@ DegreeReduction::DegreeReduction(const ColouredGraph& graph)
   image_ = identity_images(reduced_.vertex_count());
 }
 
-// Layer by layer, so that each tree is rooted at its centre; where there are two, at a set of both. Gives the
-// degrees inside the core.
-PointVector<int> DegreeReduction::take_off_trees() {
+// Takes the pendant trees off layer by layer, so that a component that is a tree is rooted at its centre, or
+// at a set of its two centres. Returns the degrees inside the core.
+PointVector<int> DegreeReduction::attach_trees() {
   const int n = graph_.vertex_count();
   PointVector<int> degree(n);
   std::vector<int> leaves;
@@ -67,7 +67,7 @@ PointVector<int> DegreeReduction::take_off_trees() {
   std::vector<int> next;
   while (!leaves.empty()) {
     parents.clear();
-    for (const int v : leaves) parents.push_back(hang_leaf(degree, v));
+    for (const int v : leaves) parents.push_back(attach_leaf(degree, v));
     next.clear();
     for (const int v : leaves) degree[v] = -1;
     for (const int parent : parents) {
@@ -78,69 +78,69 @@ PointVector<int> DegreeReduction::take_off_trees() {
   return degree;
 }
 
-// Gives the neighbour that it hangs from, -1 for a tree's root.
-int DegreeReduction::hang_leaf(const PointVector<int>& degree, int v) {
+// Returns the neighbour from which the leaf hangs, -1 for a tree's root.
+int DegreeReduction::attach_leaf(const PointVector<int>& degree, int v) {
   if (degree[v] == 0) {
-    forest_.hang(v, components_);
+    forest_.attach(v, components_);
     return -1;
   }
   const int parent =
       *std::ranges::find_if(graph_.neighbours(v), [&degree](int neighbour) { return degree[neighbour] > 0; });
   if (degree[parent] > 1) {
-    forest_.hang(v, parent);
+    forest_.attach(v, parent);
   } else if (v < parent) {
     const int centres = forest_.add_set();
-    forest_.hang(v, centres);
-    forest_.hang(parent, centres);
-    forest_.hang(centres, components_);
+    forest_.attach(v, centres);
+    forest_.attach(parent, centres);
+    forest_.attach(centres, components_);
   }
   return parent;
 }
 
-// Of chains that can be turned round, of any kind of which one has its middle before the fibres of both ends.
-// The halves cannot be turned round: their ends have different degrees.
+// Makes anchors of the middles of reversible core paths, for every kind of which one path has its middle
+// before the fibres of both ends. The halves are not reversible: their ends have different degrees.
 void DegreeReduction::keep_middles() {
-  const auto turning_shape = [this](const CoreChains::Chain& chain) {
-    const auto inner = chains_.inner_vertices(chain);
-    if (inner.size() % 2 == 0 || chain.from == chain.to) return Shape{0};
+  const auto reversible_shape = [this](const CorePaths::Path& path) {
+    const auto inner = paths_.inner_vertices(path);
+    if (inner.size() % 2 == 0 || path.from == path.to) return Shape{0};
     const Shape shape = forward_shape(forest_, inner);
     return shape == backward_shape(forest_, inner) ? shape : 0;
   };
   std::vector<Shape> kept;
-  for (const CoreChains::Chain& chain : chains_.chains()) {
-    if (chain.begin == chain.end || forest_.shape(chain.from) != forest_.shape(chain.to)) continue;
-    const int first = std::min(forest_.smallest_vertex(chain.from), forest_.smallest_vertex(chain.to));
-    if (forest_.smallest_vertex(middle(chains_.inner_vertices(chain))) < first)
-      kept.push_back(turning_shape(chain));
+  for (const CorePaths::Path& path : paths_.paths()) {
+    if (path.begin == path.end || forest_.shape(path.from) != forest_.shape(path.to)) continue;
+    const int first = std::min(forest_.smallest_vertex(path.from), forest_.smallest_vertex(path.to));
+    if (forest_.smallest_vertex(middle(paths_.inner_vertices(path))) < first)
+      kept.push_back(reversible_shape(path));
   }
   std::sort(kept.begin(), kept.end());
   kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
   if (!kept.empty() && kept.front() == 0) kept.erase(kept.begin());
   if (kept.empty()) return;
-  for (const CoreChains::Chain& chain : chains_.chains()) {
-    if (std::ranges::binary_search(kept, turning_shape(chain)))
-      chains_.add_anchor(middle(chains_.inner_vertices(chain)));
+  for (const CorePaths::Path& path : paths_.paths()) {
+    if (std::ranges::binary_search(kept, reversible_shape(path)))
+      paths_.add_anchor(middle(paths_.inner_vertices(path)));
   }
-  chains_.find();
+  paths_.find();
 }
 
-// Read in the direction of the smaller shape.
-void DegreeReduction::hang_loops() {
-  for (const CoreChains::Chain& chain : chains_.chains()) {
-    if (chain.from != chain.to) continue;
-    const auto inner = chains_.inner_vertices(chain);
+// Each loop is read in the direction of the smaller shape.
+void DegreeReduction::attach_loops() {
+  for (const CorePaths::Path& path : paths_.paths()) {
+    if (path.from != path.to) continue;
+    const auto inner = paths_.inner_vertices(path);
     std::vector<int> members(inner.begin(), inner.end());
     const Shape forwards = forward_shape(forest_, inner);
     const Shape backwards = backward_shape(forest_, inner);
     if (backwards < forwards) std::ranges::reverse(members);
     const int loop = forest_.add_sequence(members, std::min(forwards, backwards));
-    if (forwards == backwards) turning_loops_.push_back(loop);
-    forest_.hang(loop, chain.from);
+    if (forwards == backwards) reversible_loops_.push_back(loop);
+    forest_.attach(loop, path.from);
   }
 }
 
-// Read from where and in the direction in which the shapes are least.
-void DegreeReduction::hang_cycle(std::span<const int> vertices) {
+// The cycle is read from the start and in the direction that make the sequence of shapes least.
+void DegreeReduction::attach_cycle(std::span<const int> vertices) {
   const auto length = static_cast<int>(vertices.size());
   std::vector<int> members(vertices.begin(), vertices.end());
   std::vector<Shape> shapes;
@@ -162,20 +162,20 @@ void DegreeReduction::hang_cycle(std::span<const int> vertices) {
   for (const Shape member : std::min(shapes, reversed)) shape = mix(shape + member);
   const int node = forest_.add_sequence(members, shape);
   cycles_.push_back({node, cyclic_period(shapes), reflection});
-  forest_.hang(node, components_);
+  forest_.attach(node, components_);
 }
 
 void DegreeReduction::number_anchors() {
-  for (const int v : chains_.core()) {
-    if (chains_.is_anchor(v)) anchors_.push_back(v);
+  for (const int v : paths_.core()) {
+    if (paths_.is_anchor(v)) anchors_.push_back(v);
   }
   if (anchors_.empty()) return;
   number_.assign(graph_.vertex_count(), -1);
   PointVector<int> smallest(graph_.vertex_count());
   for (const int v : anchors_) smallest[v] = forest_.smallest_vertex(v);
-  for (const CoreChains::Chain& chain : chains_.chains()) {
-    for (const int v : chains_.inner_vertices(chain)) {
-      for (const int end : {chain.from, chain.to})
+  for (const CorePaths::Path& path : paths_.paths()) {
+    for (const int v : paths_.inner_vertices(path)) {
+      for (const int end : {path.from, path.to})
         smallest[end] = std::min(smallest[end], forest_.smallest_vertex(v));
     }
   }
@@ -184,21 +184,21 @@ void DegreeReduction::number_anchors() {
 }
 
 void DegreeReduction::make_arcs() {
-  for (const CoreChains::Chain& chain : chains_.chains()) {
-    if (chain.from == chain.to) continue;
-    const auto inner = chains_.inner_vertices(chain);
+  for (const CorePaths::Path& path : paths_.paths()) {
+    if (path.from == path.to) continue;
+    const auto inner = paths_.inner_vertices(path);
     const Shape forwards = forward_shape(forest_, inner);
     const int sequence = inner.empty() ? -1 : forest_.add_sequence(inner, forwards);
     const int smallest = inner.empty() ? graph_.vertex_count() : forest_.smallest_vertex(sequence);
-    const int from = number_[chain.from];
-    const int to = number_[chain.to];
+    const int from = number_[path.from];
+    const int to = number_[path.to];
     arcs_.push_back({from, to, forwards, smallest, sequence, false});
     arcs_.push_back({to, from, backward_shape(forest_, inner), smallest, sequence, true});
   }
   sort_arcs();
 }
 
-// By counting those from each vertex, and then each stretch.
+// Groups the arcs by their first vertex, by counting, and then sorts each group.
 void DegreeReduction::sort_arcs() {
   first_arc_.assign(anchors_.size() + 1, 0);
   for (const Arc& arc : arcs_) ++first_arc_[arc.from];
@@ -213,7 +213,7 @@ void DegreeReduction::sort_arcs() {
     std::sort(arcs_.begin() + first_arc_[v], arcs_.begin() + first_arc_[v + 1], is_before);
 }
 
-// All arcs between two vertices become one edge, whose weight is a number over their shapes.
+// All arcs between two vertices become one edge, whose weight is a hash of their shapes.
 void DegreeReduction::make_reduced_graph() {
   const int anchors = anchors_.size();
   std::vector<Shape> shapes;
@@ -235,26 +235,27 @@ void DegreeReduction::make_reduced_graph() {
   reduced_ = ColouredGraph(colour, edges);
 }
 
-bool DegreeReduction::for_each_own_symmetry(const Use& use) {
-  return std::ranges::all_of(forest_.branchings(), [&](int node) { return exchange_twins(node, use); }) &&
-         exchange_parallels(use) && turn_loops(use) &&
-         std::ranges::all_of(cycles_, [&](const Cycle& cycle) { return turn_cycle(cycle, use); });
+bool DegreeReduction::for_each_fibre_symmetry(const Visitor& visit) {
+  return std::ranges::all_of(forest_.branching_nodes(),
+                             [&](int node) { return exchange_twins(node, visit); }) &&
+         exchange_parallels(visit) && reverse_loops(visit) &&
+         std::ranges::all_of(cycles_, [&](const Cycle& cycle) { return rotate_and_reflect(cycle, visit); });
 }
 
-bool DegreeReduction::exchange_twins(int node, const Use& use) {
+bool DegreeReduction::exchange_twins(int node, const Visitor& visit) {
   const auto parts = forest_.parts(node);
   for (std::size_t last = parts.size(), i = parts.size(); i-- > 0;) {
     if (last == parts.size() || forest_.shape(parts[i]) != forest_.shape(parts[last])) {
       last = i;
-    } else if (!exchange(parts[i], parts[last], false, use)) {
+    } else if (!exchange(parts[i], parts[last], false, visit)) {
       return false;
     }
   }
   return true;
 }
 
-// Each chain is seen from its end of the smaller number.
-bool DegreeReduction::exchange_parallels(const Use& use) {
+// Each core path is taken once, as the arc from its end with the smaller number.
+bool DegreeReduction::exchange_parallels(const Visitor& visit) {
   for (std::size_t last = arcs_.size(), i = arcs_.size(); i-- > 0;) {
     const Arc& arc = arcs_[i];
     const auto is_parallel = [&arc](const Arc& other) {
@@ -264,32 +265,32 @@ bool DegreeReduction::exchange_parallels(const Use& use) {
     if (last == arcs_.size() || !is_parallel(arcs_[last])) {
       last = i;
     } else if (!exchange(arc.sequence, arcs_[last].sequence, arc.is_reversed != arcs_[last].is_reversed,
-                         use)) {
+                         visit)) {
       return false;
     }
   }
   return true;
 }
 
-bool DegreeReduction::turn_loops(const Use& use) {
-  return std::ranges::all_of(turning_loops_, [&](int loop) {
+bool DegreeReduction::reverse_loops(const Visitor& visit) {
+  return std::ranges::all_of(reversible_loops_, [&](int loop) {
     moves_.clear();
-    return forest_.carry(loop, loop, moves_, true) && (moves_.empty() || use(moves_));
+    return forest_.carry(loop, loop, moves_, true) && (moves_.empty() || visit(moves_));
   });
 }
 
-// By the period, the smallest vertex to the smaller of the two that it can go to; and round, so that it stays
-// where it is, if the cycle allows that.
-bool DegreeReduction::turn_cycle(const Cycle& cycle, const Use& use) {
+// Visits the rotation by the period, in the direction that carries the smallest vertex to the smaller of its
+// two images, and the reflection that fixes the smallest vertex, if there is one.
+bool DegreeReduction::rotate_and_reflect(const Cycle& cycle, const Visitor& visit) {
   const auto members = forest_.parts(cycle.node);
   const auto length = static_cast<int>(members.size());
   const auto member = [&](int i) { return members[static_cast<std::size_t>(i % length)]; };
-  const auto use_images = [&](const auto& image) {
+  const auto visit_images = [&](const auto& image) {
     moves_.clear();
     for (int i = 0; i < length; ++i) {
       if (!forest_.carry(member(i), member(image(i)), moves_)) return false;
     }
-    return moves_.empty() || use(moves_);
+    return moves_.empty() || visit(moves_);
   };
   int first = 0;
   while (forest_.smallest_vertex(member(first)) != forest_.smallest_vertex(cycle.node)) ++first;
@@ -297,18 +298,18 @@ bool DegreeReduction::turn_cycle(const Cycle& cycle, const Use& use) {
   const bool is_backwards =
       forest_.smallest_vertex(member(first + back)) < forest_.smallest_vertex(member(first + cycle.period));
   const int step = is_backwards ? back : cycle.period;
-  if (!use_images([&](int i) { return i + step; })) return false;
+  if (!visit_images([&](int i) { return i + step; })) return false;
   if (cycle.reflection < 0) return true;
   const int sum = (2 * first - cycle.reflection) % cycle.period == 0 ? 2 * first : cycle.reflection;
-  return use_images([&](int i) { return sum - i + length; });
+  return visit_images([&](int i) { return sum - i + length; });
 }
 
-bool DegreeReduction::exchange(int a, int b, bool is_reversed, const Use& use) {
+bool DegreeReduction::exchange(int a, int b, bool is_reversed, const Visitor& visit) {
   moves_.clear();
   if (!forest_.carry(a, b, moves_, is_reversed)) return false;
   for (std::size_t i = 0, there = moves_.size(); i < there; ++i)
     moves_.push_back({moves_[i].image, moves_[i].point});
-  return use(moves_);
+  return visit(moves_);
 }
 
 std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, int to) const {
@@ -318,7 +319,7 @@ std::span<const DegreeReduction::Arc> DegreeReduction::arcs_between(int from, in
   return {begin, end};
 }
 
-// An arc between two moved vertices is lifted from its end of the smaller number.
+// An arc between two moved vertices is lifted from its end with the smaller number.
 bool DegreeReduction::lift(std::span<const PointMove> moves, SparsePermutation& lifted) {
   lifted.clear();
   for (const auto& [point, image] : moves) image_[point] = image;

@@ -1,34 +1,34 @@
 // Reduction of a graph to its vertices of degree three and more.
 //
 // Most vertices of a composition graph have degree one or two: local variables, and often submodels and
-// joins. Pendant trees are taken off, leaf by leaf; the chains of what is left are replaced by edges, with a
-// weight that tells what the chains between two vertices are made of. What is taken out joins the fibre of a
-// vertex or edge of the reduced graph (fibre_forest.h, core_chains.h). The automorphism group is then the
-// product of
+// joins. Pendant trees are taken off, leaf by leaf. The core paths of what is left are replaced by edges, and
+// all paths between two vertices by one edge with a weight that tells what they are made of. What is taken
+// out joins the fibre of a vertex or edge of the reduced graph (fibre_forest.h, core_paths.h). The
+// automorphism group is then the product of
 //
-//   - the fibres' own symmetries: exchanges of twins, of parallel chains, of the two ends of a chain from a
-//     vertex back to it; exchanges of whole components that are trees or cycles; rotations and reflections
-//     of cycles;
-//   - one automorphism for each of the reduced graph: its lift carries fibres to fibres in their fixed
-//     orders.
+//   - the fibres' own symmetries: exchanges of twins, exchanges of parallel core paths, reversals of a core
+//     path from a vertex back to it, exchanges of whole components that are trees or cycles, rotations and
+//     reflections of cycles;
+//   - one automorphism for each automorphism of the reduced graph: its lift, which carries fibres to fibres
+//     in their fixed orders.
 //
 // Example: 255 submodels with a join between every two: 97,410 vertices shrink to 255, each two of them with
 // the same weight between them.
 //
 // Strong generators stay strong. The reduced vertices are numbered by the smallest vertex of their own fibre
 // and of those of their edges. To fix all vertices below some b is to fix the reduced vertices whose number
-// comes from below b, and whatever in the fibres lies below b; and lifts of automorphisms that fix both ends
-// of a fibre move nothing in it. One thing could break this: the middle of a chain that can be turned round
-// is fixed without its ends being so. Where such a middle comes before the fibres of both ends, it stays in
-// the reduced graph, for all chains of its kind.
+// comes from below b, and whatever in the fibres lies below b. Lifts of automorphisms that fix both ends of a
+// fibre move nothing in it. One thing could break this: the middle of a reversible core path can be fixed
+// without its ends being fixed. If such a middle comes before the fibres of both ends, it stays in the
+// reduced graph, for all core paths of its kind.
 //
 // Shapes and weights are hashes. Two shapes that agree by chance show when one fibre is carried to another.
-// So the fibres' own symmetries are automorphisms by their making: a tree hangs by one edge, a chain by its
-// ends, and all edges inside are compared. What is lifted need not be one, where weights agreed by chance,
-// and is to be checked. The graph is then to be searched as it is.
+// So the fibres' own symmetries are automorphisms by their making: a tree hangs from one edge, a core path
+// from its ends, and all edges inside are compared. A lift need not be an automorphism, since weights can
+// agree by chance. It has to be checked, and if the check fails, the graph has to be searched as it is.
 //
-// Cost: linear, but for sorting the chains and anchors. That taking off all leaves again and again ends at
-// one or two centres: C. Jordan, Sur les assemblages de lignes, 1869.
+// Cost: linear, but for sorting the core paths and anchors. That taking off all leaves again and again ends
+// at one or two centres: C. Jordan, Sur les assemblages de lignes, 1869.
 
 #ifndef SYMFOLD_ENGINES_REDUCTION_DEGREE_REDUCTION_H
 #define SYMFOLD_ENGINES_REDUCTION_DEGREE_REDUCTION_H
@@ -37,16 +37,16 @@
 #include <span>
 #include <vector>
 
-#include "engines/reduction/core_chains.h"
+#include "engines/reduction/core_paths.h"
 #include "engines/reduction/fibre_forest.h"
 
 namespace symfold::detail {
 
 class DegreeReduction {
  public:
-  using Use = std::function<bool(const SparsePermutation&)>;
+  using Visitor = std::function<bool(const SparsePermutation&)>;
 
-  // Whether enough vertices have a degree below three for a reduction to pay.
+  // Returns true if enough vertices have a degree below three for a reduction to pay.
   static bool is_worthwhile(const ColouredGraph& graph);
 
   // The graph must outlive this.
@@ -54,16 +54,16 @@ class DegreeReduction {
 
   const ColouredGraph& reduced() const { return reduced_; }
 
-  // Gives `use` the moves, in no order, of strong generators of the fibres' own symmetries, until it returns
-  // false. False then, and where hashes agreed by chance.
-  bool for_each_own_symmetry(const Use& use);
+  // Calls `visit` with the moves, in no order, of each of the strong generators of the fibres' own
+  // symmetries. Stops and returns false if `visit` does, or if hashes turn out to agree by chance.
+  bool for_each_fibre_symmetry(const Visitor& visit);
 
-  // The moves, in no order, of the lift of an automorphism of the reduced graph, which are to be checked.
-  // False where hashes agreed by chance.
+  // Writes the moves, in no order, of the lift of an automorphism of the reduced graph. The caller has to
+  // check that they are an automorphism. Returns false if hashes turn out to agree by chance.
   bool lift(std::span<const PointMove> moves, SparsePermutation& lifted);
 
  private:
-  // A chain seen from one of its ends, by reduced numbers.
+  // A core path seen from one of its ends, which are given by their reduced numbers.
   struct Arc {
     int from;
     int to;
@@ -78,30 +78,30 @@ class DegreeReduction {
     int reflection;  // exchanges the positions i and reflection - i; -1 for none
   };
 
-  PointVector<int> take_off_trees();
-  int hang_leaf(const PointVector<int>& degree, int v);
+  PointVector<int> attach_trees();
+  int attach_leaf(const PointVector<int>& degree, int v);
   void keep_middles();
-  void hang_loops();
-  void hang_cycle(std::span<const int> vertices);
+  void attach_loops();
+  void attach_cycle(std::span<const int> vertices);
   void number_anchors();
   void make_arcs();
   void sort_arcs();
   void make_reduced_graph();
 
-  bool exchange_twins(int node, const Use& use);
-  bool exchange_parallels(const Use& use);
-  bool turn_loops(const Use& use);
-  bool turn_cycle(const Cycle& cycle, const Use& use);
-  bool exchange(int a, int b, bool is_reversed, const Use& use);
+  bool exchange_twins(int node, const Visitor& visit);
+  bool exchange_parallels(const Visitor& visit);
+  bool reverse_loops(const Visitor& visit);
+  bool rotate_and_reflect(const Cycle& cycle, const Visitor& visit);
+  bool exchange(int a, int b, bool is_reversed, const Visitor& visit);
   bool lift_vertex(PointMove move, SparsePermutation& lifted);
   std::span<const Arc> arcs_between(int from, int to) const;
 
   const ColouredGraph& graph_;
   FibreForest forest_;
-  int components_;           // the set of those that are trees or cycles
-  PointVector<int> degree_;  // inside the core; -1 once taken off
-  CoreChains chains_;
-  std::vector<int> turning_loops_;
+  int components_;           // the set of the components that are trees or cycles
+  PointVector<int> degree_;  // inside the core; -1 for a vertex taken off
+  CorePaths paths_;
+  std::vector<int> reversible_loops_;
   std::vector<Cycle> cycles_;
   PointVector<int> anchors_;    // by reduced number
   PointVector<int> number_;     // of an anchor
@@ -109,7 +109,7 @@ class DegreeReduction {
   PointVector<int> first_arc_;  // per reduced vertex, and the number of all
   PointVector<int> image_;      // of reduced vertices; the identity between calls
   ColouredGraph reduced_;
-  SparsePermutation moves_;  // of the symmetry at hand
+  SparsePermutation moves_;  // of the current symmetry
 };
 
 }  // namespace symfold::detail

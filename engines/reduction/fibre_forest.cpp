@@ -14,7 +14,7 @@ FibreForest::FibreForest(const ColouredGraph& graph) : graph_(graph), vertex_cou
 
 int FibreForest::add_set() {
   nodes_.push_back({.smallest = vertex_count_});
-  return node_count() - 1;
+  return nodes_.size() - 1;
 }
 
 int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
@@ -24,32 +24,33 @@ int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
   nodes_[node].first = static_cast<int>(parts_.size());
   nodes_[node].length = static_cast<unsigned>(members.size()) & 0x7fffffffU;
   parts_.insert(parts_.end(), members.begin(), members.end());
-  for (const int member : members) become_part(member, node);
+  for (const int member : members) set_parent(member, node);
   return node;
 }
 
-void FibreForest::hang(int child, int parent) {
-  become_part(child, parent);
+void FibreForest::attach(int child, int parent) {
+  set_parent(child, parent);
   Node& above = nodes_[parent];
   above.shape += nodes_[child].shape;
   ++above.length;
 }
 
-void FibreForest::become_part(int node, int parent) {
+void FibreForest::set_parent(int node, int parent) {
   nodes_[node].shape = shape(node);
   nodes_[node].parent = parent;
   nodes_[parent].smallest = std::min(nodes_[parent].smallest, nodes_[node].smallest);
 }
 
-// The parts come in the order of their smallest vertices when each vertex is followed up to the largest node
-// whose smallest one it is. Stretches are filled from their ends, which leaves `first` at the beginning.
+// The parts come in the order of their smallest vertices if each vertex is followed up to the largest node
+// whose smallest vertex it is. Each node's range of parts_ is filled from its end, which leaves `first` at
+// its beginning.
 void FibreForest::arrange() {
   auto total = static_cast<int>(parts_.size());
-  for (int i = 0; i < node_count(); ++i) {
+  for (int i = 0; i < nodes_.size(); ++i) {
     Node& node = nodes_[i];
     if (node.is_sequence != 0) continue;
     node.first = total += static_cast<int>(node.length);
-    if (node.length > 1) branchings_.push_back(i);
+    if (node.length > 1) branching_nodes_.push_back(i);
   }
   parts_.resize(static_cast<std::size_t>(total));
   for (int v = vertex_count_ - 1; v >= 0; --v) {
@@ -59,7 +60,7 @@ void FibreForest::arrange() {
       part = nodes_[part].parent;
     }
   }
-  for (const int node : branchings_) sort_parts(node);
+  for (const int node : branching_nodes_) sort_parts(node);
 }
 
 void FibreForest::sort_parts(int node) {
@@ -69,7 +70,7 @@ void FibreForest::sort_parts(int node) {
     std::stable_sort(begin, begin + nodes_[node].length, is_before);
 }
 
-// The last part of each node is gone on with, the others wait.
+// Goes on with the last pair of different parts; the other pairs wait.
 bool FibreForest::carry(int from, int to, SparsePermutation& moves, bool is_reversed) {
   if (from == to && !is_reversed) return true;
   pending_.clear();

@@ -14,8 +14,8 @@
 namespace symfold::detail {
 namespace {
 
-// A chain with inner vertices of its own, to a vertex or, for -1, to none.
-void add_chain(oracle::Graph& graph, int from, int to, int inner) {
+// Adds a path with `inner` new inner vertices, which ends at `to`, or at its last inner vertex if `to` is -1.
+void add_path(oracle::Graph& graph, int from, int to, int inner) {
   for (; inner > 0; --inner) {
     graph.edges.emplace_back(from, graph.n);
     from = graph.n++;
@@ -35,15 +35,15 @@ void renumber(oracle::Graph& graph, std::mt19937& random) {
   }
 }
 
-// A few roots with chains between them, back to them and into the open, some edges doubled, some vertices
-// alone.
+// A few roots with paths between them, paths back to the same root and paths that end nowhere, some double
+// edges and some isolated vertices.
 oracle::Graph random_thin_graph(unsigned seed, int size) {
   std::mt19937 random(seed);
   oracle::Graph graph{1 + below(random, 3), {}, {}};
   const int roots = graph.n;
   while (graph.n < size) {
     const int target = below(random, 4) == 0 ? -1 : below(random, roots);
-    add_chain(graph, below(random, graph.n), target, std::min(below(random, 4), size - graph.n));
+    add_path(graph, below(random, graph.n), target, std::min(below(random, 4), size - graph.n));
     if (below(random, 6) == 0) ++graph.n;
     if (below(random, 8) == 0 && !graph.edges.empty()) graph.edges.push_back(graph.edges.back());
   }
@@ -52,7 +52,7 @@ oracle::Graph random_thin_graph(unsigned seed, int size) {
   return graph;
 }
 
-// Two chains between every two of three or four roots: the middles can be turned round.
+// Two paths between every two of three or four roots, which can be reversible.
 oracle::Graph random_even_graph(unsigned seed) {
   std::mt19937 random(seed);
   oracle::Graph graph{3 + below(random, 2), {}, {}};
@@ -61,21 +61,21 @@ oracle::Graph random_even_graph(unsigned seed) {
   const int second = below(random, 4);
   for (int a = 0; a < roots; ++a) {
     for (int b = 0; b < a; ++b) {
-      add_chain(graph, a, b, first);
-      add_chain(graph, b, a, second);
-      if (below(random, 9) == 0) add_chain(graph, a, b, 1);
+      add_path(graph, a, b, first);
+      add_path(graph, b, a, second);
+      if (below(random, 9) == 0) add_path(graph, a, b, 1);
     }
   }
   renumber(graph, random);
   return graph;
 }
 
-// Without the way out of searching the graph as it is.
+// Expects the reduction to be sound by itself, without a second search of the graph as it is.
 void expect_sound(const oracle::Graph& graph) {
   const ColouredGraph coloured = graph_of(graph);
   AutomorphismCheck check(coloured);
   DegreeReduction reduction(coloured);
-  EXPECT_TRUE(reduction.for_each_own_symmetry(
+  EXPECT_TRUE(reduction.for_each_fibre_symmetry(
       [&](const SparsePermutation& moves) { return !moves.empty() && check.is_automorphism(moves); }));
   SparsePermutation lifted;
   for (const SparsePermutation& moves : search_paths(reduction.reduced()).generators) {

@@ -1,10 +1,10 @@
-#include "engines/reduction/core_chains.h"
+#include "engines/reduction/core_paths.h"
 
 #include <algorithm>
 
 namespace symfold::detail {
 
-CoreChains::CoreChains(const ColouredGraph& graph, const PointVector<int>& degree)
+CorePaths::CorePaths(const ColouredGraph& graph, const PointVector<int>& degree)
     : graph_(graph), degree_(degree), is_anchor_(degree.size(), 0), is_inner_(degree.size(), 0) {
   core_.reserve(static_cast<std::size_t>(std::ranges::count_if(degree, [](int d) { return d > 0; })));
   for (int v = 0; v < degree.size(); ++v) {
@@ -14,9 +14,9 @@ CoreChains::CoreChains(const ColouredGraph& graph, const PointVector<int>& degre
   }
 }
 
-void CoreChains::find() {
+void CorePaths::find() {
   for (const int v : inner_) is_inner_[v] = 0;
-  chains_.clear();
+  paths_.clear();
   cycles_.clear();
   inner_.clear();
   for (const int v : core_) {
@@ -24,9 +24,9 @@ void CoreChains::find() {
     for (const int neighbour : graph_.neighbours(v)) {
       if (degree_[neighbour] <= 0 || is_inner_[neighbour] != 0) continue;
       if (!is_anchor(neighbour)) {
-        follow(v, neighbour, chains_);
+        follow(v, neighbour, paths_);
       } else if (v < neighbour) {
-        chains_.push_back({v, neighbour, inner_.size(), inner_.size()});
+        paths_.push_back({v, neighbour, inner_.size(), inner_.size()});
       }
     }
   }
@@ -35,8 +35,8 @@ void CoreChains::find() {
   }
 }
 
-// To the next anchor, or around a cycle.
-void CoreChains::follow(int from, int first, std::vector<Chain>& found) {
+// Follows the edges to the next anchor, or around a cycle.
+void CorePaths::follow(int from, int first, std::vector<Path>& found) {
   const std::size_t begin = inner_.size();
   int before = from;
   int v = first;
@@ -50,9 +50,9 @@ void CoreChains::follow(int from, int first, std::vector<Chain>& found) {
   found.push_back({from, v, begin, inner_.size()});
 }
 
-// The other end of the other edge: `before` again where both lead there, the first one's where `before` is
-// at neither.
-int CoreChains::next_vertex(int before, int v) const {
+// Returns the neighbour reached by the edge that does not lead to `before`; for a double edge, `before`
+// itself. Returns the first neighbour in the core if no edge leads to `before`.
+int CorePaths::next_vertex(int before, int v) const {
   bool is_passed = false;
   for (const int neighbour : graph_.neighbours(v)) {
     if (neighbour == before && !is_passed) {
