@@ -25,7 +25,6 @@ using SparsePermutation = std::vector<PointMove>;
 class PermutationList {
  public:
   std::size_t size() const { return ends_.size(); }
-  bool empty() const { return ends_.empty(); }
 
   std::span<const PointMove> operator[](std::size_t i) const {
     const std::size_t begin = i == 0 ? 0 : ends_[i - 1];

@@ -1,10 +1,10 @@
 // Reduction of a graph to its vertices of degree three and more.
 //
 // Most vertices of a composition graph have degree one or two: local variables, and often submodels and
-// joins. Pendant trees are taken off, leaf by leaf. The core paths of what is left are replaced by edges, and
-// all paths between two vertices by one edge with a weight that tells what they are made of. What is taken
-// out joins the fibre of a vertex or edge of the reduced graph (fibre_forest.h, core_paths.h). The
-// automorphism group is then the product of
+// joins. Pendant trees are taken off, leaf by leaf. In what is left, all core paths between two anchors are
+// replaced by one edge, with a weight that tells what they are made of. What is taken out joins the fibre of
+// a vertex or edge of the reduced graph (fibre_forest.h, core_paths.h). The automorphism group is then the
+// product of
 //
 //   - the fibres' own symmetries: exchanges of twins, exchanges of parallel core paths, reversals of a core
 //     path from a vertex back to it, exchanges of whole components that are trees or cycles, rotations and

@@ -214,9 +214,8 @@ TEST(AutomorphismSearch, FindsTwiceTheSquareOfTheOrderForTwoCopiesOfACubicGraph)
   }
 }
 
-// Two roots, each joined to a triangle and a square of its own. With the roots exchanged, the first choice of
-// a vertex for the triangle's may fall on a square, and only going back to another one finds the
-// automorphism.
+// Two roots, each joined to a triangle and a square of its own. When the roots are exchanged, the first image
+// tried for a vertex of the triangle may lie on the square. Then only another choice finds the automorphism.
 TEST(AutomorphismSearch, GoesBackToOtherChoices) {
   Graph rooted{2, {2}, {}};
   for (const int root : {0, 1}) {
@@ -229,7 +228,7 @@ TEST(AutomorphismSearch, GoesBackToOtherChoices) {
   }
 }
 
-// A star whose first path has one level per leaf. Generators move two leaves each.
+// The first path of a star has one level for each leaf. Every generator moves two leaves.
 TEST(AutomorphismSearch, TakesOneGeneratorOfTwoLeavesForEveryLevelOfAStar) {
   constexpr int kLeaves = 50'000;
   std::vector<Edge> edges;
