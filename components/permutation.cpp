@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <numeric>
 #include <ostream>
-#include <span>
 #include <string>
 #include <utility>
 
@@ -35,6 +34,11 @@ int Permutation::GetIth(int i) const {
   return i >= 0 && i < n && index < images_.size() ? images_[index] : -1;
 }
 
+bool Permutation::IsPermutation() const {
+  if (n < 0 || static_cast<std::size_t>(n) > images_.size()) return false;
+  return detail::is_permutation({images_.data(), static_cast<std::size_t>(n)});
+}
+
 bool Permutation::IsIdentity() const {
   for (int i = 0; i < n; ++i) {
     if (GetIth(i) != i) return false;
@@ -42,14 +46,9 @@ bool Permutation::IsIdentity() const {
   return true;
 }
 
-bool Permutation::IsPermutation() const {
-  return static_cast<std::size_t>(std::max(n, 0)) <= images_.size() &&
-         detail::is_permutation(std::span(images_.data(), static_cast<std::size_t>(std::max(n, 0))));
-}
-
-// The whole text is put together before it is written: tables of thousands of permutations are printed, and a
-// stream's formatted output costs more than the digits. None is made for a stream that takes nothing (a host
-// may have given it no buffer). Images that are no points end their cycle.
+// The whole text is put together before it is written, because tables of thousands of permutations are
+// printed and a stream's formatted output costs more than the digits. A stream that takes nothing gets no
+// text (a host may have given it no buffer). An image that is no point ends its cycle.
 std::ostream& operator<<(std::ostream& out, const Permutation& permutation) {
   if (!out) return out;
   std::string text;

@@ -18,7 +18,7 @@ class Permutation {
   // The identity on n points (none for a negative n).
   explicit Permutation(int n);
 
-  // Copies the images p[0 .. n-1]. They are taken as they are: whether they are a permutation is not checked.
+  // Copies the images p[0 .. n-1] without a check: they may be no permutation, see IsPermutation.
   Permutation(int n, const int* p);
 
   Permutation(const Permutation&) = default;
@@ -32,14 +32,15 @@ class Permutation {
   int* GetP() { return images_.data(); }
   const int* GetP() const { return images_.data(); }
 
-  // The image of point i, or -1 where i is no point of this permutation.
+  // Returns the image of point i, or -1 if i is no point of this permutation.
   int GetIth(int i) const;
   int operator[](int i) const { return GetIth(i); }
 
+  // Returns true if every point is the image of exactly one point.
+  bool IsPermutation() const;
+
   bool IsIdentity() const;
 
-  // True if every point is the image of exactly one point.
-  bool IsPermutation() const;
 
   // The point count. A caller that overwrites the first images through GetP may lower it.
   int n;

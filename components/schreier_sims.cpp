@@ -1,7 +1,6 @@
 #include "components/schreier_sims.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
 
 #include "engines/group/stabiliser_chain.h"
@@ -9,16 +8,12 @@
 namespace symfold {
 namespace {
 
-// The moves of a permutation of n points; none for the identity and for what is no such permutation.
+// Returns the moves of a permutation of n points; none for the identity and for any other value.
 detail::SparsePermutation sparse(const Permutation& permutation, int n) {
   detail::SparsePermutation moves;
-  if (permutation.GetN() != n) return moves;
-  std::vector<char> is_image(static_cast<std::size_t>(n), 0);
+  if (permutation.GetN() != n || !permutation.IsPermutation()) return moves;
   for (int i = 0; i < n; ++i) {
-    const int image = permutation[i];
-    if (image < 0 || image >= n || std::exchange(is_image[static_cast<std::size_t>(image)], 1) != 0)
-      return {};
-    if (image != i) moves.push_back({i, image});
+    if (permutation[i] != i) moves.push_back({i, permutation[i]});
   }
   return moves;
 }
