@@ -5,21 +5,31 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <memory>
 #include <vector>
 
 #include "components/permutation.h"
 
 namespace symfold {
 
+namespace detail {
+class StabiliserFirstTree;
+}  // namespace detail
+
 class SchreierTree {
  public:
+  SchreierTree();
+  SchreierTree(const SchreierTree& other);
+  SchreierTree& operator=(const SchreierTree& other);
+  ~SchreierTree();
+
   // The number of points, written by the caller before anything else.
   int n = 0;
 
-  // The generators of all trees from now on. One that is no permutation of n points is left out.
+  // Sets the generators of all later trees. One that is no permutation of n points is left out.
   void SetPerms(std::vector<Permutation> perms);
 
-  // Writes the generators to standard output or to `out`, a line each.
+  // Writes the generators, a line each, to standard output or to the stream.
   void PrintPerms();
   void PrintPerms(std::ostream& out);
 
@@ -42,17 +52,9 @@ class SchreierTree {
   std::vector<ValPerms> GetAllPermutationsToRoot();
 
  private:
-  void grow(int smallest_allowed);
-
   std::vector<Permutation> perms_;
-  std::vector<int> smallest_moved_;       // per generator, n for the identity
-  std::vector<std::size_t> first_mover_;  // per point, where its generators begin in movers_
-  std::vector<int> movers_;               // the generators that move the point, ascending
   int root_ = -1;
-  std::vector<int> found_;   // the tree's points in the order found, root first
-  std::vector<int> parent_;  // per point, or -1
-  std::vector<int> via_;     // per point, the generator that moves its parent to it
-  std::vector<int> depth_;   // per point, -1 outside the tree
+  std::unique_ptr<detail::StabiliserFirstTree> tree_;  // by the numbers of perms_; never null
 };
 
 }  // namespace symfold

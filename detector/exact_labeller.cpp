@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -38,8 +37,7 @@ void copy_partition(const unsigned char* from, unsigned char* to, std::size_t co
 
 // The product of a record's permutations, in their order.
 detail::Images product_of(const ValPerms& record, std::size_t point_count) {
-  detail::Images images(point_count);
-  std::iota(images.begin(), images.end(), 0U);
+  auto images = detail::identity_images<detail::Images>(point_count);
   for (const Permutation& permutation : record.Perms) {
     if (permutation.GetN() != static_cast<int>(point_count) || !permutation.IsPermutation()) {
       throw std::invalid_argument("expected permutations of " + std::to_string(point_count) +

@@ -6,6 +6,7 @@
 
 #include "engines/base/images.h"
 #include "engines/base/point_vector.h"
+#include "engines/group/orbit_tree.h"
 
 namespace symfold::detail {
 namespace {
@@ -14,8 +15,7 @@ using Images = PointVector<int>;
 
 class ShortcutBuilder {
  public:
-  ShortcutBuilder(int n, StabiliserChain& chain)
-      : chain_(chain), steps_(n), via_(n, -1), parent_(n, -1), depth_(n, -1) {}
+  ShortcutBuilder(int n, StabiliserChain& chain) : chain_(chain), steps_(n), tree_(n) {}
 
   // From the last base point up, whose generators belong to the stabilisers of all base points before it.
   void run() {
@@ -30,7 +30,7 @@ class ShortcutBuilder {
       const int length = chain_.orbit_lengths[i];
       const int log_length = static_cast<int>(std::bit_width(static_cast<unsigned>(length - 1)));
       grow_tree(chain_.base[i]);
-      if (depth_[orbit_.back()] > std::max(2, log_length)) add_doublings(chain_.base[i]);
+      if (tree_.depth(tree_.points().back()) > std::max(2, log_length)) add_doublings(chain_.base[i]);
     }
   }
 
@@ -47,20 +47,10 @@ class ShortcutBuilder {
   }
 
   void grow_tree(int root) {
-    for (const int point : orbit_) depth_[point] = -1;
-    orbit_.clear();
-    orbit_.push_back(root);
-    depth_[root] = 0;
-    for (int i = 0; i < orbit_.size(); ++i) {
-      const int point = orbit_[i];
-      for (const auto& [generator, image] : steps_[point]) {
-        if (depth_[image] >= 0) continue;
-        depth_[image] = depth_[point] + 1;
-        parent_[image] = point;
-        via_[image] = generator;
-        orbit_.push_back(image);
-      }
-    }
+    tree_.set_root(root);
+    tree_.grow([&](int point, const auto& step) {
+      for (const auto& [generator, image] : steps_[point]) step(generator, image);
+    });
   }
 
   // The tree is grown anew after every addition, so that the next element has a short path.
@@ -69,11 +59,12 @@ class ShortcutBuilder {
     std::vector<Images> back;
     for (;;) {
       const std::vector<char> is_reached = reached_points(root, there, back);
-      const auto outside = std::find_if(orbit_.begin(), orbit_.end(), [&is_reached](int point) {
+      const auto& orbit = tree_.points();
+      const auto outside = std::find_if(orbit.begin(), orbit.end(), [&is_reached](int point) {
         return is_reached[static_cast<std::size_t>(point)] == 0;
       });
-      if (outside == orbit_.end()) return;
-      there.push_back(path_to(root, *outside));
+      if (outside == orbit.end()) return;
+      there.push_back(path_to(*outside));
       back.push_back(inverse(there.back()));
       add_generator(there.back());
       add_generator(back.back());
@@ -101,13 +92,13 @@ class ShortcutBuilder {
 
   // The product of the generators on the tree's path from the root to the point. Composing from the end of
   // the path applies each generator before those already there.
-  Images path_to(int root, int point) const {
+  Images path_to(int point) const {
     Images images = identity_images(steps_.size());
-    for (; point != root; point = parent_[point]) {
+    tree_.walk_to_root(point, [&](int generator) {
       const Images later = images;
-      for (const auto& [x, image] : chain_.generators[static_cast<std::size_t>(via_[point])])
+      for (const auto& [x, image] : chain_.generators[static_cast<std::size_t>(generator)])
         images[x] = later[image];
-    }
+    });
     return images;
   }
 
@@ -124,10 +115,7 @@ class ShortcutBuilder {
 
   StabiliserChain& chain_;
   PointVector<std::vector<Step>> steps_;  // per point, of the generators in use
-  PointVector<int> orbit_;                // the latest tree's points, breadth-first
-  PointVector<int> via_;                  // valid for these, as the next two
-  PointVector<int> parent_;
-  PointVector<int> depth_;
+  OrbitTree tree_;                        // the latest
 };
 
 }  // namespace

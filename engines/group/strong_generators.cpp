@@ -8,6 +8,7 @@
 #include "engines/base/images.h"
 #include "engines/base/point_vector.h"
 #include "engines/base/union_find.h"
+#include "engines/group/orbit_tree.h"
 
 namespace symfold::detail {
 namespace {
@@ -43,7 +44,7 @@ class ChainBuilder {
   std::vector<int> orbit_lengths() const {
     std::vector<int> lengths;
     for (const Level& level : levels_) {
-      if (!level.orbit.empty()) lengths.push_back(level.orbit.size());
+      if (!level.tree.empty()) lengths.push_back(level.tree.size());
     }
     return lengths;
   }
@@ -55,7 +56,7 @@ class ChainBuilder {
     for (int p = levels_.size() - 1; p >= 0; --p) {
       for (const int g : levels_[p].generators) {
         const Generator& generator = generators_[g];
-        if (generator.smallest != p || orbits.size_of_class(p) == levels_[p].orbit.size()) continue;
+        if (generator.smallest != p || orbits.size_of_class(p) == levels_[p].tree.size()) continue;
         for (int x = p; x < levels_.size(); ++x) orbits.unite(x, generator.images[x]);
         kept.push_back(generator.images);
       }
@@ -72,8 +73,7 @@ class ChainBuilder {
   // The level of point p; without generators where nothing has been found that moves p and fixes all below.
   struct Level {
     std::vector<int> generators;  // those whose smallest moved point is p or above
-    PointVector<int> orbit;       // p first; empty while no generator moves p
-    PointVector<int> via;         // per point, the generator that leads there from nearer to p; -1 outside
+    OrbitTree tree;               // of p; empty while no generator moves p
   };
 
   // Multiplies until the identity is left, giving the degree, or until the smallest moved point, which it
@@ -82,8 +82,8 @@ class ChainBuilder {
     for (int p = 0; p < levels_.size(); ++p) {
       if (images[p] == p) continue;
       const Level& level = levels_[p];
-      if (level.orbit.empty() || level.via[images[p]] < 0) return p;
-      while (images[p] != p) multiply(images, generators_[level.via[images[p]]].inverse);
+      if (level.tree.empty() || !level.tree.contains(images[p])) return p;
+      level.tree.walk_to_root(images[p], [&](int g) { multiply(images, generators_[g].inverse); });
     }
     return levels_.size();
   }
@@ -92,42 +92,43 @@ class ChainBuilder {
     Images backwards = inverse(images);
     generators_.push_back({std::move(images), std::move(backwards), smallest});
     Level& own = levels_[smallest];
-    if (own.orbit.empty()) {
-      own.via.assign(levels_.size(), -1);
-      own.orbit.push_back(smallest);
+    if (own.tree.empty()) {
+      own.tree = OrbitTree(levels_.size());
+      own.tree.set_root(smallest);
     }
-    for (int p = 0; p <= smallest; ++p) extend(levels_[p], p, generators_.size() - 1);
+    for (int p = 0; p <= smallest; ++p) extend(levels_[p], generators_.size() - 1);
   }
 
   // The new generator is tried on the old points, all generators on the new ones.
-  void extend(Level& level, int p, int new_generator) {
+  void extend(Level& level, int new_generator) {
     level.generators.push_back(new_generator);
-    const int old_length = level.orbit.size();
-    for (int i = 0; i < level.orbit.size(); ++i) {
+    const int old_length = level.tree.size();
+    for (int i = 0; i < level.tree.size(); ++i) {
+      const int point = level.tree.points()[i];
       if (i < old_length) {
-        reach(level, p, level.orbit[i], new_generator);
+        reach(level.tree, point, new_generator);
       } else {
-        for (const int g : level.generators) reach(level, p, level.orbit[i], g);
+        for (const int g : level.generators) reach(level.tree, point, g);
       }
     }
   }
 
-  void reach(Level& level, int p, int point, int g) {
+  void reach(OrbitTree& tree, int point, int g) {
     const int image = generators_[g].images[point];
-    if (image == p || level.via[image] >= 0) return;
-    level.via[image] = g;
-    level.orbit.push_back(image);
+    if (!tree.contains(image)) tree.add(image, point, g);
   }
 
   // Absorbs the first Schreier generator of level p that gets stuck and gives the point where it did; -1 for
   // none.
   int first_stuck_schreier_generator(int p) {
     const Level& level = levels_[p];
-    for (int i = 0; i < level.orbit.size(); ++i) {
-      const Images representative = path_to(level, p, level.orbit[i]);
+    for (int i = 0; i < level.tree.size(); ++i) {
+      const int point = level.tree.points()[i];
+      const Images representative = path_to(level.tree, point);
       for (const int g : level.generators) {
-        const int image = generators_[g].images[level.orbit[i]];
-        if (level.via[image] == g && image != p) continue;  // an edge of the tree gives the identity
+        const int image = generators_[g].images[point];
+        if (image != p && level.tree.generator(image) == g)
+          continue;  // an edge of the tree gives the identity
         Images images = representative;
         multiply(images, generators_[g].images);
         const int stuck = sift(images);
@@ -139,14 +140,10 @@ class ChainBuilder {
     return -1;
   }
 
-  // The coset representative: carries p to the orbit's point.
-  Images path_to(const Level& level, int p, int point) const {
+  // The coset representative: carries the root to the point.
+  Images path_to(const OrbitTree& tree, int point) const {
     Images backwards = identity_images(levels_.size());
-    while (point != p) {
-      const Images& inverse = generators_[level.via[point]].inverse;
-      multiply(backwards, inverse);
-      point = inverse[point];
-    }
+    tree.walk_to_root(point, [&](int g) { multiply(backwards, generators_[g].inverse); });
     return inverse(backwards);
   }
 

@@ -1,14 +1,16 @@
 #include "engines/largest_image/block_recognition.h"
 
 #include <algorithm>
-#include <numeric>
 #include <set>
+
+#include "engines/base/images.h"
+#include "engines/largest_image/block_system.h"
 
 namespace symfold::detail {
 namespace {
 
-// Orbits from which blocks are tried to be made.
-constexpr std::size_t kOrbitsTried = 4;
+// Orbits that are tried as the beginning of blocks.
+constexpr std::size_t kMaxOrbits = 4;
 
 using Positions = std::vector<std::uint32_t>;
 
@@ -20,9 +22,9 @@ class BlockRecognition {
   std::optional<RecognisedBlocks> run();
 
  private:
-  std::optional<RecognisedBlocks> complete(const Positions& orbit, Classes classes);
-  bool coarsen(const Positions& orbit, Classes& classes) const;
-  std::vector<Images> actions_on(const Positions& firsts, Classes& classes) const;
+  std::optional<RecognisedBlocks> complete(const Positions& orbit, BlockSystem classes);
+  bool coarsen(const Positions& orbit, BlockSystem& classes) const;
+  std::vector<Images> actions_on(const Positions& firsts, BlockSystem& classes) const;
   std::optional<RecognisedBlocks> prove(std::vector<Positions> blocks) const;
   bool has_neighbour_swaps(const std::vector<Positions>& blocks) const;
 
@@ -31,16 +33,16 @@ class BlockRecognition {
   std::vector<Positions> orbits_;
 };
 
-// The first members of the classes on an orbit.
-Positions first_members(const Positions& orbit, Classes& classes) {
+// Returns the first members of the classes on an orbit, ascending.
+Positions first_members(const Positions& orbit, BlockSystem& classes) {
   Positions firsts;
-  for (const std::uint32_t position : orbit) firsts.push_back(classes.find(position));
+  for (const std::uint32_t position : orbit) firsts.push_back(classes.first_member(position));
   std::sort(firsts.begin(), firsts.end());
   firsts.erase(std::unique(firsts.begin(), firsts.end()), firsts.end());
   return firsts;
 }
 
-// Equal lengths, and the k-th positions ascending for every k.
+// Returns true if all lengths are equal and, for every k, the k-th positions of the blocks ascend.
 bool are_interleaved_in_one_pattern(const std::vector<Positions>& blocks) {
   for (std::size_t b = 1; b < blocks.size(); ++b) {
     if (blocks[b].size() != blocks[0].size()) return false;
@@ -51,10 +53,10 @@ bool are_interleaved_in_one_pattern(const std::vector<Positions>& blocks) {
   return true;
 }
 
-// From the single positions of an orbit to ever coarser classes of them.
+// Starts with the single positions of an orbit and goes on to ever coarser classes of them.
 std::optional<RecognisedBlocks> BlockRecognition::run() {
-  for (std::size_t i = 0; i < std::min(orbits_.size(), kOrbitsTried); ++i) {
-    Classes classes(group_.size());
+  for (std::size_t i = 0; i < std::min(orbits_.size(), kMaxOrbits); ++i) {
+    BlockSystem classes(group_.size());
     do {
       if (auto blocks = complete(orbits_[i], classes)) return blocks;
     } while (coarsen(orbits_[i], classes));
@@ -63,15 +65,15 @@ std::optional<RecognisedBlocks> BlockRecognition::run() {
 }
 
 // Adds the positions of the other orbits to the classes of this one.
-std::optional<RecognisedBlocks> BlockRecognition::complete(const Positions& orbit, Classes classes) {
+std::optional<RecognisedBlocks> BlockRecognition::complete(const Positions& orbit, BlockSystem classes) {
   const Positions blocks = first_members(orbit, classes);
   if (blocks.size() < 2) return std::nullopt;
   for (const Positions& other : orbits_) {
     const Positions placed = first_members(orbit, classes);
-    if (std::binary_search(placed.begin(), placed.end(), classes.find(other[0]))) continue;
+    if (std::binary_search(placed.begin(), placed.end(), classes.first_member(other[0]))) continue;
     bool is_placed = false;
     for (std::size_t b = 0; b < blocks.size() && !is_placed; ++b) {
-      Classes trial = classes;
+      BlockSystem trial = classes;
       trial.unite_invariantly(other[0], blocks[b], sample_);
       is_placed = first_members(orbit, trial).size() == blocks.size();
       if (is_placed) classes = std::move(trial);
@@ -81,18 +83,18 @@ std::optional<RecognisedBlocks> BlockRecognition::complete(const Positions& orbi
   return prove(classes.lists());
 }
 
-// Makes the classes on the orbit coarser by the least step; false where only one class would be left. Tried
-// on the classes alone, as points of their own.
-bool BlockRecognition::coarsen(const Positions& orbit, Classes& classes) const {
+// Makes the classes on the orbit coarser by the smallest step. Returns false if only one class would be left.
+// The steps are tried on the classes as points, which are fewer than the positions.
+bool BlockRecognition::coarsen(const Positions& orbit, BlockSystem& classes) const {
   const Positions firsts = first_members(orbit, classes);
   const std::vector<Images> actions = actions_on(firsts, classes);
-  std::vector<const Images*> letters;
-  letters.reserve(actions.size());
-  for (const Images& action : actions) letters.push_back(&action);
+  std::vector<const Images*> generators;
+  generators.reserve(actions.size());
+  for (const Images& action : actions) generators.push_back(&action);
   std::size_t finest = 0;
   std::size_t fewest_unions = firsts.size() - 1;
   for (std::uint32_t i = 1; i < firsts.size() && 2 * fewest_unions > firsts.size(); ++i) {
-    const std::size_t unions = Classes(firsts.size()).unite_invariantly(0, i, letters);
+    const std::size_t unions = BlockSystem(firsts.size()).unite_invariantly(0, i, generators);
     if (unions >= fewest_unions) continue;
     fewest_unions = unions;
     finest = i;
@@ -102,22 +104,22 @@ bool BlockRecognition::coarsen(const Positions& orbit, Classes& classes) const {
   return true;
 }
 
-// What the sample does to the classes, which are invariant, of these first members.
-std::vector<Images> BlockRecognition::actions_on(const Positions& firsts, Classes& classes) const {
+// Returns what the sample does to the classes of these first members. The classes are invariant.
+std::vector<Images> BlockRecognition::actions_on(const Positions& firsts, BlockSystem& classes) const {
   Positions number(group_.size());
   for (std::uint32_t i = 0; i < firsts.size(); ++i) number[firsts[i]] = i;
   std::vector<Images> actions;
-  for (const Images* letter : sample_) {
+  for (const Images* generator : sample_) {
     Images& images = actions.emplace_back();
-    for (const std::uint32_t first : firsts) images.push_back(number[classes.find((*letter)[first])]);
+    for (const std::uint32_t first : firsts)
+      images.push_back(number[classes.first_member((*generator)[first])]);
   }
   return actions;
 }
 
 bool BlockRecognition::has_neighbour_swaps(const std::vector<Positions>& blocks) const {
   for (std::size_t b = 1; b < blocks.size(); ++b) {
-    Images swap(group_.size());
-    std::iota(swap.begin(), swap.end(), 0U);
+    Images swap = identity_images<Images>(group_.size());
     for (std::size_t k = 0; k < blocks[b].size(); ++k) std::swap(swap[blocks[b - 1][k]], swap[blocks[b][k]]);
     if (!group_.contains(swap)) return false;
   }

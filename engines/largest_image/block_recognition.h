@@ -1,4 +1,5 @@
-// Whether a group permutes blocks of positions in every way: a symmetric group, or a wreath product with one.
+// Recognises groups that permute blocks of positions in every way: symmetric groups and wreath products with
+// one.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_RECOGNITION_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_RECOGNITION_H
@@ -15,9 +16,9 @@ struct RecognisedBlocks {
   std::vector<Images> inner;                       // generators of the group inside a block
 };
 
-// Proved: neighbouring blocks can be exchanged, every generator carries blocks onto blocks, and what it does
-// inside them, brought to the first block, is in the group with the other blocks fixed. Nothing where no such
-// blocks are found.
+// Returns nothing if no such blocks are found. What is returned is proved: neighbouring blocks can be
+// exchanged, every generator carries blocks onto blocks, and what it does inside a block, brought to the
+// first one, is in the group with the other blocks fixed.
 std::optional<RecognisedBlocks> recognise_blocks(const Subgroup& group);
 
 }  // namespace symfold::detail

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <numeric>
 
+#include "engines/base/images.h"
 #include "engines/group/stabiliser_chain.h"
 #include "engines/largest_image/subgroup.h"
-#include "engines/largest_image/table_group.h"
 
 namespace symfold::detail {
 namespace {
@@ -29,36 +29,37 @@ SparsePermutation moves_of(const Images& images) {
 }
 
 Images images_of(const SparsePermutation& moves, std::size_t point_count) {
-  Images images(point_count);
-  std::iota(images.begin(), images.end(), 0U);
+  Images images = identity_images<Images>(point_count);
   for (const auto& [point, image] : moves) {
     images[static_cast<std::size_t>(point)] = static_cast<std::uint32_t>(image);
   }
   return images;
 }
 
-// By a breadth-first walk from the base.
-ChainLevel make_level(std::uint32_t base, const std::vector<const Images*>& stabiliser) {
+StabiliserLevel make_level(std::uint32_t base, const std::vector<const Images*>& stabiliser,
+                           OrbitTree& tree) {
   const std::size_t count = stabiliser.front()->size();
-  ChainLevel level{base, {base}, {Images(count)}};
-  std::iota(level.transversal[0].begin(), level.transversal[0].end(), 0U);
-  std::vector<bool> is_reached(count);
-  is_reached[base] = true;
-  for (std::size_t i = 0; i < level.orbit.size(); ++i) {
-    for (const Images* generator : stabiliser) {
-      const std::uint32_t image = (*generator)[level.orbit[i]];
-      if (is_reached[image]) continue;
-      is_reached[image] = true;
-      level.orbit.push_back(image);
-      level.transversal.push_back(composed(level.transversal[i], inverse(*generator)));
+  build_tree(base, stabiliser, tree);
+  StabiliserLevel level{base, {}, {}};
+  std::vector<std::size_t> place_of(count);
+  for (const int point : tree.points()) {
+    const auto position = static_cast<std::size_t>(point);
+    if (level.orbit.empty()) {
+      level.transversal.push_back(identity_images<Images>(count));
+    } else {
+      const Images& generator = *stabiliser[static_cast<std::size_t>(tree.generator(point))];
+      const std::size_t parent = place_of[static_cast<std::size_t>(tree.parent(point))];
+      level.transversal.push_back(composed(level.transversal[parent], inverse(generator)));
     }
+    place_of[position] = level.orbit.size();
+    level.orbit.push_back(static_cast<std::uint32_t>(position));
   }
   return level;
 }
 
 // The levels of the group that these generate.
-std::vector<ChainLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
-                                  std::size_t max_images) {
+std::vector<StabiliserLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
+                                       std::size_t max_images) {
   std::vector<SparsePermutation> permutations;
   for (const Images* images : generators) permutations.push_back(moves_of(*images));
   const StabiliserChain chain =
@@ -68,30 +69,30 @@ std::vector<ChainLevel> levels_of(std::size_t point_count, const std::vector<con
   if (elements * point_count > max_images) return {};
   std::vector<Images> strong;
   for (const SparsePermutation& moves : chain.generators) strong.push_back(images_of(moves, point_count));
-  std::vector<ChainLevel> levels;
+  OrbitTree tree(static_cast<int>(point_count));
+  std::vector<StabiliserLevel> levels;
   for (const int point : chain.base) {
     std::vector<const Images*> stabiliser;
     for (const Images& images : strong) {
       if (fixes_below(images, static_cast<std::size_t>(point))) stabiliser.push_back(&images);
     }
-    levels.push_back(make_level(static_cast<std::uint32_t>(point), stabiliser));
+    levels.push_back(make_level(static_cast<std::uint32_t>(point), stabiliser, tree));
   }
   return levels;
 }
 
-// The transversal of the first base point alone has this many.
+// Returns the number of entries in the transversal of the first base point alone.
 std::size_t least_images(std::size_t point_count, const std::vector<const Images*>& generators) {
-  Classes classes(point_count);
-  for (const Images* images : generators) {
-    for (std::uint32_t x = 0; x < point_count; ++x) classes.unite(x, (*images)[x]);
+  UnionFind orbits(static_cast<int>(point_count));
+  for (const Images* images : generators) unite_with_images(*images, orbits);
+  for (int x = 0; x < static_cast<int>(point_count); ++x) {
+    if (orbits.size_of_class(x) > 1) return static_cast<std::size_t>(orbits.size_of_class(x)) * point_count;
   }
-  const std::vector<std::vector<std::uint32_t>> orbits = classes.lists();
-  const auto first = std::ranges::find_if(orbits, [](const auto& orbit) { return orbit.size() > 1; });
-  return first == orbits.end() ? 0 : first->size() * point_count;
+  return 0;
 }
 
-bool contains(const std::vector<ChainLevel>& levels, Images g) {
-  for (const ChainLevel& level : levels) {
+bool contains(const std::vector<StabiliserLevel>& levels, Images g) {
+  for (const StabiliserLevel& level : levels) {
     const auto place = std::find(level.orbit.begin(), level.orbit.end(), g[level.base]);
     if (place == level.orbit.end()) return false;
     if (place == level.orbit.begin()) continue;
@@ -105,26 +106,27 @@ bool contains(const std::vector<ChainLevel>& levels, Images g) {
 
 // Of a sample of the generators, and ever more of those that this leaves out: tables hold a generator for
 // each point of an orbit, of which few are needed.
-std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
-                                   std::size_t max_images) {
+std::vector<StabiliserLevel> make_stabiliser_levels(std::size_t point_count,
+                                                    const std::vector<Images>& generators,
+                                                    std::size_t max_images) {
   std::vector<const Images*> used = sample_of(generators);
   if (least_images(point_count, used) > max_images) return {};
   for (;;) {
-    std::vector<ChainLevel> levels = levels_of(point_count, used, max_images);
+    std::vector<StabiliserLevel> levels = levels_of(point_count, used, max_images);
     if (levels.empty()) return levels;
-    const std::size_t most = 2 * used.size();
+    const std::size_t max_used = 2 * used.size();
     const std::size_t before = used.size();
     for (const Images& generator : generators) {
-      if (used.size() < most && !contains(levels, generator)) used.push_back(&generator);
+      if (used.size() < max_used && !contains(levels, generator)) used.push_back(&generator);
     }
     if (used.size() == before) return levels;
   }
 }
 
-ChainSearch::ChainSearch(std::size_t position_count, std::vector<ChainLevel> levels,
+ChainSearch::ChainSearch(std::size_t position_count, std::vector<StabiliserLevel> levels,
                          std::size_t max_candidates)
     : position_count_(position_count),
-      levels_(std::make_shared<const std::vector<ChainLevel>>(std::move(levels))),
+      levels_(std::make_shared<const std::vector<StabiliserLevel>>(std::move(levels))),
       max_candidates_(max_candidates) {}
 
 bool ChainSearch::maximise(Placed* word) {
@@ -132,7 +134,7 @@ bool ChainSearch::maximise(Placed* word) {
   candidates_.assign(word, word + position_count_);
   candidate_count_ = 1;
   std::size_t settled = 0;
-  for (const ChainLevel& level : *levels_) {
+  for (const StabiliserLevel& level : *levels_) {
     keep_largest(settled, level.base);
     if (!descend(level)) is_exact = false;
     settled = level.base + 1;
@@ -159,7 +161,7 @@ void ChainSearch::keep_largest(std::size_t begin, std::size_t end) {
 
 // Replaces the candidates by those of their images that have the largest value at the base point. False where
 // there are too many.
-bool ChainSearch::descend(const ChainLevel& level) {
+bool ChainSearch::descend(const StabiliserLevel& level) {
   std::uint64_t best = 0;
   for (std::size_t i = 0; i < candidate_count_; ++i) {
     for (const std::uint32_t point : level.orbit) best = std::max(best, candidate(i)[point].value);

@@ -22,7 +22,7 @@ namespace symfold::detail {
 
 // A base point, its orbit under the elements that fix all points below it, and for each point of the orbit
 // such an element that carries it to the base point.
-struct ChainLevel {
+struct StabiliserLevel {
   std::uint32_t base;
   std::vector<std::uint32_t> orbit;
   std::vector<Images> transversal;
@@ -30,23 +30,24 @@ struct ChainLevel {
 
 // The levels of the group that these permutations generate, base points ascending. Complete by proof. Empty
 // where the transversals would have more than `max_images` entries.
-std::vector<ChainLevel> make_chain(std::size_t point_count, const std::vector<Images>& generators,
-                                   std::size_t max_images);
+std::vector<StabiliserLevel> make_stabiliser_levels(std::size_t point_count,
+                                                    const std::vector<Images>& generators,
+                                                    std::size_t max_images);
 
 class ChainSearch : public ImageSearch {
  public:
-  ChainSearch(std::size_t position_count, std::vector<ChainLevel> levels, std::size_t max_candidates);
+  ChainSearch(std::size_t position_count, std::vector<StabiliserLevel> levels, std::size_t max_candidates);
   std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ChainSearch>(*this); }
   bool maximise(Placed* word) override;
 
  private:
   Placed* candidate(std::size_t i) { return candidates_.data() + i * position_count_; }
-  bool descend(const ChainLevel& level);
+  bool descend(const StabiliserLevel& level);
   void keep_largest(std::size_t begin, std::size_t end);
   void merge_equal(std::size_t settled);
 
   std::size_t position_count_;
-  std::shared_ptr<const std::vector<ChainLevel>> levels_;
+  std::shared_ptr<const std::vector<StabiliserLevel>> levels_;
   std::size_t max_candidates_;
   std::size_t candidate_count_ = 0;
   std::vector<Placed> candidates_;  // one word after the other

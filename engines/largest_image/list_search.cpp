@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "engines/largest_image/table_group.h"
+#include "engines/base/images.h"
 
 namespace symfold::detail {
 

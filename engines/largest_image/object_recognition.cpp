@@ -1,14 +1,15 @@
 #include "engines/largest_image/object_recognition.h"
 
 #include <algorithm>
-#include <numeric>
 #include <random>
+
+#include "engines/base/images.h"
 
 namespace symfold::detail {
 namespace {
 
 constexpr std::size_t kStabiliserElements = 24;
-constexpr std::size_t kStepsOfWalk = 16;
+constexpr std::size_t kWalkSteps = 16;
 constexpr std::uint32_t kNone = ObjectPositions::kNone;
 
 using Positions = std::vector<std::uint32_t>;
@@ -20,24 +21,17 @@ class ObjectRecognition {
   std::optional<ObjectPositions> run(std::size_t max_entries);
 
  private:
-  // The walk from an orbit's first point: how each other point is reached.
-  struct Tree {
-    Positions points;
-    Positions parent;                 // by point
-    std::vector<std::size_t> letter;  // by point: the generator that carries the parent here
-  };
-
-  Tree make_tree(std::uint32_t root) const;
-  std::vector<Images> stabiliser_elements(const Tree& tree);
+  std::vector<Images> stabiliser_elements();
   Positions objects_apart(const std::vector<Images>& stabiliser, bool& is_unordered) const;
   bool add_orbit(const Positions& orbit);
-  void add_kind(const Tree& tree, const Positions& objects, bool is_unordered);
+  void add_kind(const Positions& objects, bool is_unordered);
   ObjectPositions numbered() const;
   bool is_proved(const ObjectPositions& objects) const;
 
   const Subgroup& group_;
-  std::vector<const Images*> letters_;
-  std::vector<Images> inverses_;
+  std::vector<const Images*> sample_;
+  std::vector<Images> inverses_;  // of the sample
+  OrbitTree tree_;                // of the latest orbit's first point, by the sample
   std::mt19937 random_{1};
   std::vector<Positions> classes_;  // of objects, named by the positions that are the objects
   std::vector<ObjectPair> pairs_;   // by position, of objects named so
@@ -45,8 +39,11 @@ class ObjectRecognition {
 };
 
 ObjectRecognition::ObjectRecognition(const Subgroup& group)
-    : group_(group), letters_(sample_of(group.generators())), pairs_(group.size()) {
-  for (const Images* letter : letters_) inverses_.push_back(inverse(*letter));
+    : group_(group),
+      sample_(sample_of(group.generators())),
+      tree_(static_cast<int>(group.size())),
+      pairs_(group.size()) {
+  for (const Images* generator : sample_) inverses_.push_back(inverse(*generator));
 }
 
 std::optional<ObjectPositions> ObjectRecognition::run(std::size_t max_entries) {
@@ -61,91 +58,80 @@ std::optional<ObjectPositions> ObjectRecognition::run(std::size_t max_entries) {
   return objects;
 }
 
-ObjectRecognition::Tree ObjectRecognition::make_tree(std::uint32_t root) const {
-  Tree tree{{root}, Positions(group_.size(), kNone), std::vector<std::size_t>(group_.size())};
-  tree.parent[root] = root;
-  for (std::size_t i = 0; i < tree.points.size(); ++i) {
-    for (std::size_t letter = 0; letter < letters_.size(); ++letter) {
-      const std::uint32_t image = (*letters_[letter])[tree.points[i]];
-      if (tree.parent[image] != kNone) continue;
-      tree.parent[image] = tree.points[i];
-      tree.letter[image] = letter;
-      tree.points.push_back(image);
-    }
-  }
-  return tree;
-}
-
-// Random elements, brought back along the tree so that they fix its root.
-std::vector<Images> ObjectRecognition::stabiliser_elements(const Tree& tree) {
+// Returns random elements, brought back along the tree so that they fix its root.
+std::vector<Images> ObjectRecognition::stabiliser_elements() {
   std::vector<Images> elements;
-  const std::uint32_t root = tree.points[0];
-  Images walk(group_.size());
-  std::iota(walk.begin(), walk.end(), 0U);
+  const auto root = static_cast<std::size_t>(tree_.points()[0]);
+  Images walk = identity_images<Images>(group_.size());
   for (std::size_t i = 0; i < kStabiliserElements; ++i) {
-    for (std::size_t step = 0; step < kStepsOfWalk; ++step) {
-      walk = composed(*letters_[random_() % letters_.size()], walk);
+    for (std::size_t step = 0; step < kWalkSteps; ++step) {
+      walk = composed(*sample_[random_() % sample_.size()], walk);
     }
     Images element = walk;
-    for (std::uint32_t point = element[root]; point != root; point = tree.parent[point]) {
-      element = composed(inverses_[tree.letter[point]], element);
-    }
+    tree_.walk_to_root(static_cast<int>(element[root]), [&](int generator) {
+      element = composed(inverses_[static_cast<std::size_t>(generator)], element);
+    });
     elements.push_back(std::move(element));
   }
   return elements;
 }
 
-// The objects outside the largest orbit of each class under the stabiliser.
+// Returns the objects outside the largest orbit of each class under the stabiliser. A class without an orbit
+// of more than half its objects adds none.
 Positions ObjectRecognition::objects_apart(const std::vector<Images>& stabiliser, bool& is_unordered) const {
   Positions apart;
-  Classes orbits(group_.size());
-  for (const Images& element : stabiliser) {
-    for (std::uint32_t x = 0; x < group_.size(); ++x) orbits.unite(x, element[x]);
-  }
+  UnionFind orbits(static_cast<int>(group_.size()));
+  for (const Images& element : stabiliser) unite_with_images(element, orbits);
+  const auto orbit_of = [&](std::uint32_t object) {
+    return static_cast<std::size_t>(orbits.find(static_cast<int>(object)));
+  };
   for (const Positions& objects : classes_) {
     std::vector<std::size_t> size(group_.size());
-    for (const std::uint32_t object : objects) ++size[orbits.find(object)];
-    const std::uint32_t largest =
-        static_cast<std::uint32_t>(std::max_element(size.begin(), size.end()) - size.begin());
+    for (const std::uint32_t object : objects) ++size[orbit_of(object)];
+    const auto largest = static_cast<std::size_t>(std::max_element(size.begin(), size.end()) - size.begin());
     if (2 * size[largest] <= objects.size()) continue;
     for (const std::uint32_t object : objects) {
-      if (orbits.find(object) != largest) apart.push_back(object);
+      if (orbit_of(object) != largest) apart.push_back(object);
     }
   }
-  is_unordered = apart.size() == 2 && orbits.find(apart[0]) == orbits.find(apart[1]);
+  is_unordered = apart.size() == 2 && orbit_of(apart[0]) == orbit_of(apart[1]);
   return apart;
 }
 
-// As positions of objects known already, or as objects of their own.
+// Takes the orbit's positions for those of objects known already, or for objects of their own. Returns false
+// if neither fits.
 bool ObjectRecognition::add_orbit(const Positions& orbit) {
-  const Tree tree = make_tree(orbit[0]);
+  build_tree(orbit[0], sample_, tree_);
   bool is_unordered = false;
-  const Positions objects = objects_apart(stabiliser_elements(tree), is_unordered);
+  const Positions objects = objects_apart(stabiliser_elements(), is_unordered);
   if (objects.size() > 2) return false;
   if (objects.empty()) {
     classes_.push_back(orbit);
-    add_kind(tree, {orbit[0]}, false);
+    add_kind({orbit[0]}, false);
   } else {
-    add_kind(tree, objects, is_unordered);
+    add_kind(objects, is_unordered);
   }
   return true;
 }
 
-// The root belongs to the objects; the others to what the tree makes of them.
-void ObjectRecognition::add_kind(const Tree& tree, const Positions& objects, bool is_unordered) {
+// The tree's root belongs to these objects, and each other point to what the tree makes of them.
+void ObjectRecognition::add_kind(const Positions& objects, bool is_unordered) {
   const auto kind = static_cast<std::uint32_t>(is_unordered_.size());
   is_unordered_.push_back(is_unordered);
-  pairs_[tree.points[0]] = {kind, objects.front(), objects.back()};
-  for (std::size_t i = 1; i < tree.points.size(); ++i) {
-    const std::uint32_t point = tree.points[i];
-    const ObjectPair& parent = pairs_[tree.parent[point]];
-    const Images& letter = *letters_[tree.letter[point]];
-    pairs_[point] = {kind, letter[parent.first], letter[parent.second]};
+  for (const int point : tree_.points()) {
+    ObjectPair& pair = pairs_[static_cast<std::size_t>(point)];
+    if (tree_.depth(point) == 0) {
+      pair = {kind, objects.front(), objects.back()};
+      continue;
+    }
+    const ObjectPair& parent = pairs_[static_cast<std::size_t>(tree_.parent(point))];
+    const Images& generator = *sample_[static_cast<std::size_t>(tree_.generator(point))];
+    pair = {kind, generator[parent.first], generator[parent.second]};
   }
 }
 
-// Objects get their numbers in the order in which the positions name them, class after class. Unordered pairs
-// name the smaller one first.
+// Objects get their numbers class after class, within a class in the order in which the positions name them.
+// Unordered pairs name the smaller one first.
 ObjectPositions ObjectRecognition::numbered() const {
   Positions class_of(group_.size(), kNone);
   Positions class_begins{0};
@@ -183,7 +169,7 @@ bool ObjectRecognition::is_proved(const ObjectPositions& objects) const {
     }
     if (objects.images_of(images) != generator) return false;
   }
-  std::iota(images.begin(), images.end(), 0U);
+  images = identity_images<Positions>(images.size());
   for (std::size_t c = 0; c + 1 < objects.class_begins().size(); ++c) {
     for (std::uint32_t object = objects.class_begins()[c] + 1; object < objects.class_begins()[c + 1];
          ++object) {

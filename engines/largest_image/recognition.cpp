@@ -1,11 +1,12 @@
 #include "engines/largest_image/recognition.h"
 
 #include <algorithm>
-#include <numeric>
 #include <set>
 #include <stdexcept>
 #include <utility>
 
+#include "engines/base/images.h"
+#include "engines/base/union_find.h"
 #include "engines/largest_image/block_recognition.h"
 #include "engines/largest_image/block_search.h"
 #include "engines/largest_image/chain_search.h"
@@ -25,11 +26,9 @@ std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBoun
 constexpr std::size_t kShortOrbit = 16;
 
 // All elements, by multiplying those known with as few generators as are needed; nothing where there are more
-// than `most`.
-std::vector<Images> list_elements(const Subgroup& group, std::size_t most) {
-  Images identity(group.size());
-  std::iota(identity.begin(), identity.end(), 0U);
-  std::set<Images> known{std::move(identity)};
+// than `max_elements`.
+std::vector<Images> list_elements(const Subgroup& group, std::size_t max_elements) {
+  std::set<Images> known{identity_images<Images>(group.size())};
   std::vector<const Images*> elements{&*known.begin()};
   std::vector<const Images*> used;
   for (const Images& generator : group.generators()) {
@@ -39,7 +38,7 @@ std::vector<Images> list_elements(const Subgroup& group, std::size_t most) {
       for (const Images* factor : used) {
         const auto [product, is_new] = known.insert(composed(*factor, *elements[i]));
         if (!is_new) continue;
-        if (elements.size() >= most) return {};
+        if (elements.size() >= max_elements) return {};
         elements.push_back(&*product);
       }
     }
@@ -53,8 +52,8 @@ std::vector<Images> list_elements(const Subgroup& group, std::size_t most) {
 // few more elements than points in an orbit, are listed before blocks and objects are looked for in vain.
 std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const SearchBounds& bounds) {
   const std::size_t max_elements = std::min(bounds.max_elements, bounds.max_images / group.size());
-  const auto list = [&](std::size_t most) -> std::unique_ptr<ImageSearch> {
-    std::vector<Images> elements = list_elements(group, std::min(most, max_elements));
+  const auto list = [&](std::size_t count) -> std::unique_ptr<ImageSearch> {
+    std::vector<Images> elements = list_elements(group, std::min(count, max_elements));
     if (elements.empty()) return nullptr;
     return std::make_unique<ListSearch>(std::move(elements), group.positions_with_values());
   };
@@ -69,7 +68,8 @@ std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const Sea
     return std::make_unique<ObjectSearch>(*objects, group.positions_with_values(), bounds.max_candidates);
   }
   if (auto search = list(max_elements)) return search;
-  std::vector<ChainLevel> levels = make_chain(group.size(), group.generators(), bounds.max_images);
+  std::vector<StabiliserLevel> levels =
+      make_stabiliser_levels(group.size(), group.generators(), bounds.max_images);
   if (levels.empty()) throw std::length_error("the symmetry group is too large for exact labels");
   return std::make_unique<ChainSearch>(group.size(), std::move(levels), bounds.max_candidates);
 }
@@ -89,17 +89,17 @@ std::vector<Images> restricted(const std::vector<Images>& generators, const Posi
 }
 
 std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds) {
-  Classes classes(group.size());
+  UnionFind moved_together(static_cast<int>(group.size()));
   for (const Images& generator : group.generators()) {
-    std::uint32_t first_moved = ObjectPositions::kNone;
-    for (std::uint32_t x = 0; x < group.size(); ++x) {
-      if (generator[x] == x) continue;
-      if (first_moved == ObjectPositions::kNone) first_moved = x;
-      classes.unite(first_moved, x);
+    int first_moved = -1;
+    for (int x = 0; x < static_cast<int>(group.size()); ++x) {
+      if (static_cast<int>(generator[static_cast<std::size_t>(x)]) == x) continue;
+      if (first_moved < 0) first_moved = x;
+      moved_together.unite(first_moved, x);
     }
   }
   std::vector<Factor> factors;
-  for (Positions& positions : classes.lists()) {
+  for (Positions& positions : moved_together.lists<std::uint32_t>()) {
     if (positions.size() == 1) continue;
     const Subgroup factor = group.on(positions, restricted(group.generators(), positions));
     if (factor.positions_with_values().empty()) continue;
@@ -114,8 +114,7 @@ std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBoun
 
 std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds) {
   if (bounds.max_candidates == 0) throw std::invalid_argument("expected at least one candidate");
-  Positions points(group.point_count());
-  std::iota(points.begin(), points.end(), 0U);
+  auto points = identity_images<Positions>(group.point_count());
   return make_search(Subgroup(group, std::move(points), group.permutations()), bounds);
 }
 

@@ -1,72 +1,45 @@
 #include "engines/largest_image/subgroup.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
+#include "engines/base/images.h"
+
 namespace symfold::detail {
-
 namespace {
-constexpr std::size_t kMoreInSample = 8;
+
+// Permutations that a sample holds beside those that join orbits, or one more.
+constexpr std::size_t kExtraInSample = 8;
+
 }  // namespace
-
-Classes::Classes(std::size_t count) : parent_(count) { std::iota(parent_.begin(), parent_.end(), 0U); }
-
-std::uint32_t Classes::find(std::uint32_t x) {
-  while (parent_[x] != x) {
-    parent_[x] = parent_[parent_[x]];
-    x = parent_[x];
-  }
-  return x;
-}
-
-bool Classes::unite(std::uint32_t x, std::uint32_t y) {
-  x = find(x);
-  y = find(y);
-  parent_[std::max(x, y)] = std::min(x, y);
-  return x != y;
-}
-
-std::size_t Classes::unite_invariantly(std::uint32_t x, std::uint32_t y,
-                                       const std::vector<const Images*>& permutations) {
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> united;
-  if (unite(x, y)) united.emplace_back(x, y);
-  for (std::size_t i = 0; i < united.size(); ++i) {
-    const auto [a, b] = united[i];
-    for (const Images* permutation : permutations) {
-      if (unite((*permutation)[a], (*permutation)[b]))
-        united.emplace_back((*permutation)[a], (*permutation)[b]);
-    }
-  }
-  return united.size();
-}
-
-std::vector<std::vector<std::uint32_t>> Classes::lists() {
-  std::vector<std::vector<std::uint32_t>> lists;
-  std::vector<std::size_t> list_of(parent_.size());
-  for (std::uint32_t x = 0; x < parent_.size(); ++x) {
-    const std::uint32_t first = find(x);
-    if (first == x) {
-      list_of[x] = lists.size();
-      lists.emplace_back();
-    }
-    lists[list_of[first]].push_back(x);
-  }
-  return lists;
-}
 
 std::vector<const Images*> sample_of(const std::vector<Images>& permutations) {
   std::vector<const Images*> chosen;
   if (permutations.empty()) return chosen;
-  Classes classes(permutations[0].size());
-  const std::size_t stride = std::max<std::size_t>(permutations.size() / kMoreInSample, 1);
+  UnionFind orbits(static_cast<int>(permutations[0].size()));
+  const std::size_t stride = std::max<std::size_t>(permutations.size() / kExtraInSample, 1);
   for (std::size_t i = 0; i < permutations.size(); ++i) {
-    bool joins = false;
-    for (std::uint32_t x = 0; x < permutations[i].size(); ++x)
-      joins = classes.unite(x, permutations[i][x]) || joins;
-    if (joins || i % stride == 0) chosen.push_back(&permutations[i]);
+    const bool joins_orbits = unite_with_images(permutations[i], orbits);
+    if (joins_orbits || i % stride == 0) chosen.push_back(&permutations[i]);
   }
   return chosen;
+}
+
+bool unite_with_images(const Images& permutation, UnionFind& orbits) {
+  bool is_new = false;
+  for (std::size_t x = 0; x < permutation.size(); ++x) {
+    is_new = orbits.unite(static_cast<int>(x), static_cast<int>(permutation[x])) || is_new;
+  }
+  return is_new;
+}
+
+void build_tree(std::uint32_t root, const std::vector<const Images*>& permutations, OrbitTree& tree) {
+  tree.set_root(static_cast<int>(root));
+  tree.grow([&](int point, const auto& step) {
+    for (std::size_t g = 0; g < permutations.size(); ++g) {
+      step(static_cast<int>(g), static_cast<int>((*permutations[g])[static_cast<std::size_t>(point)]));
+    }
+  });
 }
 
 std::vector<std::uint32_t> Subgroup::positions_with_values() const {
@@ -78,8 +51,7 @@ std::vector<std::uint32_t> Subgroup::positions_with_values() const {
 }
 
 bool Subgroup::contains(const Images& local) const {
-  Images images(whole_.point_count());
-  std::iota(images.begin(), images.end(), 0U);
+  Images images = identity_images<Images>(whole_.point_count());
   for (std::size_t i = 0; i < local.size(); ++i) images[points_[i]] = points_[local[i]];
   return whole_.contains(std::move(images));
 }
@@ -92,11 +64,9 @@ Subgroup Subgroup::on(const std::vector<std::uint32_t>& positions, std::vector<I
 }
 
 std::vector<std::vector<std::uint32_t>> Subgroup::orbits() const {
-  Classes classes(size());
-  for (const Images& generator : generators_) {
-    for (std::uint32_t x = 0; x < size(); ++x) classes.unite(x, generator[x]);
-  }
-  std::vector<std::vector<std::uint32_t>> orbits = classes.lists();
+  UnionFind classes(static_cast<int>(size()));
+  for (const Images& generator : generators_) unite_with_images(generator, classes);
+  std::vector<std::vector<std::uint32_t>> orbits = classes.lists<std::uint32_t>();
   std::erase_if(orbits, [](const auto& orbit) { return orbit.size() == 1; });
   std::stable_sort(orbits.begin(), orbits.end(),
                    [](const auto& a, const auto& b) { return a.size() < b.size(); });

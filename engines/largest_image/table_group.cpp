@@ -2,26 +2,9 @@
 
 #include <utility>
 
+#include "engines/base/images.h"
+
 namespace symfold::detail {
-
-Images composed(const Images& a, const Images& b) {
-  Images result(a.size());
-  for (std::size_t c = 0; c < a.size(); ++c) result[c] = a[b[c]];
-  return result;
-}
-
-Images inverse(const Images& a) {
-  Images result(a.size());
-  for (std::uint32_t c = 0; c < a.size(); ++c) result[a[c]] = c;
-  return result;
-}
-
-bool is_identity(const Images& a) {
-  for (std::size_t c = 0; c < a.size(); ++c) {
-    if (a[c] != c) return false;
-  }
-  return true;
-}
 
 TableGroup::TableGroup(std::vector<bool> has_value, std::vector<TableLevel> levels)
     : has_value_(std::move(has_value)) {

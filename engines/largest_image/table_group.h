@@ -11,11 +11,6 @@
 
 namespace symfold::detail {
 
-// a after b: point c goes to a[b[c]].
-Images composed(const Images& a, const Images& b);
-Images inverse(const Images& a);
-bool is_identity(const Images& a);
-
 // A permutation, and the point that it should carry to the base point of its level.
 struct TableRecord {
   std::size_t value;
@@ -37,11 +32,11 @@ class TableGroup {
   std::size_t point_count() const { return has_value_.size(); }
   bool has_value(std::size_t point) const { return has_value_[point]; }
 
-  // One for each record, identities left out: they generate the group.
+  // One permutation for each record, without identities. They generate the group.
   const std::vector<Images>& permutations() const { return permutations_; }
 
-  // Whether the table's permutations, base after base, carry g to the identity. Then g is a member for
-  // certain. Of a table that detection made, the answer is no for none of the members; of others it may be.
+  // Returns true if the table's permutations, base after base, carry g to the identity. Then g is a member
+  // for certain. For tables made by detection every member is accepted; other tables may reject members.
   // Cost: the number of bases times the number of points.
   bool contains(Images g) const;
 

@@ -137,7 +137,7 @@ void set_tables(SymmetryDetection& detector, const Action& action, int bytes) {
     detector.CumPartitionInfo.push_back(static_cast<int>(i) * bytes);
     detector.PartitionInfo.push_back(bytes);
   }
-  for (const ChainLevel& level : make_chain(action.size(), action.generators, 1'000'000)) {
+  for (const StabiliserLevel& level : make_stabiliser_levels(action.size(), action.generators, 1'000'000)) {
     detector.Bases.push_back(static_cast<int>(level.base));
     for (std::size_t i = 1; i < level.orbit.size(); ++i) {
       Permutation permutation(static_cast<int>(action.size()));
