@@ -23,7 +23,7 @@ class SchreierTree {
   SchreierTree& operator=(const SchreierTree& other);
   ~SchreierTree();
 
-  // The number of points, written by the caller before anything else.
+  // The number of points. The caller writes it before anything else.
   int n = 0;
 
   // Sets the generators of all later trees. One that is no permutation of n points is left out.
@@ -40,15 +40,15 @@ class SchreierTree {
 
   // Builds the tree of the root r, breadth-first: first with those generators that fix every point below r,
   // to closure, and only then with all of them. So the path of a point that the stabiliser of the points
-  // below r reaches disturbs none of these. A root that is no point gives an empty tree. Cost: the number of
+  // below r reaches moves none of these. The tree of a root that is no point is empty. Cost: the number of
   // (orbit point, generator that moves it) pairs; no permutation is copied.
   void CreateTree(int r);
 
-  // The number of permutations in all records of the latest tree.
+  // Returns the number of permutations in all records of the latest tree.
   std::size_t CountPathPermutations() const;
 
-  // The points of the latest tree without its root, breadth-first, each with its path: Perms[0], applied
-  // first, moves the root, and the last one arrives at Value.
+  // Returns the points of the latest tree without its root, breadth-first, each with its path: Perms[0],
+  // applied first, moves the root, and the last one arrives at Value.
   std::vector<ValPerms> GetAllPermutationsToRoot();
 
  private:

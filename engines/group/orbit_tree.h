@@ -17,8 +17,7 @@
 
 namespace symfold::detail {
 
-// Generators are known by numbers that the caller gives them. A tree is sized once and used for one root
-// after the other.
+// The caller numbers the generators. A tree is sized once and used for one root after the other.
 class OrbitTree {
  public:
   OrbitTree() = default;  // no points
@@ -58,7 +57,7 @@ class OrbitTree {
   // In the order found, the root first.
   const PointVector<int>& points() const { return points_; }
 
-  // Of a point in the tree: its distance from the root, and, unless it is the root, how it is reached.
+  // For a point in the tree: its distance from the root, and, unless it is the root, how it is reached.
   int depth(int point) const { return depth_[point]; }
   int parent(int point) const { return parent_[point]; }
   int generator(int point) const { return generator_[point]; }

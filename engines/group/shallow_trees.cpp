@@ -1,4 +1,14 @@
-#include "engines/group/shallow_trees.h"
+// Shortcuts: redundant strong generators that keep Schreier trees shallow.
+//
+// With the rotation (0 1 .. 999) as the one generator, point 999 is 999 steps from 0. Let h(1), .., h(k) be
+// group elements and consider the points that 0 reaches by taking or skipping the steps h(k), .., h(1) and
+// then the inverses of h(1), .., h(k), in this order. Whenever some orbit point is not reached, an element
+// h(k+1) that leads there at least doubles the number of points reached by the first half. So at most
+// log2(orbit length) elements, with their inverses, make every path at most twice as long as that. For the
+// rotation they are about its powers 1, 2, 4, .., 512 and their inverses: 20 generators, and no point more
+// than 5 steps away (L. Babai, G. Cooperman, L. Finkelstein and A. Seress, Nearly linear time algorithms for
+// permutation groups with a small base, ISSAC 1991; A. Seress, Permutation Group Algorithms, 2003,
+// section 4.4).
 
 #include <algorithm>
 #include <bit>
@@ -7,6 +17,7 @@
 #include "engines/base/images.h"
 #include "engines/base/point_vector.h"
 #include "engines/group/orbit_tree.h"
+#include "engines/group/stabiliser_chain.h"
 
 namespace symfold::detail {
 namespace {
@@ -17,7 +28,8 @@ class ShortcutBuilder {
  public:
   ShortcutBuilder(int n, StabiliserChain& chain) : chain_(chain), steps_(n), tree_(n) {}
 
-  // From the last base point up, whose generators belong to the stabilisers of all base points before it.
+  // Goes from the last base point up, because its generators belong to the stabilisers of all base points
+  // before it.
   void run() {
     std::vector<std::vector<int>> generators_of(chain_.base.size());
     for (std::size_t g = 0; g < chain_.generators.size(); ++g) {
@@ -90,8 +102,8 @@ class ShortcutBuilder {
     return is_reached;
   }
 
-  // The product of the generators on the tree's path from the root to the point. Composing from the end of
-  // the path applies each generator before those already there.
+  // Returns the product of the generators on the tree's path from the root to the point. It is composed from
+  // the end of the path, so each generator is applied before those already there.
   Images path_to(int point) const {
     Images images = identity_images(steps_.size());
     tree_.walk_to_root(point, [&](int generator) {
@@ -114,7 +126,7 @@ class ShortcutBuilder {
   }
 
   StabiliserChain& chain_;
-  PointVector<std::vector<Step>> steps_;  // per point, of the generators in use
+  PointVector<std::vector<Step>> steps_;  // by point, of the generators in use
   OrbitTree tree_;                        // the latest
 };
 

@@ -4,11 +4,10 @@
 #include <utility>
 
 #include "engines/base/base_points.h"
-#include "engines/group/shallow_trees.h"
-#include "engines/group/strong_generators.h"
 
 namespace symfold::detail {
-StabiliserChain read_chain(int n, std::vector<SparsePermutation> generators) {
+
+StabiliserChain read_stabiliser_chain(int n, std::vector<SparsePermutation> generators) {
   StabiliserChain chain;
   std::erase_if(generators, [](const SparsePermutation& moves) { return moves.empty(); });
   chain.generators = std::move(generators);
@@ -18,9 +17,9 @@ StabiliserChain read_chain(int n, std::vector<SparsePermutation> generators) {
 
 StabiliserChain build_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
                                        const std::vector<int>& known_lengths) {
-  StabiliserChain chain = read_chain(n, std::move(generators));
+  StabiliserChain chain = read_stabiliser_chain(n, std::move(generators));
   if (chain.orbit_lengths != known_lengths) {
-    chain = read_chain(n, strong_generators(n, chain.generators, known_lengths));
+    chain = read_stabiliser_chain(n, strong_generators(n, chain.generators, known_lengths));
   }
   add_shortcuts(n, chain);
   return chain;

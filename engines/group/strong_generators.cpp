@@ -1,4 +1,20 @@
-#include "engines/group/strong_generators.h"
+// Strong generating sets from any generators: the Schreier-Sims method.
+//
+// The stabiliser chain is kept by points p: the generators that fix every point below p, and the orbit of p
+// under them as a tree. To sift a permutation means this: if its smallest moved point p has an image in the
+// orbit of p, the permutation is multiplied by the inverse of the path to that image, so that p is fixed; and
+// so on with the next smallest moved point. A permutation that gets stuck is no product of generators of the
+// stabiliser chain so far, and joins them. First come random elements of the group, which fill the stabiliser
+// chain quickly. Then every Schreier generator is sifted, which proves it complete (C. C. Sims, Computational
+// methods in the study of permutation groups, 1970; A. Seress, Permutation Group Algorithms, 2003, ch. 4;
+// random elements: F. Celler, C. R. Leedham-Green, S. H. Murray, A. C. Niemeyer and E. A. O'Brien, Generating
+// random elements of a finite group, Communications in Algebra 23, 1995).
+//
+// Example: (0 1 2) and (0 1) of the points 0, 1, 2. The orbit of 0 is complete; the product "(0 1 2), then (0
+// 1)" moves 1 and 2 only, gets stuck at point 1 and becomes the generator (1 2) there.
+//
+// Cost: for each level, orbit length times generators times the cost of sifting, about the degree times the
+// lengths of the paths. Meant for groups of moderate degree; large ones come with a known order.
 
 #include <algorithm>
 #include <cstdint>
@@ -9,6 +25,7 @@
 #include "engines/base/point_vector.h"
 #include "engines/base/union_find.h"
 #include "engines/group/orbit_tree.h"
+#include "engines/group/stabiliser_chain.h"
 
 namespace symfold::detail {
 namespace {
@@ -20,11 +37,11 @@ void multiply(Images& images, const Images& next) {
   for (int& image : images) image = next[image];
 }
 
-class ChainBuilder {
+class StabiliserChainBuilder {
  public:
-  explicit ChainBuilder(int degree) : levels_(degree) {}
+  explicit StabiliserChainBuilder(int degree) : levels_(degree) {}
 
-  // True where the permutation was new to the chain and has joined it.
+  // Returns true if the permutation was no product of the generators so far. Then it has joined them.
   bool absorb(Images images) {
     const int stuck = sift(images);
     if (stuck == levels_.size()) return false;
@@ -32,8 +49,8 @@ class ChainBuilder {
     return true;
   }
 
-  // Sifts every Schreier generator of every level, from the last level up; after an addition again from
-  // there.
+  // Sifts every Schreier generator of every level, from the last level up. After an addition it goes on from
+  // the level of the addition.
   void verify() {
     for (int p = levels_.size() - 1; p >= 0; --p) {
       const int stuck = first_stuck_schreier_generator(p);
@@ -49,7 +66,7 @@ class ChainBuilder {
     return lengths;
   }
 
-  // Generators that suffice for orbits as long as those of all.
+  // Returns generators that are enough for orbits as long as those of all.
   std::vector<Images> essential_generators() const {
     UnionFind orbits(levels_.size());
     std::vector<Images> kept;
@@ -68,16 +85,16 @@ class ChainBuilder {
   struct Generator {
     Images images;
     Images inverse;
-    int smallest;  // moved point
+    int smallest;  // of the points that it moves
   };
-  // The level of point p; without generators where nothing has been found that moves p and fixes all below.
+  // The level of point p. It has no generators if none was found that moves p and fixes all points below.
   struct Level {
     std::vector<int> generators;  // those whose smallest moved point is p or above
     OrbitTree tree;               // of p; empty while no generator moves p
   };
 
-  // Multiplies until the identity is left, giving the degree, or until the smallest moved point, which it
-  // gives, has an image outside its orbit.
+  // Multiplies until the smallest moved point has an image outside its orbit, and returns that point, or
+  // until the identity is left, and returns the degree.
   int sift(Images& images) const {
     for (int p = 0; p < levels_.size(); ++p) {
       if (images[p] == p) continue;
@@ -118,8 +135,8 @@ class ChainBuilder {
     if (!tree.contains(image)) tree.add(image, point, g);
   }
 
-  // Absorbs the first Schreier generator of level p that gets stuck and gives the point where it did; -1 for
-  // none.
+  // Absorbs the first Schreier generator of level p that gets stuck. Returns the point where it did, or -1 if
+  // none did.
   int first_stuck_schreier_generator(int p) {
     const Level& level = levels_[p];
     for (int i = 0; i < level.tree.size(); ++i) {
@@ -128,7 +145,7 @@ class ChainBuilder {
       for (const int g : level.generators) {
         const int image = generators_[g].images[point];
         if (image != p && level.tree.generator(image) == g)
-          continue;  // an edge of the tree gives the identity
+          continue;  // an edge of the tree makes the identity
         Images images = representative;
         multiply(images, generators_[g].images);
         const int stuck = sift(images);
@@ -151,7 +168,7 @@ class ChainBuilder {
   PointVector<Level> levels_;
 };
 
-// Product replacement: a list of generators, of which one at a time is multiplied by another; the running
+// Product replacement: one of a list of generators at a time is multiplied by another, and the running
 // product of the changed ones is nearly uniform after a while. The seed is fixed, so every run is the same.
 class RandomElements {
  public:
@@ -176,8 +193,8 @@ class RandomElements {
   std::mt19937_64 random_{2003};
 };
 
-void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std::vector<int>& known_lengths,
-          int quiet_sifts) {
+void fill(StabiliserChainBuilder& chain, const std::vector<Images>& generators,
+          const std::vector<int>& known_lengths, int quiet_sifts) {
   RandomElements random(generators);
   for (int quiet = 0; quiet < quiet_sifts; ++quiet) {
     if (!chain.absorb(random.next())) continue;
@@ -188,7 +205,7 @@ void fill(ChainBuilder& chain, const std::vector<Images>& generators, const std:
 
 }  // namespace
 
-// Works on the moved points alone, renumbered in their order.
+// Works on the moved points alone, renumbered in their order, so that the degree is small.
 std::vector<SparsePermutation> strong_generators(int n, const std::vector<SparsePermutation>& generators,
                                                  const std::vector<int>& known_lengths, int quiet_sifts) {
   PointVector<int> number(n, 0);
@@ -208,7 +225,7 @@ std::vector<SparsePermutation> strong_generators(int n, const std::vector<Sparse
     dense.push_back(identity_images(points.size()));
     for (const auto& [point, image] : moves) dense.back()[number[point]] = number[image];
   }
-  ChainBuilder chain(points.size());
+  StabiliserChainBuilder chain(points.size());
   for (const Images& images : dense) chain.absorb(images);
   if (chain.orbit_lengths() != known_lengths) fill(chain, dense, known_lengths, quiet_sifts);
   if (chain.orbit_lengths() != known_lengths) chain.verify();

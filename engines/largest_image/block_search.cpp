@@ -22,8 +22,8 @@ std::unique_ptr<ImageSearch> BlockSearch::clone() const {
   return std::make_unique<BlockSearch>(std::move(blocks), inner_ ? inner_->clone() : nullptr);
 }
 
-bool BlockSearch::maximise(Placed* word) {
-  for (std::size_t i = 0; i < positions_.size(); ++i) tuples_[i] = word[positions_[i]];
+bool BlockSearch::maximise(Placed* values) {
+  for (std::size_t i = 0; i < positions_.size(); ++i) tuples_[i] = values[positions_[i]];
   bool is_exact = true;
   if (inner_) {
     for (std::size_t i = 0; i < tuples_.size(); i += block_length_) {
@@ -38,12 +38,12 @@ bool BlockSearch::maximise(Placed* word) {
   std::size_t to = 0;
   for (const std::uint32_t block : order_) {
     for (std::size_t k = 0; k < block_length_; ++k)
-      word[positions_[to++]] = tuples_[block * block_length_ + k];
+      values[positions_[to++]] = tuples_[block * block_length_ + k];
   }
   return is_exact;
 }
 
-// For blocks of one position. False where there are too many different values.
+// For blocks of one position. Returns false if there are too many different values.
 bool BlockSearch::order_by_counting() {
   constexpr std::size_t kMaxValues = 8;
   std::array<std::uint64_t, kMaxValues> values;  // descending

@@ -1,15 +1,16 @@
 // Symmetric groups that permute blocks of positions, alone or over a group inside each block (a wreath
-// product): the largest image comes from sorting.
+// product): the largest image is found by sorting.
 //
 // Three racks with a fan and two servers each, racks interchangeable and servers within a rack: the positions
 // (f0 s0 s1) (f1 s2 s3) (f2 s4 s5) are three blocks. First each block becomes its own largest image, here by
 // sorting its servers; then the blocks are sorted as tuples, largest first.
 //
-// This is right where the blocks' positions are interleaved in one fixed pattern: the k-th positions of the
-// blocks ascend from block to block, for every k. Were two blocks not in order, exchanging them would raise
-// the first position where they differ, which comes before all others that the exchange changes.
+// This is right if the blocks' positions are interleaved in one fixed pattern: for every k, the k-th
+// positions of the blocks ascend from block to block. If two blocks were not in order, exchanging them would
+// raise the value at the first position where they differ, which comes before all others that the exchange
+// changes.
 //
-// Cost: for M blocks of B positions the inner searches, M log M comparisons of tuples and two copies. Blocks
+// Cost for M blocks of B positions: the inner searches, M log M comparisons of tuples and two copies. Blocks
 // of one position with few different values are counted instead, in two passes.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_BLOCK_SEARCH_H
@@ -23,11 +24,11 @@ namespace symfold::detail {
 
 class BlockSearch : public ImageSearch {
  public:
-  // Blocks of equal length with ascending positions; every position of a word is in one. `inner` permutes
-  // within a block, null for nothing.
+  // Blocks of equal length with ascending positions; every position is in one of them. `inner` is the search
+  // for the group inside a block, null if that is trivial.
   BlockSearch(std::vector<std::vector<std::uint32_t>> blocks, std::unique_ptr<ImageSearch> inner);
   std::unique_ptr<ImageSearch> clone() const override;
-  bool maximise(Placed* word) override;
+  bool maximise(Placed* values) override;
 
  private:
   bool order_by_counting();

@@ -57,7 +57,7 @@ StabiliserLevel make_level(std::uint32_t base, const std::vector<const Images*>&
   return level;
 }
 
-// The levels of the group that these generate.
+// Returns the levels of the group that these generate; none if they would need more images.
 std::vector<StabiliserLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
                                        std::size_t max_images) {
   std::vector<SparsePermutation> permutations;
@@ -104,8 +104,8 @@ bool contains(const std::vector<StabiliserLevel>& levels, Images g) {
 
 }  // namespace
 
-// Of a sample of the generators, and ever more of those that this leaves out: tables hold a generator for
-// each point of an orbit, of which few are needed.
+// Begins with a sample of the generators and adds those that its group leaves out, because tables hold a
+// generator for each point of an orbit, of which few are needed.
 std::vector<StabiliserLevel> make_stabiliser_levels(std::size_t point_count,
                                                     const std::vector<Images>& generators,
                                                     std::size_t max_images) {
@@ -129,9 +129,9 @@ ChainSearch::ChainSearch(std::size_t position_count, std::vector<StabiliserLevel
       levels_(std::make_shared<const std::vector<StabiliserLevel>>(std::move(levels))),
       max_candidates_(max_candidates) {}
 
-bool ChainSearch::maximise(Placed* word) {
+bool ChainSearch::maximise(Placed* values) {
   bool is_exact = true;
-  candidates_.assign(word, word + position_count_);
+  candidates_.assign(values, values + position_count_);
   candidate_count_ = 1;
   std::size_t settled = 0;
   for (const StabiliserLevel& level : *levels_) {
@@ -141,11 +141,11 @@ bool ChainSearch::maximise(Placed* word) {
     merge_equal(settled);
   }
   keep_largest(settled, position_count_);
-  std::copy_n(candidate(0), position_count_, word);
+  std::copy_n(candidate(0), position_count_, values);
   return is_exact;
 }
 
-// The candidates with the largest values at these positions.
+// Keeps the candidates with the largest values at these positions.
 void ChainSearch::keep_largest(std::size_t begin, std::size_t end) {
   std::size_t kept = 1;
   for (std::size_t i = 1; i < candidate_count_; ++i) {
@@ -159,8 +159,8 @@ void ChainSearch::keep_largest(std::size_t begin, std::size_t end) {
   candidate_count_ = kept;
 }
 
-// Replaces the candidates by those of their images that have the largest value at the base point. False where
-// there are too many.
+// Replaces the candidates by those of their images that have the largest value at the base point. Returns
+// false if there are too many.
 bool ChainSearch::descend(const StabiliserLevel& level) {
   std::uint64_t best = 0;
   for (std::size_t i = 0; i < candidate_count_; ++i) {
@@ -186,7 +186,7 @@ bool ChainSearch::descend(const StabiliserLevel& level) {
   return is_complete;
 }
 
-// The first of equal images stays. Their settled positions are equal already.
+// Keeps the first of equal images. Their settled positions are equal already.
 void ChainSearch::merge_equal(std::size_t settled) {
   if (candidate_count_ == 1) return;
   order_.resize(candidate_count_);

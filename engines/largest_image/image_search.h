@@ -1,8 +1,11 @@
-// The largest image of a word under a permutation group: what every way to find it has in common.
+// The largest image of a list of values under a permutation group: what all searches for it have in common.
 //
-// A word is a list of positions, each with a value. An element g of the group carries the value at position c
-// to position g[c]; the largest image is the one whose values, read from position 0 on, are largest in
+// A value lies at each of the positions 0 .. n-1. An element g of the group carries the value at position c
+// to position g[c]. The largest image is the one whose values, read from position 0 on, are largest in
 // lexicographic order.
+//
+// Values compare as unsigned numbers. The caller decides in which order the bytes of a state make a number,
+// and so in which order states compare. The engines never see bytes.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_IMAGE_SEARCH_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_IMAGE_SEARCH_H
@@ -13,26 +16,27 @@
 
 namespace symfold::detail {
 
-// What lies at a position: a value, and where it lay at first.
+// A value at a position, and the position from which it came.
 struct Placed {
   std::uint64_t value;
   std::uint32_t source;
 };
 
-// The images of the positions 0 .. n-1.
+// A permutation of the positions 0 .. n-1: position c goes to images[c].
 using Images = std::vector<std::uint32_t>;
 
-// A search for one group. Holds work space of its own: one search serves one thread.
+// A search for one group. It holds work space of its own, so one search serves one thread at a time.
 class ImageSearch {
  public:
   virtual ~ImageSearch() = default;
 
-  // Another search for the same group, which shares what is only read.
+  // Returns another search for the same group, which shares what is only read.
   virtual std::unique_ptr<ImageSearch> clone() const = 0;
 
-  // Rearranges the word into its largest image. False where a bound on the work was exceeded: then it is an
-  // image, but there may be larger ones. Allocates nothing once the work space has its size.
-  virtual bool maximise(Placed* word) = 0;
+  // Rearranges the values, one for each position, into their largest image. Returns false if a bound on the
+  // work was exceeded: then the result is an image, but there may be larger ones. Allocates nothing once the
+  // work space has its size.
+  virtual bool maximise(Placed* values) = 0;
 
  protected:
   ImageSearch() = default;

@@ -8,7 +8,7 @@
 namespace symfold::detail {
 
 ListSearch::ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> positions_with_values)
-    : race_(elements.size()), image_(elements.front().size()) {
+    : candidates_(elements.size()), image_(elements.front().size()) {
   for (Images& element : elements) element = inverse(element);
   const std::uint32_t first = positions_with_values.front();
   std::sort(elements.begin(), elements.end(),
@@ -27,41 +27,41 @@ ListSearch::ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> 
   table_ = std::make_shared<const Table>(std::move(table));
 }
 
-// The elements that bring the largest value to the first position; their number.
-std::size_t ListSearch::start_race(const Placed* word) {
+// Makes the elements that bring the largest value to the first position the candidates. Returns their number.
+std::size_t ListSearch::find_first_candidates(const Placed* values) {
   std::uint64_t best = 0;
-  for (const std::uint32_t source : table_->first_sources) best = std::max(best, word[source].value);
+  for (const std::uint32_t source : table_->first_sources) best = std::max(best, values[source].value);
   std::size_t count = 0;
   for (std::size_t i = 0; i < table_->first_sources.size(); ++i) {
-    if (word[table_->first_sources[i]].value != best) continue;
-    for (std::uint32_t e = table_->begins[i]; e < table_->begins[i + 1]; ++e) race_[count++] = e;
+    if (values[table_->first_sources[i]].value != best) continue;
+    for (std::uint32_t e = table_->begins[i]; e < table_->begins[i + 1]; ++e) candidates_[count++] = e;
   }
   return count;
 }
 
-bool ListSearch::maximise(Placed* word) {
-  std::size_t count = start_race(word);
+bool ListSearch::maximise(Placed* values) {
+  std::size_t count = find_first_candidates(values);
   for (std::size_t p = 1; p < table_->positions_with_values.size() && count > 1; ++p) {
     const std::uint32_t position = table_->positions_with_values[p];
     const std::uint32_t* const sources = &table_->sources[position * table_->element_count];
     std::uint64_t best = 0;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-      const std::uint32_t element = race_[i];
-      const std::uint64_t value = word[sources[element]].value;
+      const std::uint32_t element = candidates_[i];
+      const std::uint64_t value = values[sources[element]].value;
       if (value < best) continue;
       if (value > best) kept = 0;
       best = value;
-      race_[kept++] = element;
+      candidates_[kept++] = element;
     }
     count = kept;
   }
-  const std::uint32_t* source = &table_->sources[race_[0]];
+  const std::uint32_t* source = &table_->sources[candidates_[0]];
   for (Placed& placed : image_) {
-    placed = word[*source];
+    placed = values[*source];
     source += table_->element_count;
   }
-  std::copy(image_.begin(), image_.end(), word);
+  std::copy(image_.begin(), image_.end(), values);
   return true;
 }
 

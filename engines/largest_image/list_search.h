@@ -1,9 +1,9 @@
 // Small groups, all of whose elements are listed.
 //
-// Position by position, of the elements still in the race those stay that bring the largest value there. At
-// the first position that costs a look at each point of its orbit, since elements are listed by where its
-// value comes from. A random word of a ring of 100 is decided after some 200 values; a word with symmetries
-// of its own is read to its end by the elements that tie.
+// At each position in turn, those candidates stay that bring the largest value there. At the first position
+// this costs a look at each point of its orbit, because the elements are sorted by the source of the value
+// there. Random values on a ring of 100 are decided after some 200 reads; values with symmetries of their own
+// are read to the end by the elements that tie.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_LIST_SEARCH_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_LIST_SEARCH_H
@@ -20,22 +20,21 @@ class ListSearch : public ImageSearch {
   // All elements of the group, and the positions whose values can differ, ascending; at least one of each.
   ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> positions_with_values);
   std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ListSearch>(*this); }
-  bool maximise(Placed* word) override;
+  bool maximise(Placed* values) override;
 
  private:
   struct Table {
     std::size_t element_count;
     std::vector<std::uint32_t> positions_with_values;
-    // For each source of the first of them, where its elements begin; at the end the number of elements.
-    std::vector<std::uint32_t> first_sources;
-    std::vector<std::uint32_t> begins;
-    std::vector<std::uint32_t> sources;  // by position and element: where the value there comes from
+    std::vector<std::uint32_t> first_sources;  // of the values at the first of them
+    std::vector<std::uint32_t> begins;         // the elements of each of these; at the end their number
+    std::vector<std::uint32_t> sources;        // of the value there, by position and element
   };
 
-  std::size_t start_race(const Placed* word);
+  std::size_t find_first_candidates(const Placed* values);
 
   std::shared_ptr<const Table> table_;
-  std::vector<std::uint32_t> race_;  // elements that may be best
+  std::vector<std::uint32_t> candidates_;  // elements that may be best
   std::vector<Placed> image_;
 };
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "engines/largest_image/object_positions.h"
+#include "engines/largest_image/object_search.h"
 #include "engines/largest_image/subgroup.h"
 
 namespace symfold::detail {

@@ -7,9 +7,9 @@ namespace symfold::detail {
 namespace {
 
 // Fewer candidates are cheaper to follow than to compare.
-constexpr std::size_t kFewestToMerge = 4;
+constexpr std::size_t kMinToMerge = 4;
 
-// Whether the pair of `next` follows that of `pair`, with the free slot one further.
+// Returns true if `next` is the same as `pair` but for the free slot, which is one further.
 bool continues(const ObjectPair& pair, const ObjectPair& next, bool first_is_free) {
   if (pair.kind != next.kind || pair.is_single() != next.is_single()) return false;
   if (pair.is_single()) return next.first == pair.first + 1;
@@ -30,6 +30,30 @@ Images all_positions(const ObjectPositions& positions) {
 }
 
 }  // namespace
+
+ObjectPositions::ObjectPositions(std::vector<std::uint32_t> class_begins, std::vector<ObjectPair> pairs,
+                                 const std::vector<bool>& is_unordered)
+    : class_begins_(std::move(class_begins)), pairs_(std::move(pairs)) {
+  table_.assign(is_unordered.size() * object_count() * object_count(), kNone);
+  for (std::uint32_t position = 0; position < pairs_.size(); ++position) {
+    const ObjectPair& pair = pairs_[position];
+    table_[table_of(pair.kind) + pair.first * object_count() + pair.second] = position;
+    if (is_unordered[pair.kind]) {
+      table_[table_of(pair.kind) + pair.second * object_count() + pair.first] = position;
+    }
+  }
+}
+
+Images ObjectPositions::images_of(const std::vector<std::uint32_t>& objects) const {
+  Images images;
+  for (const ObjectPair& pair : pairs_) {
+    const std::uint32_t image =
+        table_[table_of(pair.kind) + objects[pair.first] * object_count() + objects[pair.second]];
+    if (image == kNone) return {};
+    images.push_back(image);
+  }
+  return images;
+}
 
 ObjectSearch::ObjectSearch(const ObjectPositions& positions,
                            const std::vector<std::uint32_t>& positions_with_values,
@@ -64,18 +88,18 @@ std::vector<ObjectSearch::Step> ObjectSearch::make_steps(const ObjectPositions& 
   return steps;
 }
 
-bool ObjectSearch::maximise(Placed* word) {
+bool ObjectSearch::maximise(Placed* values) {
   start();
   for (std::size_t next = 0; next < plan_->reading.size();) {
     if (open_slots_ == 0 && candidate_count_ == 1) break;
-    next = advance(next, word);
+    next = advance(next, values);
   }
   const Object* const objects = candidate(0);
   for (std::size_t p = 0; p < image_.size(); ++p) {
     const Step& step = plan_->steps[p];
-    image_[p] = word[source(step, objects, objects[step.free_slot])];
+    image_[p] = values[source(step, objects, objects[step.free_slot])];
   }
-  std::copy(image_.begin(), image_.end(), word);
+  std::copy(image_.begin(), image_.end(), values);
   return is_exact_;
 }
 
@@ -95,7 +119,7 @@ void ObjectSearch::start() {
 }
 
 // Reads one position, or the run of a cell. Returns what to read next.
-std::size_t ObjectSearch::advance(std::size_t next, const Placed* word) {
+std::size_t ObjectSearch::advance(std::size_t next, const Placed* values) {
   const Step& step = plan_->reading[next];
   const std::size_t before = candidate_count_;
   if (step.fixed_stride != 0) close(step.fixed_slot);
@@ -105,10 +129,10 @@ std::size_t ObjectSearch::advance(std::size_t next, const Placed* word) {
     branch(step.free_slot);
     length = 1;
   }
-  read(step, length, word);
+  read(step, length, values);
   if (length > 1) split(step.free_slot, length);
   next += length;
-  if (candidate_count_ > before && candidate_count_ >= kFewestToMerge) merge_equal(next, word);
+  if (candidate_count_ > before && candidate_count_ >= kMinToMerge) merge_equal(next, values);
   return next;
 }
 
@@ -141,11 +165,11 @@ void ObjectSearch::branch(std::uint32_t slot) {
 
 // Keeps the candidates whose values at the next `length` positions, sorted for more than one, are the
 // largest.
-void ObjectSearch::read(const Step& step, std::uint32_t length, const Placed* word) {
+void ObjectSearch::read(const Step& step, std::uint32_t length, const Placed* values) {
   std::size_t kept = 0;
   best_.clear();
   for (std::size_t i = 0; i < candidate_count_; ++i) {
-    rank(step, length, word, candidate(i));
+    rank(step, length, values, candidate(i));
     const auto is_less = [](const Ranked& ranked, std::uint64_t value) { return ranked.value < value; };
     const auto [own, best] =
         std::mismatch(ranked_.begin(), ranked_.end(), best_.begin(), best_.end(),
@@ -163,13 +187,13 @@ void ObjectSearch::read(const Step& step, std::uint32_t length, const Placed* wo
   candidate_count_ = kept;
 }
 
-// By insertion for cells of usual size. Objects of equal values stay in their order.
-void ObjectSearch::rank(const Step& step, std::uint32_t length, const Placed* word, const Object* objects) {
+// Cells of usual size are sorted by insertion. Objects of equal values stay in their order.
+void ObjectSearch::rank(const Step& step, std::uint32_t length, const Placed* values, const Object* objects) {
   constexpr std::size_t kMaxInsertion = 24;
   ranked_.clear();
   for (std::uint32_t k = 0; k < length; ++k) {
     const Object object = objects[step.free_slot + k];
-    ranked_.push_back({word[source(step, objects, object)].value, object});
+    ranked_.push_back({values[source(step, objects, object)].value, object});
     if (length > kMaxInsertion) continue;
     for (std::size_t j = k; j > 0 && ranked_[j - 1].value < ranked_[j].value; --j) {
       std::swap(ranked_[j - 1], ranked_[j]);
@@ -181,7 +205,7 @@ void ObjectSearch::rank(const Step& step, std::uint32_t length, const Placed* wo
   });
 }
 
-// Cells of equal values, after a read of the whole cell.
+// Makes cells of equal values, after a read of the whole cell.
 void ObjectSearch::split(std::uint32_t slot, std::uint32_t length) {
   open_slots_ -= length;
   for (std::uint32_t begin = 0; begin < length;) {
@@ -196,38 +220,40 @@ void ObjectSearch::split(std::uint32_t slot, std::uint32_t length) {
   }
 }
 
-std::uint64_t ObjectSearch::hash_from(std::size_t next, const Placed* word, const Object* objects) const {
+std::uint64_t ObjectSearch::hash_from(std::size_t next, const Placed* values, const Object* objects) const {
   std::uint64_t hash = 0;
   for (std::size_t i = next; i < plan_->reading.size(); ++i) {
     const Step& step = plan_->reading[i];
-    hash = (hash ^ word[source(step, objects, objects[step.free_slot])].value) * 0x9e3779b97f4a7c15;
+    hash = (hash ^ values[source(step, objects, objects[step.free_slot])].value) * 0x9e3779b97f4a7c15;
     hash ^= hash >> 32;
   }
   return hash;
 }
 
-bool ObjectSearch::equal_from(std::size_t next, const Placed* word, const Object* a, const Object* b) const {
+bool ObjectSearch::equal_from(std::size_t next, const Placed* values, const Object* a,
+                              const Object* b) const {
   for (std::size_t i = next; i < plan_->reading.size(); ++i) {
     const Step& step = plan_->reading[i];
-    if (word[source(step, a, a[step.free_slot])].value != word[source(step, b, b[step.free_slot])].value) {
+    if (values[source(step, a, a[step.free_slot])].value !=
+        values[source(step, b, b[step.free_slot])].value) {
       return false;
     }
   }
   return true;
 }
 
-// The first candidate of each image stays. What was read before is equal in all.
-void ObjectSearch::merge_equal(std::size_t next, const Placed* word) {
+// Keeps the first candidate of each image. What was read before is equal in all.
+void ObjectSearch::merge_equal(std::size_t next, const Placed* values) {
   hashes_.clear();
   for (std::uint32_t i = 0; i < candidate_count_; ++i) {
-    hashes_.emplace_back(hash_from(next, word, candidate(i)), i);
+    hashes_.emplace_back(hash_from(next, values, candidate(i)), i);
   }
   std::sort(hashes_.begin(), hashes_.end());
   std::size_t kept = 0;
   for (std::size_t i = 0; i < hashes_.size(); ++i) {
     const bool is_repeated =
         kept > 0 && hashes_[kept - 1].first == hashes_[i].first &&
-        equal_from(next, word, candidate(hashes_[kept - 1].second), candidate(hashes_[i].second));
+        equal_from(next, values, candidate(hashes_[kept - 1].second), candidate(hashes_[i].second));
     if (!is_repeated) hashes_[kept++] = hashes_[i];
   }
   hashes_.resize(kept);

@@ -3,58 +3,99 @@
 //
 //     positions  h0 h1 h2 | l01 l02 l12        objects 0, 1, 2; l12 belongs to the pair of 1 and 2
 //
-// An element is known by where it puts the objects, so the search never handles elements: it fills slots, the
-// places of the objects, and reads the positions in their order. Slots that are not told apart yet form a
-// cell with as many objects to fill it.
+// An element is determined by where it puts the objects, so the search never handles elements: it fills
+// slots, the places of the objects, and reads the positions in their order. Slots that cannot be
+// distinguished yet form a cell, with as many objects to fill it.
 //
-//  - The values at a run of positions that belong to the slots of one cell, one after the other, are largest
+//  - If a run of positions belongs to the slots of one cell, one after the other, their values are largest
+//  when
 //    sorted: the cell splits into cells of equal values, and no choice is made.
-//  - Where a position needs to know which object a slot has, every object of its cell is tried. Of the
-//    candidates those go on that have the largest value at each position.
+//  - If a position needs to know which object a slot has, every object of its cell is tried. The candidates
+//    with the largest value at each position go on.
 //  - Candidates whose images are equal, with the cells filled in the candidates' order, have the same images
-//    in the end: one of them goes on. So a word whose values are all equal keeps to one candidate.
+//    in the end: one of them goes on. So if all values are equal, there is never more than one candidate.
 //
-// This is the way of individualisation and refinement (B. D. McKay, A. Piperno, Practical graph isomorphism
-// II, J. Symb. Comput. 60, 2014), with sorting by values for refinement, since a largest image is wanted and
-// not any canonical form.
+// This is individualisation and refinement (B. D. McKay, A. Piperno, Practical graph isomorphism II, J. Symb.
+// Comput. 60, 2014). Refinement is sorting by values, because a largest image is wanted and not any canonical
+// form.
 //
-// Cost: for a random word with few values about as many values read as the first cells have pairs of objects.
-// Words whose many symmetries do not show as equal images can need exponentially many candidates: their
+// Cost: if few different values lie at random, about as many reads as the first cells have pairs of objects.
+// Values whose many symmetries do not show as equal images can need exponentially many candidates, so their
 // number is bounded.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_OBJECT_SEARCH_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_OBJECT_SEARCH_H
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "engines/largest_image/image_search.h"
-#include "engines/largest_image/object_positions.h"
 
 namespace symfold::detail {
 
+// The objects to which a position belongs: two, or one, which is then named twice. Permutations of the
+// objects carry positions of one kind onto each other.
+struct ObjectPair {
+  std::uint32_t kind;
+  std::uint32_t first;
+  std::uint32_t second;
+
+  bool is_single() const { return first == second; }
+};
+
+// Positions that belong to objects and pairs of objects. Objects are numbered class after class.
+class ObjectPositions {
+ public:
+  static constexpr std::uint32_t kNone = UINT32_MAX;
+
+  // `class_begins` holds the first object of each class and, at the end, the number of objects. If
+  // is_unordered[kind], a pair of this kind is the same in either order.
+  ObjectPositions(std::vector<std::uint32_t> class_begins, std::vector<ObjectPair> pairs,
+                  const std::vector<bool>& is_unordered);
+
+  std::size_t object_count() const { return class_begins_.back(); }
+  const std::vector<std::uint32_t>& class_begins() const { return class_begins_; }
+  const std::vector<ObjectPair>& pairs() const { return pairs_; }
+
+  // The positions by kind, first and second object: for two objects of a kind, the entry at table_of(kind) +
+  // first * object_count() + second. kNone if there is no such position.
+  const std::vector<std::uint32_t>& table() const { return table_; }
+  std::size_t table_of(std::uint32_t kind) const { return kind * object_count() * object_count(); }
+
+  // Returns what a permutation of the objects does to the positions. Empty if it carries a pair with a
+  // position to one without.
+  Images images_of(const std::vector<std::uint32_t>& objects) const;
+
+ private:
+  std::vector<std::uint32_t> class_begins_;
+  std::vector<ObjectPair> pairs_;  // by position
+  std::vector<std::uint32_t> table_;
+};
+
 class ObjectSearch : public ImageSearch {
  public:
-  // The group is that of all permutations of the objects within their classes, of which there are fewer than
-  // 2^16; each has an image by positions.images_of. Only the positions with values, ascending, are read. At
-  // most `max_candidates` are followed at a time.
+  // The group consists of all permutations of the objects within their classes; each has images by
+  // positions.images_of. There are fewer than 2^16 objects. Only the positions with values, ascending, are
+  // read. At most `max_candidates` are followed at a time.
   ObjectSearch(const ObjectPositions& positions, const std::vector<std::uint32_t>& positions_with_values,
                std::size_t max_candidates);
   std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ObjectSearch>(*this); }
-  bool maximise(Placed* word) override;
+  bool maximise(Placed* values) override;
 
  private:
   using Object = std::uint16_t;
 
-  // How a position is read: of its two slots the free one is that in which the positions behind it differ,
-  // and `run` is the number of positions, this one included, whose free slots follow each other, all else
-  // equal. The value comes from table[base + object of the fixed slot * fixed_stride + object of the free one
-  // * free_stride].
+  // How a position is read. The free one of its two slots is the one in which the next positions differ, and
+  // `run` is the number of positions, this one included, whose free slots follow each other, all else equal.
+  // The value comes from table[base + object of the fixed slot * fixed_stride + object of the free one *
+  // free_stride].
   struct Step {
     std::size_t base;
-    std::size_t fixed_stride;  // 0 where there is one slot
+    std::size_t fixed_stride;  // 0 if there is one slot
     std::size_t free_stride;
     std::uint32_t fixed_slot;
     std::uint32_t free_slot;
@@ -87,15 +128,15 @@ class ObjectSearch : public ImageSearch {
   }
 
   void start();
-  std::size_t advance(std::size_t next, const Placed* word);
+  std::size_t advance(std::size_t next, const Placed* values);
   void close(std::uint32_t slot);
   void branch(std::uint32_t slot);
-  void read(const Step& step, std::uint32_t length, const Placed* word);
-  void rank(const Step& step, std::uint32_t length, const Placed* word, const Object* objects);
+  void read(const Step& step, std::uint32_t length, const Placed* values);
+  void rank(const Step& step, std::uint32_t length, const Placed* values, const Object* objects);
   void split(std::uint32_t slot, std::uint32_t length);
-  void merge_equal(std::size_t next, const Placed* word);
-  std::uint64_t hash_from(std::size_t next, const Placed* word, const Object* objects) const;
-  bool equal_from(std::size_t next, const Placed* word, const Object* a, const Object* b) const;
+  void merge_equal(std::size_t next, const Placed* values);
+  std::uint64_t hash_from(std::size_t next, const Placed* values, const Object* objects) const;
+  bool equal_from(std::size_t next, const Placed* values, const Object* a, const Object* b) const;
 
   std::shared_ptr<const Plan> plan_;
   bool is_exact_ = true;

@@ -8,7 +8,7 @@ namespace symfold::detail {
 ProductSearch::ProductSearch(std::vector<Factor> factors) : factors_(std::move(factors)) {
   std::size_t longest = 0;
   for (const Factor& factor : factors_) longest = std::max(longest, factor.positions.size());
-  part_.resize(longest);
+  factor_values_.resize(longest);
 }
 
 std::unique_ptr<ImageSearch> ProductSearch::clone() const {
@@ -17,14 +17,14 @@ std::unique_ptr<ImageSearch> ProductSearch::clone() const {
   return std::make_unique<ProductSearch>(std::move(factors));
 }
 
-bool ProductSearch::maximise(Placed* word) {
+bool ProductSearch::maximise(Placed* values) {
   bool is_exact = true;
   for (const Factor& factor : factors_) {
     std::size_t i = 0;
-    for (const std::uint32_t position : factor.positions) part_[i++] = word[position];
-    if (!factor.search->maximise(part_.data())) is_exact = false;
+    for (const std::uint32_t position : factor.positions) factor_values_[i++] = values[position];
+    if (!factor.search->maximise(factor_values_.data())) is_exact = false;
     i = 0;
-    for (const std::uint32_t position : factor.positions) word[position] = part_[i++];
+    for (const std::uint32_t position : factor.positions) values[position] = factor_values_[i++];
   }
   return is_exact;
 }

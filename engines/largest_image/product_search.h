@@ -15,16 +15,16 @@ struct Factor {
   std::unique_ptr<ImageSearch> search;
 };
 
-// Cost beside that of the factors: a copy of the word.
+// Cost besides that of the factors: a copy of the values.
 class ProductSearch : public ImageSearch {
  public:
   explicit ProductSearch(std::vector<Factor> factors);
   std::unique_ptr<ImageSearch> clone() const override;
-  bool maximise(Placed* word) override;
+  bool maximise(Placed* values) override;
 
  private:
   std::vector<Factor> factors_;
-  std::vector<Placed> part_;
+  std::vector<Placed> factor_values_;
 };
 
 }  // namespace symfold::detail

@@ -22,11 +22,11 @@ using Positions = std::vector<std::uint32_t>;
 
 std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds);
 
-// Orbits up to this length are cheap to look at.
-constexpr std::size_t kShortOrbit = 16;
+// Blocks and objects are cheap to look for in orbits up to this length.
+constexpr std::size_t kMaxShortOrbit = 16;
 
-// All elements, by multiplying those known with as few generators as are needed; nothing where there are more
-// than `max_elements`.
+// Returns all elements, found by multiplying those known with as few generators as are needed; nothing if
+// there are more than `max_elements`.
 std::vector<Images> list_elements(const Subgroup& group, std::size_t max_elements) {
   std::set<Images> known{identity_images<Images>(group.size())};
   std::vector<const Images*> elements{&*known.begin()};
@@ -48,8 +48,8 @@ std::vector<Images> list_elements(const Subgroup& group, std::size_t max_element
   return all;
 }
 
-// A group of which every position is moved, and which is no direct product. Rings, grids and the like, with
-// few more elements than points in an orbit, are listed before blocks and objects are looked for in vain.
+// For a group that moves every position and is no direct product. Rings, grids and the like have few more
+// elements than points in an orbit. They are listed before blocks and objects are looked for in vain.
 std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const SearchBounds& bounds) {
   const std::size_t max_elements = std::min(bounds.max_elements, bounds.max_images / group.size());
   const auto list = [&](std::size_t count) -> std::unique_ptr<ImageSearch> {
@@ -57,7 +57,7 @@ std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const Sea
     if (elements.empty()) return nullptr;
     return std::make_unique<ListSearch>(std::move(elements), group.positions_with_values());
   };
-  if (const std::size_t longest = group.orbits().back().size(); longest > kShortOrbit) {
+  if (const std::size_t longest = group.orbits().back().size(); longest > kMaxShortOrbit) {
     if (auto search = list(2 * longest)) return search;
   }
   if (auto found = recognise_blocks(group)) {
@@ -74,7 +74,7 @@ std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const Sea
   return std::make_unique<ChainSearch>(group.size(), std::move(levels), bounds.max_candidates);
 }
 
-// The generators that move these positions, in their numbering.
+// Returns what the generators do to these positions, numbered in their order, without identities.
 std::vector<Images> restricted(const std::vector<Images>& generators, const Positions& positions) {
   std::vector<Images> result;
   Images images(positions.size());

@@ -1,4 +1,4 @@
-// How the largest image under a group is best found, read off its permutations once.
+// Chooses a search for the largest image from the structure of the group.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_RECOGNITION_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_RECOGNITION_H
@@ -11,18 +11,19 @@
 namespace symfold::detail {
 
 struct SearchBounds {
-  std::size_t max_candidates = 20'000;            // at least 1; followed at a time, for each search
+  std::size_t max_candidates = 20'000;            // at least 1; followed by a search at a time
   std::size_t max_elements = 20'000;              // of a group that is listed
   std::size_t max_images = std::size_t{1} << 26;  // entries in the tables of a search, 4 bytes each
 };
 
-// The search for the whole group; null for the trivial one. What a group is taken for is proved: every
-// permutation of the table is checked to be in the group recognised, and generators of that to be in the
-// table's group. Throws std::length_error where a group fits no search within the bounds.
+// Returns the search for the whole group, null for the trivial one. The structure that is recognised is
+// proved: every permutation of the table is in the recognised group, and generators of this are in the
+// table's group. Throws std::length_error if a group fits no search within the bounds, std::invalid_argument
+// if max_candidates is 0.
 //
-// Cost, for orbits of length L and N positions in all: groups that are listed, a composition for each
-// element; others a few times L * L to look for blocks, and N for each of the table's permutations; a chain,
-// besides, a Schreier-Sims run.
+// Cost for orbits of length L and N positions in all: for groups that are listed, a composition for each
+// element; for others, a few times L * L to look for blocks, and N for each of the table's permutations. A
+// stabiliser chain needs a Schreier-Sims run besides.
 std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds);
 
 }  // namespace symfold::detail

@@ -25,8 +25,7 @@ struct TableLevel {
 class TableGroup {
  public:
   // The points are as many as has_value has entries; has_value[c] is false if nothing lies at point c. All
-  // images are permutations of the points. Bases and values that are no points are allowed: no member is
-  // recognised by them.
+  // images are permutations of the points. Bases and values may be no points: contains() ignores them.
   TableGroup(std::vector<bool> has_value, std::vector<TableLevel> levels);
 
   std::size_t point_count() const { return has_value_.size(); }

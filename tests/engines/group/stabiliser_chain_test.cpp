@@ -10,7 +10,6 @@
 #include "components/schreier_sims.h"
 #include "components/schreier_tree.h"
 #include "engines/group/stabiliser_chain.h"
-#include "engines/group/strong_generators.h"
 #include "tests/support/group_checks.h"
 
 namespace symfold::detail {
@@ -78,7 +77,7 @@ TEST(StrongGenerators, AreCompletedByVerificationAlone) {
           moves.push_back({i, images[static_cast<std::size_t>(i)]});
       }
     }
-    const StabiliserChain chain = read_chain(7, strong_generators(7, sparse, {}, 0));
+    const StabiliserChain chain = read_stabiliser_chain(7, strong_generators(7, sparse, {}, 0));
     const double order =
         std::accumulate(chain.orbit_lengths.begin(), chain.orbit_lengths.end(), 1.0, std::multiplies<>());
     EXPECT_EQ(order, static_cast<double>(oracle::closure(7, generators).size()));
