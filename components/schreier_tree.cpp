@@ -9,25 +9,23 @@
 
 namespace symfold {
 
-// A tree of no points stands for generators that have not been set.
-SchreierTree::SchreierTree()
-    : tree_(std::make_unique<detail::StabiliserFirstTree>(0, std::vector<std::span<const int>>())) {}
+SchreierTree::SchreierTree() = default;
+SchreierTree::~SchreierTree() = default;
+SchreierTree::SchreierTree(SchreierTree&& other) noexcept = default;
 
 SchreierTree::SchreierTree(const SchreierTree& other)
     : n(other.n),
       perms_(other.perms_),
       root_(other.root_),
-      tree_(std::make_unique<detail::StabiliserFirstTree>(*other.tree_)) {}
+      tree_(other.tree_ ? std::make_unique<detail::StabiliserFirstTree>(*other.tree_) : nullptr) {}
 
-SchreierTree& SchreierTree::operator=(const SchreierTree& other) {
+SchreierTree& SchreierTree::operator=(SchreierTree other) noexcept {
   n = other.n;
-  perms_ = other.perms_;
+  perms_.swap(other.perms_);
   root_ = other.root_;
-  *tree_ = *other.tree_;
+  tree_.swap(other.tree_);
   return *this;
 }
-
-SchreierTree::~SchreierTree() = default;
 
 void SchreierTree::SetPerms(std::vector<Permutation> perms) {
   n = std::max(n, 0);
@@ -41,7 +39,7 @@ void SchreierTree::SetPerms(std::vector<Permutation> perms) {
     images.emplace_back(permutation.GetP(), static_cast<std::size_t>(n));
   }
   root_ = -1;
-  *tree_ = detail::StabiliserFirstTree(n, images);
+  tree_ = perms_.empty() ? nullptr : std::make_unique<detail::StabiliserFirstTree>(n, images);
 }
 
 void SchreierTree::PrintPerms() { PrintPerms(std::cout); }
@@ -52,15 +50,16 @@ void SchreierTree::PrintPerms(std::ostream& out) {
 
 void SchreierTree::SetRootValue(int r) {
   root_ = r;
-  tree_->clear();
+  if (tree_) tree_->clear();
 }
 
 void SchreierTree::CreateTree(int r) {
   SetRootValue(r);
-  if (r >= 0 && r < tree_->point_count()) tree_->build(r);
+  if (tree_ && r >= 0 && r < tree_->point_count()) tree_->build(r);
 }
 
 std::size_t SchreierTree::CountPathPermutations() const {
+  if (!tree_) return 0;
   const detail::OrbitTree& tree = tree_->tree();
   std::size_t count = 0;
   for (const int point : tree.points()) count += static_cast<std::size_t>(tree.depth(point));
@@ -68,6 +67,7 @@ std::size_t SchreierTree::CountPathPermutations() const {
 }
 
 std::vector<ValPerms> SchreierTree::GetAllPermutationsToRoot() {
+  if (!tree_) return {};
   const detail::OrbitTree& tree = tree_->tree();
   std::vector<ValPerms> records;
   for (const int value : tree.points()) {

@@ -20,7 +20,8 @@ class SchreierTree {
  public:
   SchreierTree();
   SchreierTree(const SchreierTree& other);
-  SchreierTree& operator=(const SchreierTree& other);
+  SchreierTree(SchreierTree&& other) noexcept;
+  SchreierTree& operator=(SchreierTree other) noexcept;
   ~SchreierTree();
 
   // The number of points. The caller writes it before anything else.
@@ -54,7 +55,7 @@ class SchreierTree {
  private:
   std::vector<Permutation> perms_;
   int root_ = -1;
-  std::unique_ptr<detail::StabiliserFirstTree> tree_;  // by the numbers of perms_; never null
+  std::unique_ptr<detail::StabiliserFirstTree> tree_;  // null while there are no generators
 };
 
 }  // namespace symfold
