@@ -41,7 +41,6 @@ class Permutation {
 
   bool IsIdentity() const;
 
-
   // The point count. A caller that overwrites the first images through GetP may lower it.
   int n;
 
