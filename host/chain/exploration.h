@@ -80,8 +80,8 @@ class Exploration {
   //
   // `order` is the order of submodels and joins in the state vector that the labeller takes: the names of all
   // of them, each once, which is the detector's SSOrder. If it is empty, the submodels come first and then
-  // the joins, both in the model's order. Without `keeps_chain` the rate matrix is not kept, of
-  // 8 bytes a state and 12 bytes a transition, and take_chain() must not be called.
+  // the joins, both in the model's order. If `keeps_chain` is false, the rate matrix (8 bytes
+  // a state and 12 bytes a transition) is not kept, and take_chain() must not be called.
   //
   // Model and labeller must outlive the exploration. Throws ModelError if the compiled actions are too large
   // or an observable has a quantifier with arguments that have no value, and std::out_of_range for an unknown

@@ -27,7 +27,7 @@ namespace symfold {
 
 class Explorer {
  public:
-  // The contract of these is that of Exploration's.
+  // The contracts are those of Exploration.
   Explorer(const ComposedModel& model, const std::vector<std::string>& order, Labeller* labeller,
            bool keeps_chain);
   Explorer(const Explorer&) = delete;

@@ -25,7 +25,7 @@ class ProgramCompiler::Writer {
          const QuantifierNumber& number_of)
       : compiler_(compiler), parameters_(parameters), around_(around), number_of_(number_of) {}
 
-  // Leaves a value of the wanted type: that of the expression, or real if that is int.
+  // Leaves a value of the wanted type, which is the expression's own type or, for an int, real.
   void write(ExprId id, const StaticType& wanted) {
     const Expr& expr = compiler_.model_.expr(id);
     if (const auto value = constant_value(id)) {

@@ -90,7 +90,7 @@ void GrowthAxes::draw_decades(SvgWriter& svg) const {
 void GrowthAxes::draw_parameter(const GrowthPlot& plot, SvgWriter& svg) const {
   const double bottom = frame_.bottom;
   const std::int64_t numbered = step();
-  svg.open_group({{"stroke", kInk}, {"stroke-width", 0.8}});
+  svg.open_group({{"stroke", kPlotInk}, {"stroke-width", 0.8}});
   svg.add("line", {{"x1", frame_.left}, {"y1", bottom}, {"x2", frame_.right}, {"y2", bottom}});
   for (const GrowthPoint& point : plot.points) {
     const double at = x(point.value);

@@ -11,7 +11,7 @@
 namespace symfold {
 
 // The ink of axes and texts.
-inline constexpr const char* kInk = "#222";
+inline constexpr const char* kPlotInk = "#222";
 
 // In pixels; y grows downwards.
 struct PlotFrame {

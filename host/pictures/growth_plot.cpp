@@ -227,7 +227,7 @@ std::string GrowthDrawing::draw() {
   svg_.add("rect", {{"width", kWidth}, {"height", kHeight}, {"fill", "#fff"}});
   svg_.open_group({{"font-family", "Helvetica, Arial, 'Liberation Sans', 'DejaVu Sans', sans-serif"},
                    {"font-size", kTextSize},
-                   {"fill", kInk}});
+                   {"fill", kPlotInk}});
   svg_.add("text", {{"x", frame_.left}, {"y", 15.0}, {"font-size", 11.0}, {"font-weight", "bold"}},
            xml_escaped(plot_.title));
   axes_.draw(plot_, svg_);

@@ -111,7 +111,7 @@ std::vector<Place> circle(std::size_t count, double step) {
 // Columns that run outwards and inwards by turns, `gap` apart where they are nearest. Their lengths differ by
 // at most one place.
 std::vector<Place> folded_ring(std::size_t count, double step, double gap) {
-  const double inner_share = 0.6;  // the inner radius in columns' lengths, roughly
+  const double inner_share = 0.6;  // inner radius by column length, roughly
   const double wanted =
       std::sqrt(static_cast<double>(count) * gap / (2 * std::numbers::pi * inner_share * step));
   const auto half = static_cast<std::size_t>(std::ceil(static_cast<double>(count) / wanted / 2));

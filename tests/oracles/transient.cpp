@@ -5,7 +5,7 @@
 namespace symfold::oracle {
 namespace {
 
-// Gives the probability that it moves.
+// Makes a step and returns the probability that it moves.
 double step(const RateMatrix& matrix, double rate, std::vector<double>& probabilities) {
   const std::vector<double> before = probabilities;
   for (StateId s = 0; s < matrix.state_count(); ++s) {

@@ -30,7 +30,7 @@ class Scanner {
     return true;
   }
 
-  // Literals as they are, numbers and identifiers into the variables given.
+  // Scans literals as they are, and numbers and identifiers into the given variables.
   template <class... Parts>
   void scan(Parts&&... parts) {
     (get(parts), ...);
@@ -83,7 +83,7 @@ std::vector<std::string> identifiers(Scanner& in, std::string_view separator) {
   return names;
 }
 
-// The rest of the file, a transition per line; `base` is the number of the first state.
+// Reads the rest of the file, a transition per line; `base` is the number of the first state.
 void read_lines(Scanner& in, std::uint64_t base, std::uint64_t count, ReadChain& chain) {
   while (!in.is_done()) {
     auto& [source, target, rate] = chain.transitions.emplace_back();
@@ -187,7 +187,7 @@ void read_drn(Scanner& in, std::uint64_t states, ReadChain& chain) {
   }
 }
 
-// Text in quotes: its lines, without escapes.
+// Returns the lines of a text in quotes, without escapes.
 std::vector<std::string> quoted_lines(Scanner& in) {
   in.scan("\"");
   std::vector<std::string> lines(1);

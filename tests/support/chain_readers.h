@@ -10,7 +10,7 @@
 
 namespace symfold {
 
-// Source and target, from 0 whatever the format, and rate.
+// Source and target, counted from 0 in every format, and rate.
 using Transition = std::tuple<std::uint64_t, std::uint64_t, double>;
 
 // What a file says; what its format does not hold is empty.
@@ -23,8 +23,8 @@ struct ReadChain {
   std::vector<Transition> transitions;
 };
 
-// Reads a file of a chain of so many states, in the format of its ending. Takes exactly what the format's
-// description in docs/file-formats.md allows, and throws std::runtime_error at anything else.
+// Reads a file of a chain of `state_count` states, in the format of its ending. Takes exactly what the
+// format's description in docs/file-formats.md allows, and throws std::runtime_error at anything else.
 ReadChain read_chain_file(const std::string& path, std::uint64_t state_count);
 
 }  // namespace symfold

@@ -11,14 +11,14 @@
 
 namespace symfold {
 
-// An example with constants for which its full state space is small.
+// An example, with constants that make its full state space small.
 ComposedModel small_example(const std::string& name);
 
-// n submodels of k local states each on one join; every submodel moves on, starts again, or stays.
+// A model of n submodels of k local states each on one join; every submodel moves on, starts again, or stays.
 std::string star_text(int n, int k);
 
 struct Explored {
-  std::string error;  // what a ModelError says; then nothing else is known
+  std::string error;  // the text of a ModelError; then nothing else is known
   Ending ending = Ending::kUnderWay;
   ExplorationFigures figures;
   MarkovChain chain;  // of all states, if the exploration was complete; it cannot read values any more
@@ -41,7 +41,7 @@ class FoldedModel {
     return explored(model_, order(), (is_exact ? exact_ : greedy_).make_labeller().get());
   }
 
-  // By state, the number of its symmetry class.
+  // Returns for each state the number of its symmetry class.
   std::vector<int> classes_of(const std::vector<std::vector<std::int16_t>>& states) const;
 
  private:

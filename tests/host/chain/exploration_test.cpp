@@ -14,7 +14,7 @@
 namespace symfold {
 namespace {
 
-// The figures are those of the first states of this chain.
+// Expects the figures to be those of the first states of this chain.
 void expect_counted(const ExplorationFigures& figures, const Explored& whole) {
   std::size_t transitions = 0;
   std::size_t deadlocks = 0;
@@ -45,7 +45,7 @@ std::size_t depth_of(const std::vector<std::map<std::size_t, double>>& rows) {
   return distance.back();
 }
 
-// Explores the model in both ways; true where the chain is complete.
+// Explores the model in both ways. Returns true if the chain is complete.
 bool expect_naive_chain(const ComposedModel& model) {
   constexpr std::size_t kMaxStates = 1000;
   const oracle::NaiveChain naive = oracle::naive_chain(model, kMaxStates);

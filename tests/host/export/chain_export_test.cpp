@@ -122,7 +122,7 @@ std::string text_of_value(const ChainVariable& variable, int value, bool is_for_
   return std::to_string(value);
 }
 
-// Of each format, what its file has to say.
+// What the file of a format has to say.
 ReadChain expected_of(const MarkovChain& chain, const std::string& ending, std::size_t reward) {
   const bool has_loops = ending == ".tra" || ending == ".drn";
   const bool is_drawing = ending == ".dot";
@@ -266,7 +266,8 @@ TEST(ChainExport, RefusesInOneLineAndLeavesNothingBehind) {
   EXPECT_FALSE(fs::exists("d.tra.partial") || fs::exists("full.tra.partial"));
 }
 
-// Numbers and a text longer than the buffer, across its end; a file given up leaves the one before it.
+// Writes numbers across the end of the buffer, and a text longer than the buffer. A file that is given up
+// leaves the one before it.
 TEST(NewFile, AppearsWholeOrNotAtAll) {
   const TempDir directory;
   const std::string path = "file";

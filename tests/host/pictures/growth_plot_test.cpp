@@ -12,7 +12,7 @@
 namespace symfold {
 namespace {
 
-// What is wrong with the document: tags that do not match, attributes without quotes, stray markup
+// Says what is wrong with the document: tags that do not match, attributes without quotes, stray markup
 // characters.
 std::string xml_error(const std::string& text) {
   static const std::regex tag(R"re(<(/?)([a-z]+)((?: [A-Za-z0-9:-]+="[^"<]*")*)(/?)>)re");
@@ -42,8 +42,8 @@ std::vector<std::vector<double>> numbers_at(const std::string& text, const std::
   return found;
 }
 
-// The points of a curve lie where their values and the logarithms of their counts want them, by the axes'
-// labels, and lines join neighbours only.
+// Expects the points of a curve where their values and the logarithms of their counts put them by the axes'
+// labels, and lines between neighbours only.
 void expect_curve(const std::string& svg, const GrowthPlot& plot, const std::string& name,
                   std::optional<std::uint64_t> GrowthPoint::*count) {
   const auto decades = numbers_at(svg, R"re(y="([0-9.]+)">10<tspan[^>]*>([0-9]+)</tspan>)re");
