@@ -49,7 +49,7 @@ struct Report {
   std::size_t peak_bytes;
 };
 
-// The generators are given whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
+// Generators are told whole or, for a person, with at most kPrintedCycles cycles of kPrintedNames names.
 Report make_report(const ComposedModel& model, const Folding& folding, bool is_whole) {
   const SymmetryDetection& detector = *folding.detector();
   Report report{};

@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::size_t kMaxSubmodels = 500;
 constexpr std::size_t kMaxJoins = 1000;
-constexpr std::size_t kMaxNodes = 3000;  // that Graphviz places in about a minute
+constexpr std::size_t kMaxNodes = 3000;  // Graphviz places so many in about a minute
 
-// Without the ending.
+// The output's name without its ending.
 std::string output_stem(const DrawOptions& options) {
   if (options.output.empty()) return options.input.stem();
   return options.output.substr(0, options.output.size() - std::string(".dot").size());

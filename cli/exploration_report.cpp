@@ -20,7 +20,7 @@ double states_per_second(const ExplorationResult& result) {
   return figures.seconds > 0 ? static_cast<double>(figures.expanded) / figures.seconds : 0;
 }
 
-// Of the packed states alone the figures say state_bytes; this is with the index.
+// Counts the index, too; state_bytes is that of the packed states alone.
 double bytes_per_state(const ExplorationFigures& figures) {
   return static_cast<double>(figures.memory) / static_cast<double>(std::max<std::size_t>(figures.states, 1));
 }
@@ -89,8 +89,8 @@ void print_range_cells(std::ostream& out, const std::vector<std::string>& cells)
   out << std::endl;
 }
 
-// How many times fewer states the result has than the first one, which is the full state space; 0 where that
-// is not known.
+// Returns how many times fewer states the result has than the first one, which is the full state space; 0 if
+// that is not known.
 double reduction(const std::vector<ExplorationResult>& results, const ExplorationResult& result) {
   const ExplorationResult& full = results.front();
   if (full.is_folded() || !full.is_complete() || !result.is_complete()) return 0;

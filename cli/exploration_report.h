@@ -28,16 +28,17 @@ struct ExplorationResult {
   bool is_complete() const { return ending == Ending::kComplete; }
 };
 
-// A table with a column for each result; where there are several, the first one is the full state space.
+// Prints a table with a column for each result. If there are several, the first one is the full state space.
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results);
 
-// The same for a range of a parameter's values: a line for each, as soon as it is known.
+// Print the same for a range of a parameter's values: a line for each, as soon as it is known.
 void print_range_head(std::ostream& out, const std::string& parameter,
                       const std::vector<Symmetry>& symmetries);
 void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>& symmetries,
                      const std::vector<ExplorationResult>& results);
 
-// What was reached where a limit or an interrupt ended an exploration: "stopped at the limit of memory: ...".
+// Tells what was reached when a limit or an interrupt ended an exploration: "exploration with symmetry exact
+// not complete (memory limit): ...".
 std::string ending_text(const ExplorationResult& result);
 
 nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& results);

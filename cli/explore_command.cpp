@@ -110,7 +110,7 @@ std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input
   return results;
 }
 
-// Says what was not completed; the exit code.
+// Says what was not completed. Returns the exit code.
 int ExploreRun::report_endings(const std::vector<ExplorationResult>& results) {
   int code = kOk;
   for (const ExplorationResult& result : results) {

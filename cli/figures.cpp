@@ -40,7 +40,7 @@ std::string group_order(const std::vector<int>& orbit_lengths) {
   return order.str();
 }
 
-// The second number of statm: resident pages (proc(5)). 0 where there is no such file.
+// Resident pages are the second number of statm (proc(5)). Returns 0 if there is no such file.
 std::size_t current_memory() {
   std::ifstream statm("/proc/self/statm");
   std::size_t total = 0;

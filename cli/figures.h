@@ -24,10 +24,10 @@ std::string grouped(std::size_t number);
 // "12.5 %" of a share of 0.125.
 std::string percentage(double share);
 
-// With so many digits behind the point.
+// A number with so many digits behind the point.
 std::string fixed(double number, int digits);
 
-// The exact order of a group, in decimal: the product of its chain's orbit lengths.
+// The exact order of a group, in decimal: the product of its orbit lengths.
 std::string group_order(const std::vector<int>& orbit_lengths);
 
 // The memory that the process holds, and the most that it has held so far, in bytes.

@@ -26,7 +26,7 @@ int digit_value(char c) {
   return -1;
 }
 
-// Reads a state. Empty text, or what is wrong with the line.
+// Reads a state. Returns what is wrong with the line, or an empty text.
 std::string parse_state(std::string_view line, Bytes& state) {
   if (line.size() != 2 * state.size()) {
     return "expected " + std::to_string(2 * state.size()) + " hexadecimal digits, got " +
@@ -52,7 +52,7 @@ void print_hexadecimal(std::ostream& out, const Bytes& bytes, std::string& text)
 }
 
 // Reads a line without its end, of which at most `longest` characters are kept. A carriage return before the
-// end belongs to it. False at the end of the input.
+// end belongs to it. Returns false at the end of the input.
 bool read_line(std::istream& in, std::size_t longest, std::string& line) {
   line.clear();
   std::streambuf& buffer = *in.rdbuf();
@@ -115,7 +115,7 @@ class LabelRun {
     return kOk;
   }
 
-  // kCheckFailed where some labels are not sure to be exact.
+  // Returns kCheckFailed if some labels may not be exact.
   int report_inexact() const {
     const std::size_t count = labeller_->inexact_count();
     if (count == 0) return kOk;

@@ -13,8 +13,16 @@
 namespace symfold {
 
 GreedyGroup::GreedyGroup(const LabellingTables& tables) : partition_count_(tables.sizes.size()) {
+  const auto state_size = std::accumulate(tables.sizes.begin(), tables.sizes.end(), std::int64_t{0});
+  if (state_size > detail::MovePlan::kMaxStateBytes) {
+    throw std::length_error("the states are too large for greedy labels");
+  }
   std::vector<std::span<const ValPerms>> records_of_base;
-  for (const LabellingTables::Base& base : tables.bases) records_of_base.push_back(base.records);
+  std::size_t record_count = 0;
+  for (const LabellingTables::Base& base : tables.bases) {
+    records_of_base.push_back(base.records);
+    record_count += base.records.size();
+  }
   const bool is_countable = partition_count_ <= static_cast<std::size_t>(kMaxPartitions);
   if (is_countable && tables.offsets.size() >= partition_count_) {
     plan_ = detail::MovePlan::make(records_of_base, tables.sizes, tables.offsets,
@@ -24,6 +32,7 @@ GreedyGroup::GreedyGroup(const LabellingTables& tables) : partition_count_(table
     throw std::invalid_argument(
         "expected permutations between partitions of equal size that follow each other without gaps");
   }
+  images_.reserve(record_count * partition_count_);
   for (const std::span<const ValPerms> records : records_of_base) add_witnesses(records);
 }
 

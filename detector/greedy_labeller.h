@@ -27,8 +27,8 @@ class GreedyGroup {
  public:
   // Keeps no reference to the tables. Takes for each record 2 bytes a partition and a few for each stretch of
   // the state that it moves; the cost is linear in that. Throws std::invalid_argument if the tables are not
-  // bijections between partitions of equal size that follow each other without gaps, or if a state has more
-  // than 128 MiB or more than 32,767 partitions.
+  // bijections between partitions of equal size that follow each other without gaps, or if there are more
+  // than 32,767 partitions; std::length_error if a state has more than 128 MiB.
   explicit GreedyGroup(const LabellingTables& tables);
   ~GreedyGroup();
 

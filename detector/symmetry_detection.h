@@ -145,7 +145,7 @@ class SymmetryDetection {
   // Writes the canonical label of `state` to `out` (TotalStateSize bytes each, may be the same) and, unless
   // perm is null, the num_partitions entries of P1 P2 ... Pk (entry y is P1[P2[...Pk[y]...]]), Pi being the
   // permutation chosen at base i. Afterwards af_current_state and af_best_state hold the label too, and
-  // af_best_perm these entries (the identity where perm is null). Allocates nothing. Cost: a few nanoseconds
+  // af_best_perm these entries (the identity if perm is null). Allocates nothing. Cost: a few nanoseconds
   // per record of the tables ConvertSTLToStatic found; tables with permutations that are no bijections
   // between partitions of equal size cost a pass over the state per record.
   void FindCanonicalLabel(void* state, void* out, short* perm);
@@ -232,7 +232,7 @@ class SymmetryDetection {
   bool HasWholeGroup = false;
   // What the last WritePermFile or ReadPermFile reported; empty after a success.
   std::string PermFileError;
-  // Per base slot, the index of the record that the last FindCanonicalLabel chose, -1 where it kept its
+  // For each base slot, the index of the record that the last FindCanonicalLabel chose, -1 if it kept its
   // state.
   int* af_choice = nullptr;
 

@@ -1,9 +1,10 @@
-// The canonical label search: greedy, base by base. For each base point every stored permutation of its orbit
-// is tried on the current state; the largest image, bytes in memcmp order, goes on to the next base.
+// The search for greedy labels, base by base. For each base point every stored permutation of its orbit is
+// tried on the current state. The largest image, bytes in memcmp order, goes on to the next base.
 //
 // Two roads lead to the same label. The plan (move_plan.h) takes tables of bijections between partitions of
-// equal size, as detection makes them. Step by step go all others: every image is made, at the cost of a pass
-// over the state, and an entry that leads outside the state ends the process. Nothing is allocated on either.
+// equal size, as detection makes them. For all other tables the search goes step by step: it makes every
+// image, at the cost of a pass over the state, and ends the process at an entry that leads outside the state.
+// Neither road allocates anything.
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,7 +16,7 @@
 
 namespace symfold {
 
-// The last slot of this base point: in tables of detection's making there is only one.
+// Returns the last slot of this base point. In tables that detection has made there is only one.
 int SymmetryDetection::FindBaseSlot(int base) const {
   for (int i = num_bases; i-- > 0;) {
     if (static_bases[i] == base) return i;
@@ -50,8 +51,9 @@ void SymmetryDetection::FindCanonicalLabel(void* state, void* out, short* perm) 
   if (perm != nullptr) std::memcpy(perm, af_best_perm, perm_size);
 }
 
-// The plan answers for the tables that it was made from; whoever changed what the search reads gets the
-// search step by step, with its checks. So does whoever asks for more partitions than a short can number.
+// The plan answers for the tables that it was made from. If the caller has changed what the search reads, the
+// search goes step by step, with its checks. The same happens if there are more partitions than a short can
+// hold.
 bool SymmetryDetection::PlanApplies() const {
   return plan_ != nullptr && plan_->state_size() == TotalStateSize &&
          plan_->partition_count() == num_partitions && num_partitions <= kMaxPartitions &&
@@ -93,7 +95,7 @@ void SymmetryDetection::SearchStepByStep(const void* state, bool composes) {
   }
 }
 
-// af_temp_best_perm: the inverse of the permutation that the choice at base `step` applies last.
+// Makes af_temp_best_perm the inverse of the permutation that the choice at base `step` applies last.
 void SymmetryDetection::FindLastPermutation(int step) {
   const int slot = FindBaseSlot(static_bases[step]);
   const int value = static_vperms[slot][af_choice[step]].Value;

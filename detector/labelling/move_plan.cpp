@@ -14,13 +14,13 @@
 //
 // Most images lose at once: a move's head, the image's bytes from the first moved one on, as far as two
 // pieces reach but at most eight, is one number put together from two loads. It is compared with the head of
-// the best image so far where that begins at the same byte, or else with the state, which the best image
+// the best image so far if that begins at the same byte, or else with the state, which the best image
 // equals before its own first byte. Only equal heads make the walk necessary, from their end on.
 //
-// Loads and stores take whole words. Where they read or write past a piece, the surplus is masked or
+// Loads and stores take whole words. If they read or write past a piece, the surplus is masked or
 // overwritten by the next piece, and past the state it falls into the room around the buffers.
 //
-// Cost per state: a few nanoseconds per move, more where images tie for long, and one copy of the state per
+// Cost per state: a few nanoseconds per move, more if images tie for long, and one copy of the state per
 // base that changes it. Memory: 8 bytes per piece and 32 per move.
 //
 // Tried and dropped: making the best image whenever it changes and comparing with its bytes. That walks one
@@ -40,7 +40,6 @@
 namespace symfold::detail {
 namespace {
 
-constexpr std::int64_t kMaxStateBytes = std::int64_t{1} << 27;
 constexpr int kWord = 8;           // bytes compared at once
 constexpr std::size_t kRoom = 16;  // bytes copied at once
 
@@ -53,13 +52,13 @@ std::uint64_t load_word(const unsigned char* bytes) {
 // The mask of the first `bytes` bytes of a word, one at least.
 std::uint64_t leading(int bytes) { return ~std::uint64_t{0} << 8 * (kWord - bytes); }
 
-// Whether the partitions follow each other without gaps from byte 0 on and make no longer state.
+// Returns true if the partitions follow each other without gaps from byte 0 on and make no longer state.
 bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
   std::int64_t end = 0;
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     if (sizes[c] < 0 || offsets[c] != end) return false;
     end += sizes[c];
-    if (end > kMaxStateBytes) return false;
+    if (end > MovePlan::kMaxStateBytes) return false;
   }
   return true;
 }
@@ -179,7 +178,8 @@ int MoveSearch::advance(std::size_t step) {
   return best->record;
 }
 
-// Whether the image is larger than the best one so far. Where the best begins earlier, heads say nothing.
+// Returns true if the image is larger than the best one so far. If the best begins earlier, heads say
+// nothing.
 inline bool MoveSearch::beats(const Move& move, std::uint64_t head, const Move& best,
                               std::uint64_t best_head) const {
   if (move.first_byte <= best.first_byte) {
@@ -192,7 +192,7 @@ inline bool MoveSearch::beats(const Move& move, std::uint64_t head, const Move& 
   return is_larger(move, best, best.first_byte);
 }
 
-// The same for images that are equal before `position`.
+// Does the same for images that are equal before `position`.
 bool MoveSearch::is_larger(const Move& move, const Move& best, int position) const {
   const int state_size = plan_.state_size_;
   if (position == state_size) return false;

@@ -20,6 +20,8 @@ namespace symfold::detail {
 
 class MovePlan {
  public:
+  static constexpr std::int64_t kMaxStateBytes = std::int64_t{1} << 27;
+
   // A plan for the records of each base, in base order, and partitions of these sizes and offsets in bytes.
   // Returns null if the partitions do not follow each other without gaps, if a permutation is no bijection
   // between partitions of equal size, if a state has more than 128 MiB or if the plan would take more than

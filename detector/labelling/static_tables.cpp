@@ -14,7 +14,7 @@ constexpr std::size_t kMaxPlanBytes = std::size_t{1} << 30;
 
 }  // namespace
 
-// The orbit buffers hold num_partitions values, or as many as the longest list where that is longer: repeated
+// The orbit buffers hold num_partitions values, or as many as the longest list if that is longer: repeated
 // values can make it so.
 void SymmetryDetection::ConvertSTLToStatic() {
   const auto partition_count = static_cast<std::size_t>(std::max(num_partitions, 0));

@@ -51,7 +51,7 @@ class Shrinker {
   bool has(int node) const { return node >= 0 && static_cast<std::size_t>(node) < map_.size(); }
   int operator[](int node) const { return map_[static_cast<std::size_t>(node)]; }
 
-  // Replaces a permutation of the nodes by the induced one and prints it; false when there is none.
+  // Replaces a permutation of the nodes by the induced one and prints it. Returns false if there is none.
   bool shrink(Permutation& permutation) {
     kept_.clear();
     for (std::size_t node = 0; node < map_.size(); ++node) {
@@ -127,7 +127,7 @@ void SymmetryDetection::ShrinkPermutations() {
   PrintPermutations();
 }
 
-// What is left where a table is refused: no symmetry at all, which is sound for every model.
+// A table that is refused leaves no symmetry at all, which is sound for every model.
 void SymmetryDetection::DropTables() {
   Bases.clear();
   VPerms.clear();

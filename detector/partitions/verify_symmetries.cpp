@@ -37,7 +37,8 @@ std::vector<JoinNodes> find_joins(const std::vector<ModelCompGraphNode>& nodes) 
   return joins;
 }
 
-// The join whose variables, in order, are not carried onto those of one join; none for a sound generator.
+// Returns the join whose variables, in order, are not carried onto those of one join; none for a sound
+// generator.
 const JoinNodes* find_broken_join(const Permutation& generator, const std::vector<JoinNodes>& joins,
                                   const std::vector<const JoinNodes*>& join_at) {
   for (const JoinNodes& join : joins) {

@@ -88,7 +88,7 @@ class Reader {
     return *value;
   }
 
-  // What is longer than any number is cut.
+  // The text of the token, cut if it is longer than any number.
   std::string token() const { return scanner_.token().substr(0, kMaxTokenShown); }
 
   [[noreturn]] void fail(const std::string& expected, const std::string& got) const {

@@ -25,14 +25,14 @@ struct PermTable {
 // The largest number of bytes of a state. There are at most kMaxPartitions partitions (symmetry_detection.h).
 inline constexpr int kMaxStateSize = 1 << 26;
 
-// Reads a table to its end. Empty text for a sound one; otherwise "name:line: error: expected X, got Y", and
-// the table holds what was read so far. Refused are: anything but integers, too few or too many of them;
-// negative or absurd counts; offsets that are not the running sums; points and values outside -1 .. N-1; more
-// records under a base than partitions; images that are no permutation, or that join partitions of unequal
-// size. Memory and time are linear in the length of the input.
+// Reads a table to its end. Returns an empty text for a sound one; otherwise "name:line: error: expected X,
+// got Y", and the table holds what was read so far. Refused are: anything but integers, too few or too many
+// of them; negative or absurd counts; offsets that are not the running sums; points and values outside -1 ..
+// N-1; more records under a base than partitions; images that are no permutation, or that join partitions of
+// unequal size. Memory and time are linear in the length of the input.
 std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table);
 
-// The same for the file of that name. A file that cannot be read is reported with the system's reason,
+// Does the same for the file of that name. A file that cannot be read is reported with the system's reason,
 // without a line.
 std::string read_perm_file(const std::string& name, PermTable& table);
 

@@ -104,12 +104,12 @@ const std::string& Folding::refusals() const { return detection_ ? detection_->r
 void Folding::make_group() const {
   const LabellingTables tables =
       detection_ ? LabellingTables(detection_->detector()) : LabellingTables(*table_);
-  if (symmetry_ == Symmetry::kFast) {
-    group_->greedy.emplace(tables);
-    return;
-  }
   try {
-    group_->exact.emplace(tables);
+    if (symmetry_ == Symmetry::kFast) {
+      group_->greedy.emplace(tables);
+    } else {
+      group_->exact.emplace(tables);
+    }
   } catch (const std::length_error& error) {
     throw GroupLimitError(std::string("error: ") + error.what());
   }

@@ -97,7 +97,7 @@ class Folding {
 
   // A labeller of the folding's kind; null for Symmetry::kOff. The first call makes what all labellers share
   // (greedy_labeller.h, exact_labeller.h tell the cost). Throws UnsoundSymmetryError if the symmetries are
-  // not sound, GroupLimitError if the group is too large for exact labels.
+  // not sound, GroupLimitError if the group is too large for exact labels or a state has more than 128 MiB.
   std::unique_ptr<Labeller> make_labeller() const;
 
  private:

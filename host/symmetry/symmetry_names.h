@@ -1,4 +1,5 @@
-// The symmetries that a detector found, in the names of the model: generators as cycles, and orbits.
+// The symmetries that a detector found, in the names of the model: generators as cycles, and orbits. The
+// functions only read the detector, which still has its graph.
 
 #ifndef SYMFOLD_HOST_SYMMETRY_SYMMETRY_NAMES_H
 #define SYMFOLD_HOST_SYMMETRY_SYMMETRY_NAMES_H
@@ -12,8 +13,8 @@
 namespace symfold {
 
 // A generator of the automorphism group in disjoint cycles of submodel and join names, in graph-node order:
-// "(phil_0 phil_1 phil_2)(fork_0 fork_1 fork_2)". Each join has one node: one shared variable. Of a cycle at
-// most `max_names` names are given, and then "... N" with their number; likewise at most `max_cycles`
+// "(phil_0 phil_1 phil_2)(fork_0 fork_1 fork_2)". Each join has one node: one shared variable. A
+// cycle of more than `max_names` names is cut, and "... N" tells their number; so are more than `max_cycles`
 // cycles.
 std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator,
                          std::size_t max_names, std::size_t max_cycles);

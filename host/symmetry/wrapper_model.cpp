@@ -43,7 +43,7 @@ WrapperModel::WrapperModel(const ComposedModel& model) {
 
 char* WrapperModel::text(const std::string& content) { return texts_.emplace_back(content).data(); }
 
-// Linked in the order of the members.
+// The entries are linked in the order of the members.
 SharedVarEntry* WrapperModel::add_entries(const ComposedModel& model, const Join& join) {
   SharedVarEntry* first = nullptr;
   SharedVarEntry** link = &first;

@@ -15,7 +15,7 @@
 namespace symfold {
 
 // Owns the records; they stay where they are for the object's lifetime. Each join shares one variable, named
-// as all its members name it, or "value" where they differ.
+// as all its members name it, or "value" if they differ.
 class WrapperModel {
  public:
   // Keeps no reference to the model.

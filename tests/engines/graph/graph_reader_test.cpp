@@ -6,8 +6,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "components/saucy_obj.h"
-
 namespace symfold::detail {
 namespace {
 
@@ -78,63 +76,6 @@ TEST(GraphFile, TakesAnyDamage) {
           << damaged;
     }
   }
-}
-
-class SaucyObjFile : public testing::Test {
- protected:
-  // Runs all four calls on a file of that name and returns what they wrote to standard error.
-  std::string run(saucy_obj& engine, std::string name) {
-    testing::internal::CaptureStderr();
-    saucy_struct* state = engine.saucy_begin2(name.data());
-    engine.saucy_init(state);
-    engine.saucy_search(state);
-    engine.saucy_end(state);
-    return testing::internal::GetCapturedStderr();
-  }
-
-  std::string write(const std::string& text) {
-    std::ofstream(path_) << text;
-    return path_;
-  }
-
-  void TearDown() override { std::filesystem::remove(path_); }
-
-  const std::string path_ = testing::TempDir() + "symfold_graph_file_test";
-};
-
-TEST_F(SaucyObjFile, ReturnsGeneratorsBaseAndOrbitLengthsOfTheFile) {
-  saucy_obj engine;
-  EXPECT_EQ(run(engine, write("7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n")), "");
-  ASSERT_EQ(engine.generators.size(), 1U);
-  std::ostringstream text;
-  text << engine.generators.front();
-  EXPECT_EQ(text.str(), "(0 1)(4 5)");
-  EXPECT_EQ(engine.generators.front().GetN(), 7);
-  EXPECT_EQ(engine.base, std::vector<int>{0});
-  EXPECT_EQ(engine.orbit_lengths, std::vector<int>{2});
-  EXPECT_TRUE(engine.is_complete);
-}
-
-TEST_F(SaucyObjFile, ReportsABadFileOnceAndForgetsEarlierResults) {
-  saucy_obj engine;
-  run(engine, write("3 0 1\n"));
-  EXPECT_EQ(engine.generators.size(), 2U);
-  EXPECT_EQ(run(engine, write("3 1 1\n0 x\n")),
-            path_ + ":2: error: expected an edge's other vertex (0 to 2), got 'x'\n");
-  EXPECT_TRUE(engine.generators.empty() && engine.base.empty() && engine.orbit_lengths.empty());
-  EXPECT_EQ(run(engine, path_ + ".missing"), path_ + ".missing: error: cannot be opened for reading\n");
-  EXPECT_EQ(run(engine, testing::TempDir()), testing::TempDir() + ": error: cannot be read\n");
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(engine.saucy_begin2(nullptr), nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: expected the name of a graph file, got none\n");
-}
-
-TEST_F(SaucyObjFile, RefusesAGroupWhoseGeneratorsWouldFillTheMemory) {
-  saucy_obj engine;
-  EXPECT_EQ(run(engine, write("40000 0 1\n")),
-            path_ + ": error: expected at most 6710 generators for 40000 vertices, got more\n");
-  EXPECT_TRUE(engine.generators.empty());
-  EXPECT_FALSE(engine.is_complete);
 }
 
 }  // namespace

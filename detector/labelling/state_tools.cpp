@@ -1,4 +1,5 @@
-// Tools on the container tables: the prefix test with its look-ups, and the search for the largest partition.
+// State tools, on the container tables: the prefix test with its look-ups, the search for the largest
+// partition, and states for a person.
 
 #include <algorithm>
 #include <cstring>
@@ -8,6 +9,23 @@
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
+namespace {
+
+// Calls `bar` at the visited bytes that start a partition, and `number` with every visited byte.
+template <class Bar, class Number>
+void walk_state(const void* state, int n, const std::vector<int>& starts, Bar bar, Number number) {
+  const auto* bytes = static_cast<const unsigned char*>(state);
+  std::size_t next = 0;
+  for (int i = 0; i < n; i += 2) {
+    if (next < starts.size() && i == starts[next]) {
+      bar();
+      ++next;
+    }
+    number(static_cast<unsigned>(bytes[i]));
+  }
+}
+
+}  // namespace
 
 void SymmetryDetection::FindOrbit(int base, std::vector<int>* values) {
   for (const ValPerms& record : VPerms[base]) values->push_back(record.Value);
@@ -82,6 +100,20 @@ void SymmetryDetection::FindK(void* state, std::vector<int>& partitions, std::ve
   const int k = found == partitions.end() ? -1 : static_cast<int>(found - partitions.begin());
   diagnostics() << "SmallestK: " << k << std::endl;
   result.push_back(k);
+}
+
+void SymmetryDetection::PrintState(void* state, int n) {
+  walk_state(
+      state, n, StaticCumPartitionInfo, [this] { diagnostics() << "|"; },
+      [this](unsigned byte) { diagnostics() << byte; });
+  diagnostics() << std::endl;
+}
+
+void SymmetryDetection::WriteState(void* state, int n, FILE* file) {
+  walk_state(
+      state, n, StaticCumPartitionInfo, [file] { std::fputc('|', file); },
+      [file](unsigned byte) { std::fprintf(file, "%x", byte); });
+  std::fputc('\n', file);
 }
 
 }  // namespace symfold
