@@ -35,11 +35,10 @@ StabiliserChain read_stabiliser_chain(int n, std::vector<SparsePermutation> gene
 
 // Returns strong generators, relative to this base rule, of the group that permutations of 0 .. n-1 generate.
 // Orbit lengths known from elsewhere, if given, end the work as soon as they are reached; lengths that are
-// never reached have no effect. Random elements are drawn until `quiet_sifts` of them in a row have added
-// nothing, and verification finds what they missed. Meant for groups of moderate degree, see
-// strong_generators.cpp for the cost.
+// never reached have no effect. Meant for groups of moderate degree, see stabiliser_chain_builder.h for the
+// cost.
 std::vector<SparsePermutation> strong_generators(int n, const std::vector<SparsePermutation>& generators,
-                                                 const std::vector<int>& known_lengths, int quiet_sifts = 20);
+                                                 const std::vector<int>& known_lengths);
 
 // Adds redundant generators to a complete stabiliser chain, so that its Schreier trees are shallow
 // (shallow_trees.cpp). A base point gets some only if its tree, breadth-first by the generators that fix all
