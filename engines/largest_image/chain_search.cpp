@@ -61,6 +61,7 @@ StabiliserLevel make_level(std::uint32_t base, const std::vector<const Images*>&
 std::vector<StabiliserLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
                                        std::size_t max_images) {
   std::vector<SparsePermutation> permutations;
+  permutations.reserve(generators.size());
   for (const Images* images : generators) permutations.push_back(moves_of(*images));
   const StabiliserChain chain =
       build_stabiliser_chain(static_cast<int>(point_count), std::move(permutations), {});

@@ -19,12 +19,12 @@ enum class Scalar : std::uint8_t {
   kEnum
 };
 
-// The value of a constant, a parameter or an expression.
+// The value of a constant, a parameter or an expression. A bool is 0 or 1 in `integer`, a literal its
+// position in its enumeration.
 struct Value {
   Scalar scalar = Scalar::kUnknown;
   union {
-    std::int64_t integer =
-        0;  // of all but reals: a bool is 0 or 1, a literal its position in its enumeration
+    std::int64_t integer = 0;
     double real;
   };
 

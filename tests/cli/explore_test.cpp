@@ -47,6 +47,12 @@ TEST(Explore, PrintsBothStateSpacesSideBySide) {
       "[^]*\\nstates +573 +117 +117\\n[^]*\\nlabel \"all left\" +1 +1 +1\\n[^]*"
       "\\nreduction +1.00 +4.90 +4.90\\ngroup order  5: no folding reduces by more\\n");
   EXPECT_TRUE(std::regex_match(text, table)) << text;
+  EXPECT_TRUE(std::filesystem::is_empty("."));
+  EXPECT_EQ(run({"explore", kPhilosophers, "-o", "run"}).code, kOk);
+  for (const char* file : {"types", "model_comp_graph", "mcg.viz", "permutations"}) {
+    EXPECT_TRUE(std::filesystem::remove(std::string("run/") + file)) << file;
+  }
+  EXPECT_TRUE(std::filesystem::is_empty("run"));
 }
 
 // A token on a ring of three places: folded, every step leads back; beside it an action that changes nothing.

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "tests/oracles/literal_labeller.h"
 #include "tests/oracles/state_classes.h"
@@ -95,6 +97,35 @@ TEST(Detection, StoresPermutationsThatBringTheValueToTheBase) {
       EXPECT_EQ(record.Perms[0][7], 7);
     }
     EXPECT_EQ(values.size(), 6U);
+  }
+}
+
+// By files or in memory: the same diagnostics, members and texts; nothing on standard output in memory.
+TEST(Detection, NeedsNoFiles) {
+  const TempDir dir;
+  TestModel models[] = {star(5), ring(6)};
+  for (TestModel& model : models) {
+    const std::string types = "6\n" + listed(6, "T");
+    write_file("types", types);
+    SymmetryDetection by_files(model.wrapper());
+    const std::string diagnostics = captured([&] { by_files.FindMCG(); });
+    const std::string graph = read_file("model_comp_graph");
+    const std::string drawing = read_file("mcg.viz");
+    for (const char* name : {"types", "model_comp_graph", "mcg.viz"}) std::filesystem::remove(name);
+
+    SymmetryDetection in_memory(model.wrapper());
+    std::ostringstream told, written_graph, written_drawing;
+    std::istringstream list(types);
+    in_memory.SetDiagnostics(&told);
+    EXPECT_EQ(captured([&] { in_memory.FindMCG(list); }), "");
+    EXPECT_EQ(told.str(), diagnostics);
+    in_memory.PrintMCG(written_graph);
+    in_memory.WriteMCGViz(written_drawing);
+    EXPECT_EQ(written_graph.str(), graph);
+    EXPECT_EQ(written_drawing.str(), drawing);
+    EXPECT_EQ(in_memory.Bases, by_files.Bases);
+    EXPECT_EQ(in_memory.SGSOrbitLengths, by_files.SGSOrbitLengths);
+    EXPECT_TRUE(std::filesystem::is_empty("."));
   }
 }
 

@@ -7,6 +7,7 @@
 #include <random>
 #include <set>
 
+#include "detector/greedy_labeller.h"
 #include "tests/oracles/literal_labeller.h"
 #include "tests/support/detector_support.h"
 
@@ -97,11 +98,20 @@ TEST(CanonicalLabel, EqualsTheLiteralSearchOnRandomTables) {
     SymmetryDetection detector;
     set_tables(detector, tables);
     start_labelling(detector);
+    const GreedyGroup group(detector);
+    GreedyLabeller labeller(group);
     for (int i = 0; i < 50; ++i) {
       // With a base added afterwards, the tables are no longer taken as those that a plan was made for.
       if (i == 40) detector.Bases.push_back(9);
       const std::string state = random.state(tables.sizes);
       ASSERT_NO_FATAL_FAILURE(expect_literal_label(detector, tables, state)) << "seed " << seed;
+      const LiteralLabel expected = literal_label(tables, state);
+      std::string label(state.size(), '\0');
+      std::vector<short> witness(tables.sizes.size());
+      labeller.find(state.data(), label.data());
+      labeller.find_witness(witness.data());
+      ASSERT_EQ(label, expected.state) << "seed " << seed;
+      ASSERT_EQ(witness, expected.witness) << "seed " << seed;
     }
     stop_labelling(detector);
   }
