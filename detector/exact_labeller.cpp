@@ -121,18 +121,21 @@ ExactLabeller::~ExactLabeller() = default;
 bool ExactLabeller::find(const void* state, void* label) {
   const auto* const bytes = static_cast<const unsigned char*>(state);
   load(bytes);
-  std::vector<detail::Placed>& values = work_->values;
-  const bool is_exact = work_->search == nullptr || work_->search->maximise(values.data());
+  detail::Placed* const values = work_->values.data();
+  const bool is_exact = work_->search == nullptr || work_->search->maximise(values);
   ++label_count_;
   if (!is_exact) ++inexact_count_;
+  // Stores of bytes may change anything that is not a local variable, as far as a compiler knows.
+  const ExactGroup::Partition* const partitions = group_.partitions_.data();
+  const std::size_t count = group_.partitions_.size();
   unsigned char* const image = work_->image.data();
-  std::copy_n(bytes, work_->image.size(), image);
-  for (std::size_t p = 0; p < values.size(); ++p) {
+  std::copy_n(bytes, group_.state_size_, image);
+  for (std::size_t p = 0; p < count; ++p) {
     if (values[p].source == p) continue;
-    const ExactGroup::Partition& to = group_.partitions_[p];
-    copy_partition(bytes + group_.partitions_[values[p].source].offset, image + to.offset, to.size);
+    const ExactGroup::Partition& to = partitions[p];
+    copy_partition(bytes + partitions[values[p].source].offset, image + to.offset, to.size);
   }
-  std::copy_n(image, work_->image.size(), static_cast<unsigned char*>(label));
+  std::copy_n(image, group_.state_size_, static_cast<unsigned char*>(label));
   return is_exact;
 }
 
@@ -144,8 +147,9 @@ void ExactLabeller::find_witness(short* witness) {
 void ExactLabeller::load(const unsigned char* state) {
   detail::Placed* const values = work_->values.data();
   const auto count = static_cast<std::uint32_t>(work_->values.size());
+  const ExactGroup::Partition* const partitions = group_.partitions_.data();
   for (std::uint32_t p = 0; p < count; ++p) {
-    const ExactGroup::Partition& partition = group_.partitions_[p];
+    const ExactGroup::Partition& partition = partitions[p];
     values[p] = {big_endian(state + partition.offset, std::min(partition.size, kValueBytes)), p};
   }
   if (!work_->long_partitions.empty()) rank_long_partitions(state);

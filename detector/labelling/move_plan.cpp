@@ -145,15 +145,20 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
                     static_cast<std::uint32_t>(first_piece), record});
 }
 
-MoveSearch::MoveSearch(const MovePlan& plan) : plan_(plan) {
-  const std::size_t stride = static_cast<std::size_t>(plan.state_size()) + 2 * kRoom;
+MoveSearch::MoveSearch(const MovePlan& plan)
+    : state_size_(plan.state_size_),
+      staying_(&plan.staying_),
+      pieces_(plan.pieces_.data()),
+      moves_(plan.moves_.data()),
+      first_of_step_(plan.first_of_step_.data()) {
+  const std::size_t stride = static_cast<std::size_t>(state_size_) + 2 * kRoom;
   buffers_.resize(2 * stride);
   current_ = buffers_.data() + kRoom;
   next_ = current_ + stride;
 }
 
 void MoveSearch::start(const unsigned char* state) {
-  std::memcpy(current_, state, static_cast<std::size_t>(plan_.state_size_));
+  std::memcpy(current_, state, static_cast<std::size_t>(state_size_));
 }
 
 inline std::uint64_t MoveSearch::head_of(const Move& move) const {
@@ -164,17 +169,16 @@ inline std::uint64_t MoveSearch::head_of(const Move& move) const {
 }
 
 int MoveSearch::advance(std::size_t step) {
-  const Move* const staying = &plan_.staying_;
-  const Move* best = staying;
+  const Move* best = staying_;
   std::uint64_t best_head = 0;
-  const Move* const end = plan_.moves_.data() + plan_.first_of_step_[step + 1];
-  for (const Move* move = plan_.moves_.data() + plan_.first_of_step_[step]; move != end; ++move) {
+  const Move* const end = moves_ + first_of_step_[step + 1];
+  for (const Move* move = moves_ + first_of_step_[step]; move != end; ++move) {
     const std::uint64_t head = head_of(*move);
     if (!beats(*move, head, *best, best_head)) continue;
     best = move;
     best_head = head;
   }
-  if (best != staying) apply(*best);
+  if (best != staying_) apply(*best);
   return best->record;
 }
 
@@ -194,13 +198,12 @@ inline bool MoveSearch::beats(const Move& move, std::uint64_t head, const Move& 
 
 // Does the same for images that are equal before `position`.
 bool MoveSearch::is_larger(const Move& move, const Move& best, int position) const {
-  const int state_size = plan_.state_size_;
-  if (position == state_size) return false;
-  const Piece* a = &plan_.pieces_[move.first_piece];
-  const Piece* b = &plan_.pieces_[best.first_piece];
+  if (position == state_size_) return false;
+  const Piece* a = &pieces_[move.first_piece];
+  const Piece* b = &pieces_[best.first_piece];
   while (a->end <= position) ++a;
   while (b->end <= position) ++b;
-  while (position < state_size) {
+  while (position < state_size_) {
     const int end = std::min(a->end, b->end);
     if (a->shift != b->shift) {
       for (; position < end; position += kWord) {
@@ -218,8 +221,8 @@ bool MoveSearch::is_larger(const Move& move, const Move& best, int position) con
 }
 
 void MoveSearch::apply(const Move& move) {
-  const Piece* piece = &plan_.pieces_[move.first_piece];
-  for (int position = 0; position < plan_.state_size_; ++piece) {
+  const Piece* piece = &pieces_[move.first_piece];
+  for (int position = 0; position < state_size_; ++piece) {
     for (; position < piece->end; position += static_cast<int>(kRoom)) {
       std::memcpy(next_ + position, current_ + position + piece->shift, kRoom);
     }

@@ -95,7 +95,12 @@ class MoveSearch {
   bool is_larger(const Move& move, const Move& best, int position) const;
   void apply(const Move& move);
 
-  const MovePlan& plan_;
+  // What the plan has, at hand.
+  const int state_size_;
+  const Move* const staying_;
+  const Piece* const pieces_;
+  const Move* const moves_;
+  const std::size_t* const first_of_step_;
   std::vector<unsigned char> buffers_;  // the current state and the next one, with room around each
   unsigned char* current_;
   unsigned char* next_;
