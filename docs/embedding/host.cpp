@@ -1,7 +1,10 @@
 #include <algorithm>
-#include <fstream>
 #include <iostream>
+#include <sstream>
+#include <string>
 
+#include "detector/exact_labeller.h"
+#include "detector/greedy_labeller.h"
 #include "detector/symmetry_detection.h"
 
 // Three submodels a, b, c of one type; their variables x are shared by the join `bus` as its variable v.
@@ -21,10 +24,11 @@ int main() {
   join.SharedStateVars = entries;
   symfold::JoinModel* joins[] = {&join};
   symfold::Wrapper model{joins, 1};
-  std::ofstream("types") << "3\na Client\nb Client\nc Client\n";
+  std::istringstream types("3\na Client\nb Client\nc Client\n");
 
   symfold::SymmetryDetection detector(&model);
-  detector.FindMCG();
+  detector.SetDiagnostics(nullptr);
+  detector.FindMCG(types);
   for (auto& node : detector.GraphNodes) {
     if (node.Type == "Client") node.StateSize = 1;  // bytes of each submodel's stretch of the state
   }
@@ -37,13 +41,26 @@ int main() {
   std::string report;
   if (!detector.VerifySymmetries(report)) return std::cerr << report << "\n", 1;
 
+  const symfold::GreedyGroup greedy_group(detector);
+  const symfold::ExactGroup exact_group(detector);
+  symfold::GreedyLabeller greedy(greedy_group);
+  symfold::ExactLabeller exact(exact_group);
+  const unsigned char state[] = {1, 3, 2, 9, 9};  // a, b, c, and two bytes of the join
+  const unsigned char expected[] = {3, 2, 1, 9, 9};
+  for (symfold::Labeller* labeller :
+       {static_cast<symfold::Labeller*>(&greedy), static_cast<symfold::Labeller*>(&exact)}) {
+    unsigned char label[5];
+    if (!labeller->find(state, label) || !std::equal(label, label + 5, expected)) return 1;
+  }
+
+  // The same greedy label from the detector itself.
   detector.num_partitions = static_cast<int>(detector.PartitionInfo.size());
   detector.Initialize();
   detector.ConvertSTLToStatic();
-  unsigned char state[] = {1, 3, 2, 9, 9}, label[5];  // a, b, c, and two bytes of the join
-  detector.FindCanonicalLabel(state, label, nullptr);
+  unsigned char copy[5], label[5];
+  std::copy(state, state + 5, copy);
+  detector.FindCanonicalLabel(copy, label, nullptr);
   detector.Cleanup();
   detector.CleanStaticMembers();
-  const unsigned char expected[] = {3, 2, 1, 9, 9};
   return std::equal(label, label + 5, expected) ? 0 : 1;
 }
