@@ -48,8 +48,8 @@ std::vector<Row> count_rows(const std::vector<ExplorationResult>& results) {
     rows.push_back(
         row("inexact labels", results, [](const auto& result) { return grouped(result.inexact_labels); }));
   }
-  for (std::size_t i = 0; i < results[0].labels.size(); ++i) {
-    rows.push_back(row("label \"" + results[0].labels[i] + '"', results,
+  for (std::size_t i = 0; i < results[0].observables.size(); ++i) {
+    rows.push_back(row("label \"" + results[0].observables[i] + '"', results,
                        [&](const auto& result) { return grouped(result.figures.observable_counts[i]); }));
   }
   return rows;
@@ -165,8 +165,8 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
                                   {"folded_self_loops", figures.folded_self_loops},
                                   {"depth", figures.depth}};
     run["labels"] = nlohmann::ordered_json::object();
-    for (std::size_t i = 0; i < result.labels.size(); ++i) {
-      run["labels"][result.labels[i]] = figures.observable_counts[i];
+    for (std::size_t i = 0; i < result.observables.size(); ++i) {
+      run["labels"][result.observables[i]] = figures.observable_counts[i];
     }
     run["seconds"] = {{"detection", result.detection_seconds}, {"exploration", figures.seconds}};
     run["states_per_second"] = states_per_second(result);

@@ -18,7 +18,7 @@ struct ExplorationResult {
   std::string group_order;  // in decimal; empty without folding
   Ending ending;
   ExplorationFigures figures;
-  std::vector<std::string> labels;  // their names
+  std::vector<std::string> observables;  // their names
   double detection_seconds = 0;
   std::size_t inexact_labels = 0;  // those of "exact" that may not be
   std::size_t peak_memory = 0;     // of the process so far, in bytes

@@ -86,7 +86,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
   result.figures = exploration.figures();
   if (labeller) result.inexact_labels = labeller->inexact_count();
   result.peak_memory = peak_memory();
-  result.labels = exploration.observable_names();
+  result.observables = exploration.observable_names();
   if (is_exported && result.is_complete()) export_chain(exploration);
   return result;
 }

@@ -123,7 +123,6 @@ bool ExactLabeller::find(const void* state, void* label) {
   load(bytes);
   detail::Placed* const values = work_->values.data();
   const bool is_exact = work_->search == nullptr || work_->search->maximise(values);
-  ++label_count_;
   if (!is_exact) ++inexact_count_;
   // Stores of bytes may change anything that is not a local variable, as far as a compiler knows.
   const ExactGroup::Partition* const partitions = group_.partitions_.data();

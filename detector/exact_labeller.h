@@ -61,9 +61,6 @@ class ExactLabeller final : public Labeller {
   void find_witness(short* witness) override;
   std::size_t inexact_count() const override { return inexact_count_; }
 
-  // The number of labels found so far.
-  std::size_t label_count() const { return label_count_; }
-
  private:
   struct WorkSpace;
 
@@ -72,7 +69,6 @@ class ExactLabeller final : public Labeller {
 
   const ExactGroup& group_;
   std::unique_ptr<WorkSpace> work_;
-  std::size_t label_count_ = 0;
   std::size_t inexact_count_ = 0;
 };
 

@@ -7,8 +7,9 @@
 #ifndef SYMFOLD_DETECTOR_GREEDY_LABELLER_H
 #define SYMFOLD_DETECTOR_GREEDY_LABELLER_H
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "detector/labeller.h"
@@ -25,25 +26,20 @@ class MoveSearch;
 // on a thread of its own, share it.
 class GreedyGroup {
  public:
-  // Keeps no reference to the tables. Takes for each record 2 bytes a partition and a few for each stretch of
-  // the state that it moves; the cost is linear in that. Throws std::invalid_argument if the tables are not
-  // bijections between partitions of equal size that follow each other without gaps, or if there are more
-  // than 32,767 partitions; std::length_error if a state has more than 128 MiB.
+  // What the tables view must outlive the group, unchanged. Takes 32 bytes for each record and 8 for each
+  // stretch of the state that it moves; the cost is linear in the tables. Throws std::invalid_argument if the
+  // tables are not bijections between partitions of equal size that follow each other without gaps, or if
+  // there are more than 32,767 partitions; std::length_error if a state has more than 128 MiB, or the group
+  // would take more than 4 GiB.
   explicit GreedyGroup(const LabellingTables& tables);
   ~GreedyGroup();
 
  private:
   friend class GreedyLabeller;
 
-  // What the records of one value do together, as images of the partitions.
-  void add_witnesses(std::span<const ValPerms> records);
-  const std::int16_t* witness_of(std::size_t base, int record) const;
-
   std::size_t partition_count_;
+  std::vector<std::span<const ValPerms>> records_;  // by base
   std::unique_ptr<const detail::MovePlan> plan_;
-  std::vector<std::size_t> first_record_;  // for each base, into witness_
-  std::vector<std::size_t> witness_;       // for each record, into images_
-  std::vector<std::int16_t> images_;
 };
 
 class GreedyLabeller final : public Labeller {

@@ -21,9 +21,9 @@
 //
 // Operations append to the containers without clearing them: each detection step runs once per detector.
 // Diagnostics go to standard output, or to the stream that the owner sets, each line flushed. Tables that
-// cannot be right are refused with one line on standard error and emptied, which leaves every state its own
-// label: sound, though nothing is folded. An entry of the labelling tables that would lead outside a state
-// prints one line and ends the process with status 1.
+// cannot be right are refused with one line, on standard error or the stream that the owner sets, and
+// emptied. That leaves every state its own label: sound, though nothing is folded. An entry of the labelling
+// tables that would lead outside a state prints one line and ends the process with status 1.
 //
 // Threads: a detector serves one thread at a time. Detectors share nothing, so that any number of them work
 // side by side if each has a stream of its own for diagnostics and for refusals, and none of them the files
@@ -167,7 +167,7 @@ class SymmetryDetection {
   // largest; -1 when there is none, or when an entry names no n bytes inside the state.
   void FindK(void* state, std::vector<int>& partitions, std::vector<int>& result, int n);
 
-  // Every second byte, in decimal to standard output or in hexadecimal to `file`, "|" at partition starts.
+  // Every second byte, in decimal among the diagnostics or in hexadecimal to `file`, "|" at partition starts.
   void PrintState(void* state, int n);
   void WriteState(void* state, int n, FILE* file);
 
@@ -178,8 +178,8 @@ class SymmetryDetection {
   // The same text to a stream. Precondition: every permutation has an image for each partition, as after
   // TrimPermutations.
   void WriteTables(std::ostream& out);
-  // Reads a whole file and checks it before any member changes. On failure nothing changes, and one line on
-  // standard error and in PermFileError says what is wrong and where.
+  // Reads a whole file and checks it before any member changes. A failure changes nothing, and is refused
+  // with one line, also in PermFileError, that says what is wrong and where.
   void ReadPermFile(std::string& name);
 
   // --- Data ---

@@ -1,4 +1,5 @@
-// Names of graph nodes: the join name convention, look-ups by name, and the graph by numbers in place of names.
+// Names of graph nodes: the join name convention, look-ups by name, and the graph by numbers in place of
+// names.
 
 #ifndef SYMFOLD_DETECTOR_GRAPH_GRAPH_NAMES_H
 #define SYMFOLD_DETECTOR_GRAPH_GRAPH_NAMES_H

@@ -1,6 +1,7 @@
 // The automorphism group of the graph: generators from the automorphism engine, and a base and strong
 // generating set of the same group.
 
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -24,8 +25,7 @@ void SymmetryDetection::FindMCG_FindAut() {
 void SymmetryDetection::FindAutInMemory() {
   BeginSearch();
   const detail::NumberedGraph graph = detail::number_graph(GraphNodes, GraphEdges, diagnostics());
-  FinishSearch(
-      SaucyObj->saucy_begin_graph(graph.vertex_count, graph.boundaries, graph.edges, kGraphFile));
+  FinishSearch(SaucyObj->saucy_begin_graph(graph.vertex_count, graph.boundaries, graph.edges, kGraphFile));
 }
 
 void SymmetryDetection::BeginSearch() {
@@ -38,6 +38,12 @@ void SymmetryDetection::BeginSearch() {
 // and are not taken.
 void SymmetryDetection::FinishSearch(saucy_struct* search) {
   const int node_count = static_cast<int>(GraphNodes.size());
+  const auto end_search = [this, search](void*) {
+    SaucyObj->saucy_end(search);
+    delete SaucyObj;
+    SaucyObj = nullptr;
+  };
+  const std::unique_ptr<void, decltype(end_search)> ended_in_any_case(this, end_search);
   SaucyObj->saucy_init(search);
   SaucyObj->saucy_search(search);
   OrigPermutations.emplace_back(node_count);
@@ -56,9 +62,6 @@ void SymmetryDetection::FinishSearch(saucy_struct* search) {
     diagnostics() << permutation << std::endl;
     if (permutation.IsIdentity()) diagnostics() << "\t\tIDENTITY" << std::endl;
   }
-  SaucyObj->saucy_end(search);
-  delete SaucyObj;
-  SaucyObj = nullptr;
 }
 
 // The automorphism search has established the group's order: with it the stabiliser chain is proved complete

@@ -52,9 +52,11 @@ std::uint64_t load_word(const unsigned char* bytes) {
 // The mask of the first `bytes` bytes of a word, one at least.
 std::uint64_t leading(int bytes) { return ~std::uint64_t{0} << 8 * (kWord - bytes); }
 
-// Returns true if the partitions follow each other without gaps from byte 0 on and make no longer state.
+}  // namespace
+
 bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
   std::int64_t end = 0;
+  if (offsets.size() < sizes.size()) return false;
   for (std::size_t c = 0; c < sizes.size(); ++c) {
     if (sizes[c] < 0 || offsets[c] != end) return false;
     end += sizes[c];
@@ -70,8 +72,6 @@ bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes) {
   }
   return true;
 }
-
-}  // namespace
 
 std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPerms>>& records_of_base,
                                          std::span<const int> sizes, std::span<const int> offsets,
@@ -157,9 +157,7 @@ MoveSearch::MoveSearch(const MovePlan& plan)
   next_ = current_ + stride;
 }
 
-void MoveSearch::start(const unsigned char* state) {
-  std::memcpy(current_, state, static_cast<std::size_t>(state_size_));
-}
+void MoveSearch::start(const unsigned char* state) { std::copy_n(state, state_size_, current_); }
 
 inline std::uint64_t MoveSearch::head_of(const Move& move) const {
   const unsigned char* at = current_ + move.first_byte;

@@ -18,6 +18,13 @@
 
 namespace symfold::detail {
 
+// Returns true if the partitions follow each other without gaps from byte 0 on and make no state of more than
+// MovePlan::kMaxStateBytes.
+bool is_tiling(std::span<const int> sizes, std::span<const int> offsets);
+
+// Returns true for a permutation of the partitions between partitions of equal size.
+bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes);
+
 class MovePlan {
  public:
   static constexpr std::int64_t kMaxStateBytes = std::int64_t{1} << 27;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <span>
 
 #include "detector/labelling/move_plan.h"
 #include "detector/symmetry_detection.h"

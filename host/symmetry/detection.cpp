@@ -35,7 +35,6 @@ void Detection::timed(const char* name, Step step) {
 
 Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log)
     : records_(model), detector_(records_.wrapper()) {
-  require_countable_partitions(model);
   std::ostringstream refusals;
   detector_.SetRefusals(&refusals);
   detector_.SetDiagnostics(files != nullptr && keeps_log ? &files->open_log() : nullptr);
@@ -48,7 +47,11 @@ Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps
   }
   timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });
-  if (files != nullptr) timed("save", [&] { save(types.str(), *files); });
+  if (files != nullptr && is_sound()) {
+    timed("save", [&] { save(types.str(), *files); });
+  } else if (files != nullptr) {
+    save(types.str(), *files);
+  }
   detector_.SetDiagnostics(nullptr);
   detector_.SetRefusals(nullptr);
   refusals_ = refusals.str();

@@ -50,6 +50,7 @@ struct Folding::Group {
 Folding::Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files)
     : symmetry_(symmetry), group_(std::make_unique<Group>()) {
   if (symmetry == Symmetry::kOff) return;
+  require_countable_partitions(model);
   std::unique_ptr<RunDirectory> directory;
   if (!files.directory.empty()) directory = std::make_unique<RunDirectory>(files.directory);
   detection_ = std::make_unique<const Detection>(model, directory.get(), files.keeps_log);

@@ -51,8 +51,9 @@ struct FoldingFiles {
 class Folding {
  public:
   // Finds the symmetries of the model; with Symmetry::kOff does nothing. Keeps no reference to the model.
-  // Without a directory no file is read or written; with one, the set of files is published at the end, in
-  // place of an earlier one (run_directory.h). Symmetries that are not sound are no error here. Throws
+  // Without a directory no file is read or written. With one, which is made if there is none, the set of
+  // files is published at the end, in place of an earlier one (run_directory.h); if an exception ends the
+  // detection before, the earlier set stays. Symmetries that are not sound are no error here. Throws
   // ModelError if the model has more than 32,767 submodels and joins, GroupLimitError if the group could not
   // be listed or tabulated, std::runtime_error if the files cannot be written.
   Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files = {});
@@ -97,7 +98,7 @@ class Folding {
 
   // A labeller of the folding's kind; null for Symmetry::kOff. The first call makes what all labellers share
   // (greedy_labeller.h, exact_labeller.h tell the cost). Throws UnsoundSymmetryError if the symmetries are
-  // not sound, GroupLimitError if the group is too large for exact labels or a state has more than 128 MiB.
+  // not sound, GroupLimitError if the group or a state is too large for this kind of labels.
   std::unique_ptr<Labeller> make_labeller() const;
 
  private:

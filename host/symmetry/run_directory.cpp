@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -27,27 +28,6 @@ constexpr const char* kPermutations = "permutations";
   throw std::runtime_error(name + ": error: " + what + ": " + reason);
 }
 
-// Holds the lock of a directory, which goes with the process that holds it.
-class DirectoryLock {
- public:
-  explicit DirectoryLock(const std::string& directory)
-      : descriptor_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    int result = -1;
-    while (descriptor_ >= 0 && (result = flock(descriptor_, LOCK_EX)) != 0 && errno == EINTR) {
-    }
-    if (result == 0) return;
-    const std::string reason = std::strerror(errno);
-    if (descriptor_ >= 0) close(descriptor_);
-    fail(directory, "no run directory", reason);
-  }
-  ~DirectoryLock() { close(descriptor_); }
-  DirectoryLock(const DirectoryLock&) = delete;
-  DirectoryLock& operator=(const DirectoryLock&) = delete;
-
- private:
-  int descriptor_;
-};
-
 // Removes the places of runs that have ended without removing them: nobody holds their locks. The directory
 // is locked, so that no run is about to lock the place that it has just made.
 void remove_abandoned_places(const std::string& directory) {
@@ -62,6 +42,26 @@ void remove_abandoned_places(const std::string& directory) {
 }
 
 }  // namespace
+
+class RunDirectory::Lock {
+ public:
+  explicit Lock(const std::string& directory)
+      : descriptor_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    int result = -1;
+    while (descriptor_ >= 0 && (result = flock(descriptor_, LOCK_EX)) != 0 && errno == EINTR) {
+    }
+    if (result == 0) return;
+    const std::string reason = std::strerror(errno);
+    if (descriptor_ >= 0) close(descriptor_);
+    fail(directory, "no run directory", reason);
+  }
+  ~Lock() { close(descriptor_); }
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+
+ private:
+  int descriptor_;
+};
 
 class RunDirectory::Log : public std::ostream {
  public:
@@ -113,23 +113,17 @@ RunDirectory::RunDirectory(std::string directory) : directory_(std::move(directo
   std::error_code error;
   fs::create_directories(directory_, error);
   if (error) fail(directory_, "no run directory", error.message());
-  const DirectoryLock lock(directory_);
+  const Lock lock(directory_);
   remove_abandoned_places(directory_);
   own_place_ = directory_ + "/" + std::string(kOwnPlace) + "XXXXXX";
   if (mkdtemp(own_place_.data()) == nullptr) fail(directory_, "no run directory", std::strerror(errno));
-  lock_of_own_place_ = open(own_place_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (lock_of_own_place_ < 0 || flock(lock_of_own_place_, LOCK_EX) != 0) {
-    const std::string reason = std::strerror(errno);
-    fs::remove(own_place_, error);
-    fail(directory_, "no run directory", reason);
-  }
+  lock_of_own_place_ = std::make_unique<Lock>(own_place_);
 }
 
 RunDirectory::~RunDirectory() {
   log_.reset();
   std::error_code error;
   fs::remove_all(own_place_, error);
-  close(lock_of_own_place_);
 }
 
 void RunDirectory::write(const std::string& name, const std::function<void(std::ostream&)>& fill) {
@@ -140,11 +134,13 @@ void RunDirectory::write(const std::string& name, const std::function<void(std::
   if (!out) {
     fail(directory_ + "/" + name, "cannot be written", errno == 0 ? "write failed" : std::strerror(errno));
   }
+  made_.insert(name);
 }
 
 std::ostream& RunDirectory::open_log() {
   log_ = std::make_unique<Log>(own_place_ + "/" + kLogName);
   if (!*log_) fail(directory_ + "/" + kLogName, "cannot be written", std::strerror(errno));
+  made_.insert(kLogName);
   return *log_;
 }
 
@@ -152,23 +148,20 @@ void RunDirectory::publish() {
   if (log_ != nullptr && !log_->close()) {
     fail(directory_ + "/" + kLogName, "cannot be written", "write failed");
   }
-  const DirectoryLock lock(directory_);
-  std::error_code error;
-  fs::remove(directory_ + "/" + kPermutations, error);
-  if (error) fail(directory_ + "/" + kPermutations, "cannot be replaced", error.message());
-  for (const char* name : {"types", "model_comp_graph", "mcg.viz", kLogName, kPermutations}) replace(name);
+  const Lock lock(directory_);
+  remove_old(kPermutations);
+  for (const char* name : {"types", "model_comp_graph", "mcg.viz", kLogName, kPermutations}) {
+    if (!made_.contains(name)) {
+      remove_old(name);
+    } else if (std::rename((own_place_ + "/" + name).c_str(), (directory_ + "/" + name).c_str()) != 0) {
+      fail(directory_ + "/" + name, "cannot be replaced", std::strerror(errno));
+    }
+  }
 }
 
-void RunDirectory::replace(const std::string& name) {
-  const std::string made = own_place_ + "/" + name;
+void RunDirectory::remove_old(const std::string& name) {
   const std::string place = directory_ + "/" + name;
-  std::error_code error;
-  if (fs::exists(made)) {
-    fs::rename(made, place, error);
-  } else {
-    fs::remove(place, error);
-  }
-  if (error) fail(place, "cannot be replaced", error.message());
+  if (unlink(place.c_str()) != 0 && errno != ENOENT) fail(place, "cannot be replaced", std::strerror(errno));
 }
 
 }  // namespace symfold

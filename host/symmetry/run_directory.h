@@ -4,7 +4,8 @@
 // directory is locked: two runs that publish side by side leave the set of one of them, never a mixture. The
 // permutation file is taken away first and put in place last. So a directory that holds one holds the whole
 // set that belongs to it, even after a run that was killed. What a killed run has left in its own place is
-// removed by the next one. Other files in the directory are never touched.
+// removed by the next one. Other files in the directory are never touched. The locks hold between the
+// processes of one machine.
 
 #ifndef SYMFOLD_HOST_SYMMETRY_RUN_DIRECTORY_H
 #define SYMFOLD_HOST_SYMMETRY_RUN_DIRECTORY_H
@@ -12,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 
 namespace symfold {
@@ -39,13 +41,15 @@ class RunDirectory {
   void publish();
 
  private:
+  class Lock;
   class Log;
 
-  void replace(const std::string& name);
+  void remove_old(const std::string& name);
 
   std::string directory_;
   std::string own_place_;
-  int lock_of_own_place_ = -1;
+  std::unique_ptr<Lock> lock_of_own_place_;  // tells other runs that this one lives
+  std::set<std::string> made_;
   std::unique_ptr<Log> log_;
 };
 

@@ -129,6 +129,8 @@ TEST(Detect, ReadsStandardInputAndReportsModelErrors) {
       "standard input:2:16: error: expected a type's name, got 'U'\nsystem S { t : U; }\n               ^\n");
   EXPECT_EQ(run({"detect", "missing.sym"}).code, kModelError);
   write_file("file", "");
+  EXPECT_EQ(run({"detect", kExamples + "/star.sym", "--const", "N=40000", "-o", "none"}).code, kModelError);
+  EXPECT_FALSE(std::filesystem::exists("none"));
   const Outcome unwritable = run({"detect", kExamples + "/star.sym", "-o", "file"});
   EXPECT_EQ(unwritable.code, kBadFile);
   EXPECT_NE(unwritable.err.find("file"), std::string::npos);
@@ -183,6 +185,13 @@ TEST(Label, ReportsWrongLinesAndGoesOn) {
   EXPECT_EQ(run({"label", "p", "nowhere"}).err, "nowhere: error: cannot be read\n");
   EXPECT_EQ(run({"label", "p", "."}).code, kBadFile);
   EXPECT_EQ(run({"label", "p"}, std::string(1 << 20, '0')).code, kCheckFailed);
+}
+
+// A table without partitions: every state is empty, and its own label.
+TEST(Label, TakesStatesOfNoBytes) {
+  const TempDir dir;
+  write_file("p", "0\n0\n");
+  for (const char* kind : {"--perm", "--exact"}) EXPECT_EQ(run({"label", "p", kind}, "\n").code, kOk);
 }
 
 TEST(Label, TakesRawRecords) {
