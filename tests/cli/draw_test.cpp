@@ -39,6 +39,8 @@ TEST(Draw, ShowsPartsInTheColoursOfTheirOrbits) {
   const std::string svg = read_file("wreath.svg");
   EXPECT_EQ(count(svg, "class=\"node\""), 11U);
   EXPECT_EQ(count(svg, "class=\"edge\""), 10U);
+  for (const char* file : {"wreath.dot", "wreath.svg"}) std::filesystem::remove(file);
+  EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
 TEST(Draw, CollapsesLargeModelsToOrbits) {
