@@ -114,20 +114,25 @@ ExactLabeller::ExactLabeller(const ExactGroup& group) : group_(group), work_(std
     work_->values[i].source = i;
     if (group_.partitions_[i].size > kValueBytes) work_->long_partitions.push_back(i);
   }
+  partitions_ = group.partitions_.data();
+  partition_count_ = group.partitions_.size();
+  search_ = work_->search.get();
+  values_ = work_->values.data();
+  image_ = work_->image.data();
 }
 
 ExactLabeller::~ExactLabeller() = default;
 
+// Stores of bytes may change anything but local variables, as far as a compiler knows.
 bool ExactLabeller::find(const void* state, void* label) {
   const auto* const bytes = static_cast<const unsigned char*>(state);
   load(bytes);
-  detail::Placed* const values = work_->values.data();
-  const bool is_exact = work_->search == nullptr || work_->search->maximise(values);
+  const bool is_exact = search_ == nullptr || search_->maximise(values_);
   if (!is_exact) ++inexact_count_;
-  // Stores of bytes may change anything that is not a local variable, as far as a compiler knows.
-  const ExactGroup::Partition* const partitions = group_.partitions_.data();
-  const std::size_t count = group_.partitions_.size();
-  unsigned char* const image = work_->image.data();
+  const ExactGroup::Partition* const partitions = partitions_;
+  const detail::Placed* const values = values_;
+  const std::size_t count = partition_count_;
+  unsigned char* const image = image_;
   std::copy_n(bytes, group_.state_size_, image);
   for (std::size_t p = 0; p < count; ++p) {
     if (values[p].source == p) continue;
@@ -139,17 +144,14 @@ bool ExactLabeller::find(const void* state, void* label) {
 }
 
 void ExactLabeller::find_witness(short* witness) {
-  const std::vector<detail::Placed>& values = work_->values;
-  for (std::size_t p = 0; p < values.size(); ++p) witness[values[p].source] = static_cast<short>(p);
+  for (std::size_t p = 0; p < partition_count_; ++p) witness[values_[p].source] = static_cast<short>(p);
 }
 
 void ExactLabeller::load(const unsigned char* state) {
-  detail::Placed* const values = work_->values.data();
-  const auto count = static_cast<std::uint32_t>(work_->values.size());
-  const ExactGroup::Partition* const partitions = group_.partitions_.data();
+  const auto count = static_cast<std::uint32_t>(partition_count_);
   for (std::uint32_t p = 0; p < count; ++p) {
-    const ExactGroup::Partition& partition = partitions[p];
-    values[p] = {big_endian(state + partition.offset, std::min(partition.size, kValueBytes)), p};
+    const ExactGroup::Partition& partition = partitions_[p];
+    values_[p] = {big_endian(state + partition.offset, std::min(partition.size, kValueBytes)), p};
   }
   if (!work_->long_partitions.empty()) rank_long_partitions(state);
 }

@@ -18,6 +18,7 @@ namespace symfold {
 
 namespace detail {
 class ImageSearch;
+struct Placed;
 struct SearchBounds;
 }  // namespace detail
 
@@ -69,6 +70,12 @@ class ExactLabeller final : public Labeller {
 
   const ExactGroup& group_;
   std::unique_ptr<WorkSpace> work_;
+  // What group and work space have, at hand.
+  const ExactGroup::Partition* partitions_;
+  std::size_t partition_count_;
+  detail::ImageSearch* search_;  // null for the trivial group
+  detail::Placed* values_;       // by partition
+  unsigned char* image_;
   std::size_t inexact_count_ = 0;
 };
 
