@@ -5,7 +5,6 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 
 #include "cli/exploration_report.h"
 #include "cli/figures.h"

@@ -23,8 +23,8 @@ void SymmetryDetection::FindMCG_FindAut() {
 }
 
 void SymmetryDetection::FindAutInMemory() {
-  BeginSearch();
   const detail::NumberedGraph graph = detail::number_graph(GraphNodes, GraphEdges, diagnostics());
+  BeginSearch();
   FinishSearch(SaucyObj->saucy_begin_graph(graph.vertex_count, graph.boundaries, graph.edges, kGraphFile));
 }
 

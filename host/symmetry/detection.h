@@ -28,10 +28,10 @@ void write_types(const ComposedModel& model, std::ostream& out);
 class Detection {
  public:
   // Leaves the files types, model_comp_graph, mcg.viz, permutations and, if wanted, detection.log in the run
-  // directory, if it is not null. permutations is left out if the symmetries are not sound. The model has no
-  // more partitions than the detector can number. Throws GroupLimitError if the group could not be listed or
-  // its tables are too large, and what RunDirectory throws. Only an error while the files are published
-  // leaves a trace of them.
+  // directory, if it is not null. permutations is left out if the symmetries are not sound.
+  // Requires: the model has no more partitions than the detector can number. Throws GroupLimitError if the
+  // group could not be listed or its tables are too large, and what RunDirectory throws. Unless it is thrown
+  // while the files are published, an earlier set of files stays as it is.
   Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log);
 
   // The detector with its final tables, silent from now on; the search buffers are not allocated.
