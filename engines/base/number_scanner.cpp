@@ -1,6 +1,7 @@
 #include "engines/base/number_scanner.h"
 
 #include <charconv>
+#include <string_view>
 #include <system_error>
 
 namespace symfold::detail {
@@ -20,6 +21,20 @@ bool NumberScanner::next() {
     token_ += static_cast<char>(c);
   is_cut_ = c != kEnd && !is_blank(c);
   return !token_.empty();
+}
+
+std::string NumberScanner::shown() const {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const char c : token_.substr(0, kMaxTokenShown)) {
+    if (c >= ' ' && c <= '~') {
+      text += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      text += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return text;
 }
 
 std::optional<int> NumberScanner::number(int low, int high) const {

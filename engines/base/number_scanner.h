@@ -24,6 +24,10 @@ class NumberScanner {
 
   const std::string& token() const { return token_; }
 
+  // The token for an error message: its first characters, at most kMaxTokenShown of the text, everything but
+  // printable ASCII as \xNN. Empty at the end of the text.
+  std::string shown() const;
+
   // Returns the number that the token is, with a minus sign if `low` is negative; nothing if the token is no
   // number from low to high, or was cut.
   std::optional<int> number(int low, int high) const;
@@ -32,6 +36,7 @@ class NumberScanner {
   int line() const { return line_; }
 
   static constexpr std::size_t kMaxTokenLength = 32;
+  static constexpr std::size_t kMaxTokenShown = 24;  // longer than any number
 
  private:
   std::streambuf& text_;

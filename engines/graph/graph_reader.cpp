@@ -1,8 +1,10 @@
 #include "engines/graph/graph_reader.h"
 
+#include <cstdint>
 #include <fstream>
 #include <istream>
 #include <limits>
+#include <locale>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -24,6 +26,7 @@ class GraphReader {
     const int n = number("the number of vertices", 0, kMaxVertices);
     const int edge_count = number("the number of edges", 0, n == 0 ? 0 : std::numeric_limits<int>::max());
     const int colours = number("the number of colours", n == 0 ? 0 : 1, n);
+    check_vertex_count(n, edge_count, colours);
     std::vector<int> boundaries;
     for (int c = 1; c < colours; ++c) {
       const int low = boundaries.empty() ? 1 : boundaries.back() + 1;
@@ -41,6 +44,17 @@ class GraphReader {
   }
 
  private:
+  // Room is made for the vertices when all edges and boundaries have been read, so the text itself then backs
+  // the number that is allowed here.
+  void check_vertex_count(int n, int edge_count, int colours) const {
+    const std::int64_t most = kMaxBareVertices + 2 * std::int64_t{edge_count} + colours;
+    if (n <= most) return;
+    throw GraphFileError(name_ + ":" + std::to_string(scanner_.line()) + ": error: expected at most " +
+                         std::to_string(most) + " vertices for " + std::to_string(edge_count) +
+                         " edges and " + std::to_string(colours) + " colours, got '" + std::to_string(n) +
+                         "'");
+  }
+
   // Reads the next token as a number from low to high.
   int number(const char* what, int low, int high) {
     scanner_.next();
@@ -52,8 +66,7 @@ class GraphReader {
   }
 
   [[noreturn]] void fail(const std::string& expected) const {
-    std::string shown;
-    for (const char c : scanner_.token()) shown += c >= ' ' && c <= '~' ? c : '?';
+    const std::string shown = scanner_.shown();
     throw GraphFileError(name_ + ":" + std::to_string(scanner_.line()) + ": error: expected " + expected +
                          ", got " + (shown.empty() ? "the end of the file" : "'" + shown + "'"));
   }
@@ -75,7 +88,9 @@ GraphFileResult read_graph(std::istream& in, const std::string& name) {
 }
 
 GraphFileResult read_graph_file(const std::string& name) {
-  std::ifstream in(name);
+  std::ifstream in;
+  in.imbue(std::locale::classic());
+  in.open(name);
   if (!in) return {ColouredGraph(), name + ": error: cannot be opened for reading"};
   return read_graph(in, name);
 }

@@ -20,13 +20,19 @@ namespace symfold::detail {
 // Graphs with more vertices are refused.
 inline constexpr int kMaxVertices = 1 << 24;
 
+// So are graphs with more vertices than their edges and colours name, and this many on top: a short text must
+// not cost the memory of millions of vertices without edges. No answer is lost. Such a graph has more than
+// 65,536 vertices without an edge beside others of their colour, so its group has as many generators, each
+// with an image for each vertex: over 2^32, and saucy_obj holds 2^28.
+inline constexpr int kMaxBareVertices = 1 << 16;
+
 struct GraphFileResult {
   ColouredGraph graph;
   std::string error;  // empty, or "<name>:<line>: error: expected <what>, got <what>"
 };
 
-// Reads the whole text. The error message calls it `name`. Allocates in proportion to N and to the text read,
-// whatever number of edges the text announces.
+// Reads the whole text. The error message calls it `name`. Allocates in proportion to the text read, beyond
+// the room for kMaxBareVertices, whatever numbers the text announces.
 GraphFileResult read_graph(std::istream& in, const std::string& name);
 
 // Reads the file of that name.

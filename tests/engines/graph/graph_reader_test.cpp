@@ -26,6 +26,8 @@ TEST(GraphFile, ReadsVerticesColoursEdgesAndLoops) {
   EXPECT_EQ(text.str(), "0/0: 2 2 1\n0/0: 0\n1/0: 0 0\n2/2: 4\n2/0: 3\n");
   EXPECT_EQ(read("0 0 0\n").error, "");
   EXPECT_EQ(read("1 0 1").error, "");
+  EXPECT_EQ(read("65537 0 1").error, "");
+  EXPECT_EQ(read("65540 1 2 1\n65538 65539").error, "");
 }
 
 TEST(GraphFile, SaysWhereAndWhatWasExpected) {
@@ -35,10 +37,10 @@ TEST(GraphFile, SaysWhereAndWhatWasExpected) {
       {"-1 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '-1'"},
       {"16777217 0 1", "g:1: error: expected the number of vertices (0 to 16777216), got '16777217'"},
       {"99999999999999999999999999999999999999999999 0 1",
-       "g:1: error: expected the number of vertices (0 to 16777216), got '99999999999999999999999999999999'"},
+       "g:1: error: expected the number of vertices (0 to 16777216), got '999999999999999999999999'"},
       // Its first 32 characters are a number, the rest another one.
       {"\n000000000000000000000000000000000 0",
-       "g:2: error: expected the number of vertices (0 to 16777216), got '00000000000000000000000000000000'"},
+       "g:2: error: expected the number of vertices (0 to 16777216), got '000000000000000000000000'"},
       {"3 2.5 1", "g:1: error: expected the number of edges (0 to 2147483647), got '2.5'"},
       {"3", "g:1: error: expected the number of edges (0 to 2147483647), got the end of the file"},
       {"0 1 0", "g:1: error: expected the number of edges (0), got '1'"},
@@ -52,7 +54,10 @@ TEST(GraphFile, SaysWhereAndWhatWasExpected) {
       {"3 2 1\n0 1\n-1 2\n", "g:3: error: expected an edge's vertex (0 to 2), got '-1'"},
       {"3 2147483647 1\n0 1\n", "g:3: error: expected an edge's vertex (0 to 2), got the end of the file"},
       {"3 1 1\n0 1\n2 \x01\n", "g:3: error: expected the end of the file, got '2'"},
-      {"3 0 1\n\xff", "g:2: error: expected the end of the file, got '?'"},
+      {"3 0 1\n\xff", "g:2: error: expected the end of the file, got '\\xff'"},
+      {"65538 0 1", "g:1: error: expected at most 65537 vertices for 0 edges and 1 colours, got '65538'"},
+      {"16777216 2\n2 9",
+       "g:2: error: expected at most 65542 vertices for 2 edges and 2 colours, got '16777216'"},
   };
   for (const auto& [text, error] : cases) {
     EXPECT_EQ(read(text).error, error) << text;
