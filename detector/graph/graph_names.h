@@ -4,6 +4,7 @@
 #ifndef SYMFOLD_DETECTOR_GRAPH_GRAPH_NAMES_H
 #define SYMFOLD_DETECTOR_GRAPH_GRAPH_NAMES_H
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -70,6 +71,8 @@ struct NumberedGraph {
   int vertex_count;
   std::vector<int> boundaries;  // the first vertex of every colour but the first
   std::vector<std::pair<int, int>> edges;
+
+  std::size_t run_count() const { return vertex_count == 0 ? 0 : boundaries.size() + 1; }
 };
 
 NumberedGraph number_graph(const std::vector<ModelCompGraphNode>& nodes,

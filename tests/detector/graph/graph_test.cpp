@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/support/detector_support.h"
 
 namespace symfold {
@@ -115,16 +117,18 @@ TEST(NodeSort, PutsTypesTogetherByExchanges) {
   EXPECT_EQ(captured([&] { empty.FindMCG_Sort(); }), "Map: \n\nMap After: \n\n");
 }
 
-// The sort as its passes are told, one comparison of names after the other.
+// The sort as its passes are told, one comparison of names after the other. Some types have no entry.
 TEST(NodeSort, EqualsTheLiteralPassesOnRandomGraphs) {
   std::srand(7);
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     SymmetryDetection detector;
-    const int types = 1 + std::rand() % 5;
+    const int types = 1 + std::rand() % 12;
     for (int t = 0; t < types; ++t) detector.NodeTypes.push_back("T" + std::to_string(t));
-    for (int i = std::rand() % 30; i > 0; --i) {
-      detector.GraphNodes.push_back(
-          {"T" + std::to_string(std::rand() % (types + 1)), std::to_string(i), false, 0});
+    for (int i = std::rand() % 60; i > 0; --i) {
+      detector.GraphNodes.push_back({"T" + std::to_string(std::rand() % (types + 1)), "", false, 0});
+    }
+    for (std::size_t i = 0; i < detector.GraphNodes.size(); ++i) {
+      detector.GraphNodes[i].Name = std::to_string(i);
     }
     auto expected = detector.GraphNodes;
     std::size_t position = 0;
@@ -133,10 +137,14 @@ TEST(NodeSort, EqualsTheLiteralPassesOnRandomGraphs) {
         if (node.Type == type) std::swap(node, expected[position++]);
       }
     }
-    captured([&] { detector.FindMCG_Sort(); });
+    const std::string printed = captured([&] { detector.FindMCG_Sort(); });
+    std::string map_after = "Map After: \n";
     for (std::size_t i = 0; i < expected.size(); ++i) {
       ASSERT_EQ(detector.GraphNodes[i].Name, expected[i].Name) << "round " << round;
+      ASSERT_EQ(detector.GraphNodes[i].Type, expected[i].Type) << "round " << round;
+      map_after += expected[i].Name + "  ";
     }
+    ASSERT_TRUE(printed.ends_with(map_after + "\n")) << printed;
   }
 }
 
@@ -153,8 +161,17 @@ TEST(GraphFile, IsTheWorkedExample) {
   EXPECT_EQ(read_file("model_comp_graph"), "7 6 5 2 3 4 6\n3 4\n4 0\n3 6\n6 2\n3 5\n5 1\n");
 }
 
-TEST(GraphFile, CountsTheTypesThatHaveNodes) {
+// The number of colours is that of the types, also where nodes of one type stand apart.
+TEST(GraphFile, CountsTheTypesOrIfOneHasNoNodeTheRuns) {
   const TempDir dir;
+  SymmetryDetection unsorted;
+  for (const char* type : {"A", "B", "A", "A"}) unsorted.GraphNodes.push_back({type, type, false, 0});
+  unsorted.NodeTypes = {"B", "A"};
+  unsorted.PrintMCG();
+  EXPECT_EQ(read_file("model_comp_graph"), "4 0 2 1 2\n");
+  unsorted.NodeTypes = {"B", "join", "A"};
+  unsorted.PrintMCG();
+  EXPECT_EQ(read_file("model_comp_graph"), "4 0 3 1 2\n");
   SymmetryDetection empty;
   captured([&] { empty.PrintMCG(); });
   EXPECT_EQ(read_file("model_comp_graph"), "0 0 0\n");
@@ -170,6 +187,27 @@ TEST(GraphFile, CountsTheTypesThatHaveNodes) {
   captured([&] { unjoined.FindMCG(); });
   EXPECT_EQ(read_file("model_comp_graph"), "2 0 1\n");
   EXPECT_EQ(unjoined.Bases, std::vector<int>{0});
+}
+
+// Without room for the graph the engine must not read a part of it.
+TEST(GraphFile, ThatCannotBeWrittenToItsEndIsRemoved) {
+  const TempDir dir;
+  TestModel model({{"J", {{"s", {{"P1", "v"}, {"P2", "v"}}}}}});
+  write_file("types", "2\nP1 A\nP2 A\n");
+  for (const char* file : {"model_comp_graph", "mcg.viz"}) std::filesystem::create_symlink("/dev/full", file);
+  SymmetryDetection detector(model.wrapper());
+  EXPECT_EQ(captured_errors([&] { detector.FindMCG(); }),
+            "symfold: model_comp_graph: error: cannot be written: No space left on device\n"
+            "symfold: mcg.viz: error: cannot be written: No space left on device\n"
+            "model_comp_graph: error: cannot be opened for reading\n");
+  EXPECT_FALSE(detector.HasWholeGroup);
+  EXPECT_EQ(detector.OrigPermutations.size(), 1U);
+  for (const char* file : {"model_comp_graph", "mcg.viz"}) std::filesystem::create_directory(file);
+  EXPECT_EQ(captured([&] {
+              detector.PrintMCG();
+              detector.WriteMCGViz();
+            }),
+            "error: can't open model_comp_graph\nerror: can't open mcg.viz\n");
 }
 
 }  // namespace
