@@ -173,7 +173,8 @@ class SymmetryDetection {
 
   // --- The permutation file (detector/permfile/) ---
 
-  // Writes the tables beside `name` and renames. A failure is refused with one line, also in PermFileError.
+  // Writes the tables beside `name` and renames. A failure, and tables that ReadPermFile would not take, are
+  // refused with one line, also in PermFileError; what stands at `name` then stays.
   void WritePermFile(std::string& name);
   // The same text to a stream. Precondition: every permutation has an image for each partition, as after
   // TrimPermutations.
@@ -250,7 +251,6 @@ class SymmetryDetection {
   void FindAutInMemory();
   void BeginSearch();
   void FinishSearch(saucy_struct* search);
-  bool HasWritableTables();
   int FindBaseSlot(int base) const;
   void MovePartitions(const Permutation& permutation, const PartitionLayout& layout);
   void ApplyRecords(const void* state, const ValPerms* records, int record_count, int value,

@@ -1,64 +1,96 @@
 // Saving the tables of detection, and loading them in place of it.
 
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <climits>
+#include <deque>
 #include <ostream>
 #include <utility>
 
 #include "detector/permfile/perm_table.h"
 #include "detector/symmetry_detection.h"
+#include "detector/whole_file.h"
 
 namespace symfold {
 namespace {
 
-// A line of `count` numbers, each followed by a blank.
-template <class NumberAt>
-void write_list(std::ostream& out, std::size_t count, NumberAt number_at) {
-  std::string line;
-  for (std::size_t i = 0; i < count; ++i) {
-    line += std::to_string(number_at(i));
-    line += ' ';
+// A detector's tables as the lines of the file. Views them, and gives a base point without an entry an empty
+// one.
+class TableLines {
+ public:
+  explicit TableLines(SymmetryDetection& tables) {
+    const std::size_t partition_count = tables.CumPartitionInfo.size();
+    is_complete_ = tables.PartitionInfo.size() >= partition_count;
+    add(partition_count);
+    add(tables.PartitionInfo.data(), std::min(partition_count, tables.PartitionInfo.size()));
+    add(tables.CumPartitionInfo.data(), partition_count);
+    add(tables.Bases.size());
+    for (const int& base : tables.Bases) add_base(base, tables.VPerms[base], partition_count);
   }
-  out << line << "\n";
-}
 
-void write_base(std::ostream& out, int base, const std::vector<ValPerms>& records,
-                std::size_t partition_count) {
-  out << base << "\n" << records.size() << "\n";
-  for (const ValPerms& record : records) {
-    out << record.Value << "\n" << record.Perms.size() << "\n";
-    for (const Permutation& permutation : record.Perms) {
-      write_list(out, partition_count, [&](std::size_t i) { return permutation[static_cast<int>(i)]; });
+  // True if there is a size, and an image of every permutation, for each partition.
+  bool is_complete() const { return is_complete_; }
+
+  const std::vector<TableLine>& lines() const { return lines_; }
+
+ private:
+  // The table keeps the address of `base`.
+  void add_base(const int& base, const std::vector<ValPerms>& records, std::size_t partition_count) {
+    add(&base, 1, false);
+    add(records.size());
+    for (const ValPerms& record : records) {
+      add(&record.Value, 1, false);
+      add(record.Perms.size());
+      for (const Permutation& permutation : record.Perms) {
+        const auto image_count = static_cast<std::size_t>(std::max(permutation.GetN(), 0));
+        is_complete_ = is_complete_ && image_count >= partition_count;
+        add(permutation.GetP(), std::min(image_count, partition_count));
+      }
     }
   }
+
+  void add(std::size_t count) {
+    counts_.push_back(static_cast<int>(std::min(count, std::size_t{INT_MAX})));
+    add(&counts_.back(), 1, false);
+  }
+
+  void add(const int* numbers, std::size_t count, bool is_list = true) {
+    lines_.push_back({{numbers, count}, is_list});
+  }
+
+  std::deque<int> counts_;
+  std::vector<TableLine> lines_;
+  bool is_complete_;
+};
+
+// Calls write(text) for one line after the other.
+template <class Write>
+void write_lines(const std::vector<TableLine>& lines, Write write) {
+  std::string text;
+  for (const TableLine& line : lines) {
+    text.clear();
+    for (const int number : line.numbers) {
+      std::array<char, 16> digits;
+      text.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
+      if (line.is_list) text += ' ';
+    }
+    text += '\n';
+    write(text);
+  }
 }
 
-// Writes a file so that nobody ever sees half of it: beside its place, flushed, then renamed. What exists and
-// is no regular file (a device, a pipe) is written directly. Returns what went wrong, or nothing.
-template <class Fill>
-std::string write_whole_file(const std::string& name, Fill fill) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  const fs::file_status status = fs::status(name, error);
-  const bool is_direct = fs::exists(status) && !fs::is_regular_file(status);
-  const std::string written_name = is_direct ? name : name + ".partial";
-  errno = 0;
-  std::ofstream out(written_name, std::ios::trunc);
-  if (out) fill(out);
-  out.close();
-  if (!out) {
-    const std::string reason = errno == 0 ? "write failed" : std::strerror(errno);
-    if (!is_direct) fs::remove(written_name, error);
-    return name + ": error: cannot be written: " + reason;
-  }
-  if (is_direct) return "";
-  fs::rename(written_name, name, error);
-  if (!error) return "";
-  const std::string reason = error.message();
-  fs::remove(written_name, error);
-  return name + ": error: cannot be written: " + reason;
+std::string write_perm_file(const std::string& name, SymmetryDetection& tables) {
+  const TableLines lines(tables);
+  const std::string fault =
+      lines.is_complete()
+          ? check_lines(lines.lines())
+          : "expected tables of " + std::to_string(tables.CumPartitionInfo.size()) + " partitions";
+  if (!fault.empty()) return name + ": error: not written: " + fault;
+  WholeFile file(name);
+  write_lines(lines.lines(), [&](const std::string& text) { file.write(text.data(), text.size()); });
+  file.commit();
+  return file.error();
 }
 
 void print_base(std::ostream& out, int base, const std::vector<ValPerms>& records) {
@@ -72,33 +104,12 @@ void print_base(std::ostream& out, int base, const std::vector<ValPerms>& record
 }  // namespace
 
 void SymmetryDetection::WritePermFile(std::string& name) {
-  PermFileError = HasWritableTables()
-                      ? write_whole_file(name, [this](std::ostream& out) { WriteTables(out); })
-                      : name + ": error: not written: expected tables of " +
-                            std::to_string(CumPartitionInfo.size()) + " partitions";
+  PermFileError = write_perm_file(name, *this);
   if (!PermFileError.empty()) Refuse(PermFileError);
 }
 
-bool SymmetryDetection::HasWritableTables() {
-  const std::size_t partition_count = CumPartitionInfo.size();
-  bool is_sound = PartitionInfo.size() >= partition_count;
-  for (const int base : Bases) {
-    for (const ValPerms& record : VPerms[base]) {
-      for (const Permutation& permutation : record.Perms) {
-        is_sound = is_sound && static_cast<std::size_t>(permutation.GetN()) >= partition_count;
-      }
-    }
-  }
-  return is_sound;
-}
-
 void SymmetryDetection::WriteTables(std::ostream& out) {
-  const std::size_t partition_count = CumPartitionInfo.size();
-  out << partition_count << "\n";
-  write_list(out, partition_count, [this](std::size_t i) { return PartitionInfo[i]; });
-  write_list(out, partition_count, [this](std::size_t i) { return CumPartitionInfo[i]; });
-  out << Bases.size() << "\n";
-  for (const int base : Bases) write_base(out, base, VPerms[base], partition_count);
+  write_lines(TableLines(*this).lines(), [&](const std::string& text) { out << text; });
 }
 
 void SymmetryDetection::ReadPermFile(std::string& name) {

@@ -8,6 +8,7 @@
 #define SYMFOLD_DETECTOR_PERMFILE_PERM_TABLE_H
 
 #include <istream>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,8 +33,18 @@ inline constexpr int kMaxStateSize = 1 << 26;
 // unequal size. Memory and time are linear in the length of the input.
 std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table);
 
-// Does the same for the file of that name. A file that cannot be read is reported with the system's reason,
-// without a line.
+// One line of the file. A list ends each of its numbers with a blank; every other line holds one number.
+struct TableLine {
+  std::span<const int> numbers;
+  bool is_list;
+};
+
+// Checks lines that are to be written by the rules of read_perm_table. Returns an empty text if it would read
+// them, otherwise "expected X, got Y". Makes no text and stores nothing.
+std::string check_lines(std::span<const TableLine> lines);
+
+// Does the same as read_perm_table for the file of that name. A file that cannot be read is reported with the
+// system's reason, without a line.
 std::string read_perm_file(const std::string& name, PermTable& table);
 
 }  // namespace symfold

@@ -31,15 +31,92 @@ TEST(PermFile, IsReadAndWrittenToTheLetter) {
   std::string copy = "copy";
   EXPECT_EQ(captured([&] { detector.WritePermFile(copy); }), "");
   EXPECT_EQ(read_file(copy), kFile);
-  EXPECT_FALSE(std::filesystem::exists("copy.partial"));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 2);
   captured([&] { detector.ReadPermFile(name); });
   EXPECT_EQ(detector.CumPartitionInfo, (std::vector<int>{0, 2, 6, 0, 2, 6}));
   EXPECT_EQ(detector.Bases, (std::vector<int>{0, 1, 0, 1}));
   EXPECT_EQ(detector.VPerms[0].size(), 2U);
   SymmetryDetection empty;
-  empty.Bases = {4};
+  empty.Bases = {-1};
   captured([&] { empty.WritePermFile(copy); });
-  EXPECT_EQ(read_file(copy), "0\n\n\n1\n4\n0\n");
+  EXPECT_EQ(read_file(copy), "0\n\n\n1\n-1\n0\n");
+  EXPECT_EQ(empty.VPerms.count(-1), 1U);
+}
+
+// Sound tables with some numbers changed: what is written is read back equal, and what is refused with the
+// old file kept is what reading refuses.
+TEST(PermFile, TakesEqualTablesInBothDirections) {
+  const TempDir dir;
+  std::mt19937 random(5);
+  const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  const auto disturb = [&](int& number) {
+    if (below(12) == 0) number += below(3) - 1 + (below(9) == 0 ? kMaxStateSize : 0);
+  };
+  std::ostringstream refusals;
+  int written_count = 0;
+  for (int round = 0; round < 200; ++round) {
+    SymmetryDetection detector;
+    detector.SetRefusals(&refusals);
+    int offset = 0;
+    for (int n = below(6); n > 0; --n) {
+      detector.PartitionInfo.push_back(2 * below(2));
+      detector.CumPartitionInfo.push_back(offset);
+      offset += detector.PartitionInfo.back();
+      disturb(detector.PartitionInfo.back());
+      disturb(detector.CumPartitionInfo.back());
+    }
+    const int n = static_cast<int>(detector.PartitionInfo.size());
+    for (int b = below(3); b > 0; --b) {
+      detector.Bases.push_back(below(n + 1) - 1);
+      disturb(detector.Bases.back());
+      if (below(4) == 0) continue;
+      auto& records = detector.VPerms[detector.Bases.back()];
+      for (int r = below(n + 1) + (below(20) == 0 ? 1 : 0); r > 0; --r) {
+        auto& record = records.emplace_back();
+        record.Value = below(n + 1) - 1;
+        disturb(record.Value);
+        for (int p = below(3); p > 0; --p) {
+          Permutation permutation(n);
+          if (n > 1 && detector.PartitionInfo[0] == detector.PartitionInfo[1])
+            std::swap(permutation.GetP()[0], permutation.GetP()[1]);
+          if (n > 0) disturb(permutation.GetP()[below(n)]);
+          record.Perms.push_back(permutation);
+        }
+      }
+    }
+    write_file(name, "old");
+    detector.WritePermFile(name);
+    std::ostringstream text;
+    detector.WriteTables(text);
+    std::istringstream in(text.str());
+    PermTable table;
+    const std::string error = read_perm_table(in, "table", table);
+    ASSERT_EQ(error.empty(), detector.PermFileError.empty()) << text.str() << error;
+    if (!error.empty()) {
+      const std::string told = name + ": error: not written" + error.substr(error.rfind(": expected"));
+      ASSERT_EQ(detector.PermFileError, told);
+      ASSERT_EQ(read_file(name), "old");
+      continue;
+    }
+    ++written_count;
+    SymmetryDetection read_back;
+    read_back.SetDiagnostics(nullptr);
+    read_back.ReadPermFile(name);
+    ASSERT_EQ(read_file(name), text.str());
+    ASSERT_EQ(read_back.PartitionInfo, detector.PartitionInfo);
+    ASSERT_EQ(read_back.CumPartitionInfo, detector.CumPartitionInfo);
+    ASSERT_EQ(read_back.Bases, detector.Bases);
+    std::ostringstream again;
+    read_back.WriteTables(again);
+    ASSERT_EQ(again.str(), text.str());
+  }
+  EXPECT_GT(written_count, 40);
+  EXPECT_LT(written_count, 160);
+  SymmetryDetection wide;
+  wide.PartitionInfo = wide.CumPartitionInfo = std::vector<int>(40'000, 0);
+  EXPECT_EQ(captured_errors([&] { wide.WritePermFile(name); }),
+            "symfold: permutations: error: not written: expected the number of partitions (0 to 32767), got "
+            "40000\n");
 }
 
 TEST(PermFile, IsRefusedWholeWithTheLineOfTheFault) {
@@ -71,6 +148,7 @@ TEST(PermFile, IsRefusedWholeWithTheLineOfTheFault) {
       {"2\n2 4\n0 2\n1\n0\n1\n1\n1\n1 0\n",
        ":9: error: expected a partition of 2 bytes as image of partition 0, got 1, of 4 bytes"},
       {"0\n\n\n0\n7", ":5: error: expected the end of the file, got 7"},
+      {"\x1b[2J", ":1: error: expected the number of partitions (0 to 32767), got \\x1b[2J"},
       {"1\n2.5\n", ":2: error: expected the size of a partition (0 to 67108864), got 2.5"},
   };
   for (const auto& c : cases) {
