@@ -125,7 +125,7 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
     streams.err << error.what() << "\n";
     return kModelError;
   } catch (const GroupLimitError& error) {
-    streams.err << error.refusals() << "symfold: " << error.what() << "\n";
+    streams.err << "symfold: " << error.what() << "\n";
     return kLimitReached;
   } catch (const UnsoundSymmetryError& error) {
     streams.err << "symfold: " << error.what() << "\n";

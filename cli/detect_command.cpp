@@ -45,6 +45,7 @@ struct Report {
   std::size_t state_bytes, partitions;
   std::string initial_state, initial_label;  // hexadecimal
   std::string unsound_reason;
+  std::vector<std::string> refused;  // lines
   std::vector<DetectionPhase> phases;
   std::size_t peak_bytes;
 };
@@ -70,6 +71,7 @@ Report make_report(const ComposedModel& model, const Folding& folding, bool is_w
   report.state_bytes = folding.state_size();
   report.partitions = folding.cell_sizes().size();
   report.unsound_reason = folding.unsound_reason();
+  report.refused = lines_of(folding.refusals());
   if (folding.is_sound()) {
     std::vector<std::int16_t> state = StateLayout(model, folding.order()).initial_state();
     report.initial_state = hexadecimal(state);
@@ -113,6 +115,7 @@ void print_report(std::ostream& out, const Report& report) {
   } else {
     out << "check  FAILED: " << report.unsound_reason << "\n";
   }
+  for (const std::string& line : report.refused) out << "refused  " << line << "\n";
   out << "time ";
   for (const DetectionPhase& phase : report.phases)
     out << " " << phase.name << " " << duration(phase.seconds) << ",";
@@ -136,6 +139,7 @@ void print_json(std::ostream& out, const Report& report) {
   json["initial_label"] = report.initial_label;
   json["is_sound"] = report.unsound_reason.empty();
   json["unsound_reason"] = report.unsound_reason;
+  if (!report.refused.empty()) json["refused"] = report.refused;
   for (const DetectionPhase& phase : report.phases) json["seconds"][phase.name] = phase.seconds;
   json["peak_memory_bytes"] = report.peak_bytes;
   json["directory"] = report.directory;
@@ -150,8 +154,7 @@ int run_detect(const DetectOptions& options, const Streams& streams) {
   const std::chrono::duration<double> reading = std::chrono::steady_clock::now() - start;
   const std::string directory =
       options.directory.empty() ? options.input.stem() + ".symfold" : options.directory;
-  const Folding folding(model, Symmetry::kFast, {directory, !options.no_log});
-  streams.err << folding.refusals();
+  const Folding folding(model, Symmetry::kFast, {directory, !options.no_log}, &streams.err);
   Report report = make_report(model, folding, options.json);
   report.model = options.input.model;
   report.directory = directory;

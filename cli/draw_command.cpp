@@ -32,8 +32,7 @@ std::string option_error(const DrawOptions& options) {
 
 int run_draw(const DrawOptions& options, const Streams& streams) {
   const ComposedModel model = read_input(options.input, streams);
-  const Folding folding(model, Symmetry::kExact);
-  streams.err << folding.refusals();
+  const Folding folding(model, Symmetry::kExact, {}, &streams.err);
   folding.require_sound();
   const NamedOrbits orbits = find_orbits(*folding.detector());
   const bool is_large = model.submodels.size() > kMaxSubmodels || model.joins.size() > kMaxJoins;

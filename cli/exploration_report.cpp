@@ -115,7 +115,11 @@ void print_results(std::ostream& out, const std::vector<ExplorationResult>& resu
   }
   print_table(out, rows);
   if (!results.back().is_folded()) return;
-  out << "group order  " << results.back().group_order << ": no folding reduces by more\n";
+  const ExplorationResult& folded = results.back();
+  const char* const meaning =
+      folded.refused.empty() ? "no folding reduces by more" : "of the symmetries that were not refused";
+  out << "group order  " << folded.group_order << ": " << meaning << "\n";
+  for (const std::string& line : folded.refused) out << "refused  " << line << "\n";
 }
 
 void print_range_head(std::ostream& out, const std::string& parameter,
@@ -174,6 +178,7 @@ nlohmann::ordered_json results_json(const std::vector<ExplorationResult>& result
     run["peak_memory_bytes"] = result.peak_memory;
     if (result.is_folded()) run["group_order"] = result.group_order;
     if (result.symmetry == Symmetry::kExact) run["inexact_labels"] = result.inexact_labels;
+    if (!result.refused.empty()) run["refused"] = result.refused;
     if (reduction(results, result) > 0) run["reduction"] = reduction(results, result);
     runs.push_back(std::move(run));
   }

@@ -20,8 +20,9 @@ struct ExplorationResult {
   ExplorationFigures figures;
   std::vector<std::string> observables;  // their names
   double detection_seconds = 0;
-  std::size_t inexact_labels = 0;  // those of "exact" that may not be
-  std::size_t peak_memory = 0;     // of the process so far, in bytes
+  std::size_t inexact_labels = 0;    // those of "exact" that may not be
+  std::vector<std::string> refused;  // the symmetries that are not folded by, a line each
+  std::size_t peak_memory = 0;       // of the process so far, in bytes
 
   double seconds() const { return detection_seconds + figures.seconds; }
   bool is_folded() const { return !group_order.empty(); }

@@ -64,14 +64,14 @@ ExplorationLimits ExploreRun::limits() const {
 
 ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symmetry) {
   const auto start = std::chrono::steady_clock::now();
-  const Folding folding(model, symmetry, {options_.directory});
-  streams_.err << folding.refusals();
+  const Folding folding(model, symmetry, {options_.directory}, &streams_.err);
   const std::unique_ptr<Labeller> labeller = folding.make_labeller();
   const bool is_exported = !options_.exports.empty() && symmetry == options_.symmetry;
   ExplorationResult result;
   result.symmetry = symmetry;
   if (labeller) {
     result.group_order = group_order(folding.orbit_lengths());
+    result.refused = lines_of(folding.refusals());
     result.detection_seconds = seconds_since(start);
   }
   Exploration exploration(model, folding.order(), labeller.get(), is_exported);

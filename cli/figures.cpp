@@ -34,6 +34,13 @@ std::string percentage(double share) { return fixed(share * 100, 1) + " %"; }
 
 std::string mebibytes(std::size_t bytes) { return std::to_string(bytes >> 20) + " MiB"; }
 
+std::vector<std::string> lines_of(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
 std::string group_order(const std::vector<int>& orbit_lengths) {
   boost::multiprecision::cpp_int order = 1;
   for (const int length : orbit_lengths) order *= length;

@@ -27,6 +27,9 @@ std::string percentage(double share);
 // A number with so many digits behind the point.
 std::string fixed(double number, int digits);
 
+// The lines of a text, without their ends.
+std::vector<std::string> lines_of(const std::string& text);
+
 // The exact order of a group, in decimal: the product of its orbit lengths.
 std::string group_order(const std::vector<int>& orbit_lengths);
 

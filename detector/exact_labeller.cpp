@@ -69,7 +69,8 @@ ExactGroup::ExactGroup(const LabellingTables& tables) : ExactGroup(tables, detai
 
 // Positions of the search are partitions in the order of their offsets: table entry i is the partition i, and
 // detection's tables list them so.
-ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds) {
+ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds)
+    : is_whole_(tables.has_whole_group) {
   std::size_t end = 0;
   for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
     const int size = tables.sizes[i];
@@ -127,7 +128,8 @@ ExactLabeller::~ExactLabeller() = default;
 bool ExactLabeller::find(const void* state, void* label) {
   const auto* const bytes = static_cast<const unsigned char*>(state);
   load(bytes);
-  const bool is_exact = search_ == nullptr || search_->maximise(values_);
+  const bool is_largest = search_ == nullptr || search_->maximise(values_);
+  const bool is_exact = is_largest && group_.is_whole_;
   if (!is_exact) ++inexact_count_;
   const ExactGroup::Partition* const partitions = partitions_;
   const detail::Placed* const values = values_;

@@ -3,6 +3,9 @@
 // Two states have the same exact label if and only if a symmetry carries one onto the other. The label does
 // not depend on the generators, on the machine or on the version. States are compared byte by byte, as memcmp
 // does. So in a variable of two bytes, little endian, the low byte counts first: 256 is less than 1.
+//
+// Tables of which detection has refused a part generate a smaller group. Labels are then the largest images
+// under that one, and none is called exact.
 
 #ifndef SYMFOLD_DETECTOR_EXACT_LABELLER_H
 #define SYMFOLD_DETECTOR_EXACT_LABELLER_H
@@ -45,6 +48,7 @@ class ExactGroup {
 
   std::vector<Partition> partitions_;
   std::size_t state_size_ = 0;
+  bool is_whole_;
   std::unique_ptr<const detail::ImageSearch> search_;  // null for the trivial group
 };
 
@@ -56,8 +60,8 @@ class ExactLabeller final : public Labeller {
 
   std::size_t state_size() const { return group_.state_size_; }  // bytes
 
-  // Returns false if a bound on the work was exceeded: then the label is an image of the state, but a larger
-  // one may exist.
+  // Returns false if a bound on the work was exceeded, or if the tables are not those of the whole group:
+  // then the label is an image of the state, but a larger one may exist.
   bool find(const void* state, void* label) override;
   void find_witness(short* witness) override;
   std::size_t inexact_count() const override { return inexact_count_; }

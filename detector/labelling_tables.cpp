@@ -8,7 +8,9 @@
 namespace symfold {
 
 LabellingTables::LabellingTables(const SymmetryDetection& detector)
-    : sizes(detector.PartitionInfo), offsets(detector.CumPartitionInfo) {
+    : sizes(detector.PartitionInfo),
+      offsets(detector.CumPartitionInfo),
+      has_whole_group(detector.HasWholeGroup || detector.OrigPermutations.empty()) {
   for (const int base : detector.Bases) {
     const auto found = detector.VPerms.find(base);
     if (found == detector.VPerms.end()) continue;

@@ -10,7 +10,8 @@
 //   1. SymmetryDetection detector(&wrapper);
 //   2. FindMCG(), in a directory that holds the file "types"; it writes "model_comp_graph" and "mcg.viz"
 //   there. Or FindMCG(types), which needs no files;
-//   3. set StateSize, in bytes, of every submodel node in GraphNodes; CreatePartitionInfo();
+//   3. set StateSize, in bytes, of every submodel node in GraphNodes; KeepSoundGenerators() if a part of the
+//      symmetries is better than none; CreatePartitionInfo();
 //   4. fill SSOrder with the names in GNOrder, in the order of their stretches in the state vector;
 //      ShrinkPermutations(), AdjustPermutations(), AdjustPartitionInfo(), TrimPermutations();
 //      VerifySymmetries() tells whether the tables can be trusted; WritePermFile() may save them.
@@ -22,7 +23,8 @@
 // Operations append to the containers without clearing them: each detection step runs once per detector.
 // Diagnostics go to standard output, or to the stream that the owner sets, each line flushed. Tables that
 // cannot be right are refused with one line, on standard error or the stream that the owner sets, and
-// emptied. That leaves every state its own label: sound, though nothing is folded. An entry of the labelling
+// emptied. That leaves every state its own label: sound, though nothing is folded. What detection refuses
+// clears HasWholeGroup, and exact labels are then not called exact. An entry of the labelling
 // tables that would lead outside a state prints one line and ends the process with status 1.
 //
 // Threads: a detector serves one thread at a time. Detectors share nothing, so that any number of them work
@@ -115,6 +117,12 @@ class SymmetryDetection {
 
   // --- From graph nodes to partitions (detector/partitions/) ---
 
+  // Leaves those generators out that are no symmetries of the composition (types, bytes, edges, the variables
+  // of each join together and in order), each with one refused line, and makes SGS, SGSBase, SGSOrbitLengths,
+  // Bases and VPerms anew of the others. Does nothing if all are sound, and for a graph that VerifySymmetries
+  // refuses. To be called after StateSize is set, before CreatePartitionInfo and ShrinkPermutations. Linear
+  // in the graph for each generator; if any is left out, besides, a Schreier-Sims run.
+  void KeepSoundGenerators();
   void CreatePartitionInfo();  // sizes and offsets in bytes, partitions in graph-node order
   void ShrinkPermutations();   // the table's points become positions in GNOrder
   void AdjustPermutations();   // ... and then positions in SSOrder
@@ -122,11 +130,13 @@ class SymmetryDetection {
   void TrimPermutations();     // one combined permutation per record, identities dropped
   void PrintPartitionInfo();
 
-  // True when the tables can be trusted: every permutation is a bijection of the partitions between
-  // partitions of equal size, and, while the graph is at hand, every automorphism generator carries the
-  // variables of each join, in order, onto those of one join. Otherwise `report` says in names which
-  // permutation is the first that does not. To be called after TrimPermutations or ReadPermFile. Linear in
-  // the size of the tables.
+  // Returns true if the tables can be trusted, and clears `report`. Otherwise `report` says in names what is
+  // the first thing wrong, and HasWholeGroup becomes false. Checked are: every permutation is a bijection of
+  // the partitions between partitions of equal size. While the graph is at hand, besides: it is that of a
+  // composition (every edge has its nodes; no name is there twice; no submodel has the type "join"), the
+  // generators and the permutations of the tables are symmetries of it, SSOrder is an arrangement of its
+  // partitions, and PartitionInfo has their bytes. To be called after TrimPermutations or ReadPermFile. Cost:
+  // linear in the tables, and in the graph for each generator.
   bool VerifySymmetries(std::string& report);
 
   // --- Labeller (detector/labelling/) ---
@@ -228,8 +238,9 @@ class SymmetryDetection {
   // Orbit length of each point of SGSBase under the stabiliser of the points before it: their product is the
   // order of the automorphism group.
   std::vector<int> SGSOrbitLengths;
-  // True if OrigPermutations generate the whole automorphism group and its tables were made. False if the
-  // graph could not be searched, or the group is too large.
+  // True if the tables are those of the whole automorphism group. False before detection, and as soon as any
+  // of its steps refuses something: the graph could not be searched, the group is too large, a generator or
+  // the tables are unsound.
   bool HasWholeGroup = false;
   // What the last WritePermFile or ReadPermFile reported; empty after a success.
   std::string PermFileError;
@@ -262,6 +273,7 @@ class SymmetryDetection {
   void ComposeBestPerm();
   void DropTables();
 
+  std::string input_fault_;  // what was wrong with the list of submodels, or with the graph file
   std::unique_ptr<std::ostream> nowhere_;  // a stream without a buffer
   std::ostream* diagnostics_;
   std::ostream* refusals_;

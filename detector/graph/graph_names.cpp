@@ -1,8 +1,28 @@
 #include "detector/graph/graph_names.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace symfold::detail {
+namespace {
+
+// Calls `visit` with every cycle of the points that `is_wanted`, fixed points included, smallest point first.
+template <class IsWanted, class Visit>
+void walk_cycles(const Permutation& permutation, IsWanted is_wanted, Visit visit) {
+  std::vector<bool> is_done(static_cast<std::size_t>(permutation.GetN()), false);
+  std::vector<int> cycle;
+  for (int start = 0; start < permutation.GetN(); ++start) {
+    cycle.clear();
+    for (int point = start; !is_done[static_cast<std::size_t>(point)] && is_wanted(point);
+         point = permutation[point]) {
+      is_done[static_cast<std::size_t>(point)] = true;
+      cycle.push_back(point);
+    }
+    if (!cycle.empty()) visit(cycle);
+  }
+}
+
+}  // namespace
 
 EdgeEndpoints find_endpoints(const NameIndex& nodes, const ModelCompGraphEdge& edge,
                              std::ostream& diagnostics) {
@@ -27,6 +47,27 @@ NumberedGraph number_graph(const std::vector<ModelCompGraphNode>& nodes,
     if (ends.found()) graph.edges.emplace_back(ends.from, ends.to);
   }
   return graph;
+}
+
+std::string named_cycles(const std::vector<ModelCompGraphNode>& nodes, const Permutation& permutation,
+                         const std::function<std::string(const ModelCompGraphNode&)>& name_of,
+                         std::size_t max_names, std::size_t max_cycles) {
+  std::string text;
+  std::size_t count = 0;
+  const auto node = [&](int point) -> const ModelCompGraphNode& {
+    return nodes[static_cast<std::size_t>(point)];
+  };
+  walk_cycles(
+      permutation, [&](int point) { return node(point).PrivateOrJoin; },
+      [&](const std::vector<int>& cycle) {
+        if (cycle.size() == 1 || ++count > max_cycles) return;
+        for (std::size_t i = 0; i < std::min(cycle.size(), max_names); ++i) {
+          text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
+        }
+        text += cycle.size() > max_names ? " ... " + std::to_string(cycle.size()) + ")" : ")";
+      });
+  if (count > max_cycles) text += " ... " + std::to_string(count) + " cycles";
+  return text.empty() ? "()" : text;
 }
 
 }  // namespace symfold::detail

@@ -5,6 +5,7 @@
 #define SYMFOLD_DETECTOR_GRAPH_GRAPH_NAMES_H
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "components/model_comp_graph.h"
+#include "components/permutation.h"
 
 namespace symfold::detail {
 
@@ -77,6 +79,13 @@ struct NumberedGraph {
 
 NumberedGraph number_graph(const std::vector<ModelCompGraphNode>& nodes,
                            const std::vector<ModelCompGraphEdge>& edges, std::ostream& diagnostics);
+
+// The permutation of the nodes in disjoint cycles of real nodes, smallest first, "()" if it moves none. A
+// cycle of more than `max_names` names is cut, and "... N" tells their number; so are more than `max_cycles`
+// cycles.
+std::string named_cycles(const std::vector<ModelCompGraphNode>& nodes, const Permutation& permutation,
+                         const std::function<std::string(const ModelCompGraphNode&)>& name_of,
+                         std::size_t max_names, std::size_t max_cycles);
 
 }  // namespace symfold::detail
 

@@ -81,7 +81,8 @@ void SymmetryDetection::InitFindMCG(std::istream& in) {
       GraphNodes.push_back(std::move(node));
     }
     if (!refused.empty()) {
-      Refuse("types: expected a submodel type other than \"join\" for " + refused);
+      input_fault_ = "types: expected a submodel type other than \"join\" for " + refused;
+      Refuse(input_fault_);
     }
   }
   NodeTypes.emplace_back(kJoinType);

@@ -1,6 +1,7 @@
 // The automorphism group of the graph: generators from the automorphism engine, and a base and strong
 // generating set of the same group.
 
+#include <fstream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -14,12 +15,68 @@ namespace {
 
 constexpr const char* kGraphFile = "model_comp_graph";
 
+// Reads numbers one by one and compares them with those that are expected.
+class FileComparison {
+ public:
+  explicit FileComparison(std::istream& in) : in_(in) {}
+
+  // Returns false, and notes the number that was read in its place, unless the next one is `expected`.
+  bool has(std::size_t expected) {
+    std::size_t number = 0;
+    const bool is_read = static_cast<bool>(in_ >> number);
+    got_ = is_read ? std::to_string(number) : "no number";
+    return is_read && number == expected;
+  }
+  const std::string& got() const { return got_; }
+
+ private:
+  std::istream& in_;
+  std::string got_;
+};
+
+// Says in names how the graph file differs from the detector's graph; empty if it does not.
+std::string find_difference(std::istream& in, const detail::NumberedGraph& graph,
+                            const std::vector<ModelCompGraphNode>& nodes) {
+  FileComparison file(in);
+  const auto differs = [&](const std::string& expected) {
+    return "expected a graph " + expected + ", got " + file.got();
+  };
+  if (!file.has(nodes.size())) return differs("of " + std::to_string(nodes.size()) + " nodes");
+  if (!file.has(graph.edges.size())) return differs("of " + std::to_string(graph.edges.size()) + " edges");
+  const std::size_t colours = nodes.empty() ? 0 : graph.boundaries.size() + 1;
+  if (!file.has(colours)) return differs("of " + std::to_string(colours) + " colours");
+  for (const int first : graph.boundaries) {
+    const auto node = static_cast<std::size_t>(first);
+    if (!file.has(node)) return differs("with a colour from node " + nodes[node].Name + " on");
+  }
+  for (const auto& [from, to] : graph.edges) {
+    const auto a = static_cast<std::size_t>(from);
+    const auto b = static_cast<std::size_t>(to);
+    if (file.has(a) && file.has(b)) continue;
+    return differs("with the edge " + nodes[a].Name + " -- " + nodes[b].Name + " (" + std::to_string(a) +
+                   " " + std::to_string(b) + ")");
+  }
+  return "";
+}
+
 }  // namespace
 
+// The file may be another than the one that PrintMCG made: cut short by a full disk, or an old one that could
+// not be overwritten. Then the generators are those of another model.
 void SymmetryDetection::FindMCG_FindAut() {
   BeginSearch();
   std::string file_name = kGraphFile;
-  FinishSearch(SaucyObj->saucy_begin2(file_name.data()));
+  saucy_struct* const search = SaucyObj->saucy_begin2(file_name.data());
+  if (search != nullptr) {
+    std::ifstream file(file_name);
+    const std::string difference =
+        find_difference(file, detail::number_graph(GraphNodes, GraphEdges, *nowhere_), GraphNodes);
+    if (!difference.empty()) {
+      input_fault_ = file_name + ": " + difference;
+      Refuse(input_fault_);
+    }
+  }
+  FinishSearch(search);
 }
 
 void SymmetryDetection::FindAutInMemory() {
@@ -33,9 +90,8 @@ void SymmetryDetection::BeginSearch() {
   SaucyObj->errors = refusals_;
 }
 
-// The engine acts on the vertices of the graph that it was given. If that is not this detector's graph (its
-// file could not be written and an older one stands in its place), the generators say nothing about the model
-// and are not taken.
+// Generators of another number of points cannot be carried on. Any others are taken as they are found: if
+// they are those of another graph, VerifySymmetries refuses them.
 void SymmetryDetection::FinishSearch(saucy_struct* search) {
   const int node_count = static_cast<int>(GraphNodes.size());
   const auto end_search = [this, search](void*) {
@@ -49,13 +105,10 @@ void SymmetryDetection::FinishSearch(saucy_struct* search) {
   OrigPermutations.emplace_back(node_count);
   SGSOrbitLengths.clear();
   const auto& generators = SaucyObj->generators;
-  if (!generators.empty() && generators.front().GetN() != node_count) {
-    Refuse(std::string(kGraphFile) + ": expected a graph of " + std::to_string(node_count) + " nodes, got " +
-           std::to_string(generators.front().GetN()));
-  } else {
+  if (generators.empty() || generators.front().GetN() == node_count) {
     OrigPermutations.insert(OrigPermutations.end(), generators.begin(), generators.end());
     SGSOrbitLengths = SaucyObj->orbit_lengths;
-    HasWholeGroup = SaucyObj->is_complete;
+    HasWholeGroup = SaucyObj->is_complete && input_fault_.empty();
   }
   diagnostics() << "FindMCG_FindAut() Print OrigPermutations: Num:" << OrigPermutations.size() << std::endl;
   for (const Permutation& permutation : OrigPermutations) {

@@ -121,6 +121,7 @@ void SymmetryDetection::AdjustPartitionInfo() {
   } else if (!PartitionInfo.empty()) {
     Refuse("expected as many partitions as names in SSOrder (" + std::to_string(SSOrder.size()) + "), got " +
            std::to_string(PartitionInfo.size()));
+    HasWholeGroup = false;
   }
   diagnostics() << "New partition Info: " << std::endl;
   PrintPartitionInfo();

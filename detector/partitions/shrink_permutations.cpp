@@ -6,8 +6,17 @@
 // real nodes and keeping those that have a position gives the induced permutation: nodes A J->x J->y B K->x
 // K->y have the map 0 1 -1 2 3 -1, and the images 3 5 4 0 2 1 keep 2 3 0 1, A with B and J with K.
 //
-// A table that is not of this form (a base or an orbit point that is no real node, a permutation that moves
-// real nodes elsewhere or keeps another number of images) is refused.
+// A base that is no real node is left out with its records. It is the node of a submodel's variable. Such
+// bases occur if a variable is bound twice: it has two nodes, one of which has no edges, and those without
+// edges are exchanged freely. Fewer permutations are sound in any case. And nothing is lost. Real nodes are
+// numbered before all others, and each base point is the smallest one that the stabiliser S of the base
+// points before it moves (schreier_sims.h). If that is no real node, S fixes all real nodes, so S moves no
+// partition. The records of the real base points hold, for each of them, the points that the stabiliser of
+// the base points before it reaches. So every automorphism is a product of these records' permutations and a
+// member of S, and what it does to the partitions is the product of what these permutations do.
+//
+// A table that is not of this form (an orbit point that is no real node, a permutation that moves real nodes
+// elsewhere or keeps another number of images) is refused.
 
 #include <ostream>
 #include <utility>
@@ -109,8 +118,7 @@ void SymmetryDetection::ShrinkPermutations() {
   std::map<int, std::vector<ValPerms>> new_vperms;
   bool is_sound = true;
   for (auto& [base, records] : VPerms) {
-    is_sound = shrinker.has(base);
-    if (!is_sound) break;
+    if (!shrinker.has(base)) continue;
     diagnostics() << "Base: " << base << "  map[base]: " << shrinker[base] << std::endl;
     for (ValPerms& record : records) is_sound = is_sound && shrinker.shrink(record);
     if (!is_sound) break;
@@ -131,6 +139,7 @@ void SymmetryDetection::ShrinkPermutations() {
 void SymmetryDetection::DropTables() {
   Bases.clear();
   VPerms.clear();
+  HasWholeGroup = false;
 }
 
 }  // namespace symfold

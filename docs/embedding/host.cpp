@@ -32,6 +32,7 @@ int main() {
   for (auto& node : detector.GraphNodes) {
     if (node.Type == "Client") node.StateSize = 1;  // bytes of each submodel's stretch of the state
   }
+  detector.KeepSoundGenerators();
   detector.CreatePartitionInfo();
   detector.SSOrder = detector.GNOrder;  // this host lays its states out in graph-node order
   detector.ShrinkPermutations();

@@ -33,17 +33,30 @@ void Detection::timed(const char* name, Step step) {
   phases_.push_back({name, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()});
 }
 
-Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log)
+Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log, std::ostream* refusals)
     : records_(model), detector_(records_.wrapper()) {
-  std::ostringstream refusals;
-  detector_.SetRefusals(&refusals);
+  std::ostringstream refused;
+  detector_.SetRefusals(&refused);
   detector_.SetDiagnostics(files != nullptr && keeps_log ? &files->open_log() : nullptr);
+  try {
+    detect(model, files, refused);
+  } catch (...) {
+    if (refusals != nullptr) *refusals << refused.view();
+    throw;
+  }
+  if (refusals != nullptr) *refusals << refused.view();
+  detector_.SetDiagnostics(nullptr);
+  detector_.SetRefusals(nullptr);
+  refusals_ = refused.str();
+}
+
+void Detection::detect(const ComposedModel& model, RunDirectory* files, const std::ostringstream& refused) {
   std::stringstream types;
   write_types(model, types);
   timed("graph and group", [&] { detector_.FindMCG(types); });
   if (!detector_.HasWholeGroup) {
     throw GroupLimitError(
-        "error: the symmetry group could not be listed or tabulated, as the line above says", refusals.str());
+        "error: the symmetry group could not be listed or tabulated, as the line above says", refused.str());
   }
   timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });
@@ -52,9 +65,6 @@ Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps
   } else if (files != nullptr) {
     save(types.str(), *files);
   }
-  detector_.SetDiagnostics(nullptr);
-  detector_.SetRefusals(nullptr);
-  refusals_ = refusals.str();
 }
 
 void Detection::make_tables(const ComposedModel& model) {
@@ -65,6 +75,7 @@ void Detection::make_tables(const ComposedModel& model) {
   for (ModelCompGraphNode& node : detector_.GraphNodes) {
     if (const auto found = bytes.find(node.Name); found != bytes.end()) node.StateSize = found->second;
   }
+  detector_.KeepSoundGenerators();
   detector_.CreatePartitionInfo();
   detector_.SSOrder = detector_.GNOrder;
   detector_.ShrinkPermutations();

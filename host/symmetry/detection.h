@@ -31,8 +31,10 @@ class Detection {
   // directory, if it is not null. permutations is left out if the symmetries are not sound.
   // Requires: the model has no more partitions than the detector can number. Throws GroupLimitError if the
   // group could not be listed or its tables are too large, and what RunDirectory throws. Unless it is thrown
-  // while the files are published, an earlier set of files stays as it is.
-  Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log);
+  // while the files are published, an earlier set of files stays as it is. What the detector refuses goes to
+  // `refusals`, if it is not null, even if an exception ends the detection.
+  Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log,
+            std::ostream* refusals = nullptr);
 
   // The detector with its final tables, silent from now on; the search buffers are not allocated.
   const SymmetryDetection& detector() const { return detector_; }
@@ -48,6 +50,7 @@ class Detection {
   const std::vector<DetectionPhase>& phases() const { return phases_; }
 
  private:
+  void detect(const ComposedModel& model, RunDirectory* files, const std::ostringstream& refused);
   void make_tables(const ComposedModel& model);
   void save(const std::string& types, RunDirectory& files);
   template <class Step>

@@ -47,13 +47,14 @@ struct Folding::Group {
   std::optional<ExactGroup> exact;
 };
 
-Folding::Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files)
+Folding::Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files,
+                 std::ostream* refusals)
     : symmetry_(symmetry), group_(std::make_unique<Group>()) {
   if (symmetry == Symmetry::kOff) return;
   require_countable_partitions(model);
   std::unique_ptr<RunDirectory> directory;
   if (!files.directory.empty()) directory = std::make_unique<RunDirectory>(files.directory);
-  detection_ = std::make_unique<const Detection>(model, directory.get(), files.keeps_log);
+  detection_ = std::make_unique<const Detection>(model, directory.get(), files.keeps_log, refusals);
 }
 
 Folding::Folding(const std::string& perm_file, Symmetry symmetry)

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,11 +56,14 @@ class Folding {
   // files is published at the end, in place of an earlier one (run_directory.h); if an exception ends the
   // detection before, the earlier set stays. Symmetries that are not sound are no error here. Throws
   // ModelError if the model has more than 32,767 submodels and joins, GroupLimitError if the group could not
-  // be listed or tabulated, std::runtime_error if the files cannot be written.
-  Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files = {});
+  // be listed or tabulated, std::runtime_error if the files cannot be written. What the detector refuses goes
+  // to `refusals`, if it is not null, a line each, even if an exception ends the detection.
+  Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files = {},
+          std::ostream* refusals = nullptr);
 
-  // Takes the symmetries from a permutation file. Throws std::runtime_error with one line that says what is
-  // wrong with the file and where.
+  // Takes the symmetries from a permutation file, and the file at its word that they are symmetries of the
+  // model, and all of them. Checked are numbers, points and sizes (perm_table.h). Throws std::runtime_error
+  // with one line that says what is wrong with the file and where.
   Folding(const std::string& perm_file, Symmetry symmetry);
 
   ~Folding();
@@ -86,7 +90,8 @@ class Folding {
   // for a permutation file.
   const std::vector<int>& orbit_lengths() const;
 
-  // What the detector has refused, a line each.
+  // What the detector has refused, a line each. If there is any, symmetric states may keep labels of their
+  // own, and no label is called exact.
   const std::string& refusals() const;
 
   // The detector with its final tables, for whoever wants to know more of the graph, the group and its

@@ -1,6 +1,5 @@
 #include "host/symmetry/symmetry_names.h"
 
-#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -14,42 +13,11 @@ std::string name_of(const ModelCompGraphNode& node) {
   return detail::has_arrow(node.Name) ? std::string(detail::join_name(node.Name)) : node.Name;
 }
 
-// Calls `visit` with every cycle of the points that `is_wanted`, fixed points included, smallest point first.
-template <class IsWanted, class Visit>
-void walk_cycles(const Permutation& permutation, IsWanted is_wanted, Visit visit) {
-  std::vector<bool> is_done(static_cast<std::size_t>(permutation.GetN()), false);
-  std::vector<int> cycle;
-  for (int start = 0; start < permutation.GetN(); ++start) {
-    cycle.clear();
-    for (int point = start; !is_done[static_cast<std::size_t>(point)] && is_wanted(point);
-         point = permutation[point]) {
-      is_done[static_cast<std::size_t>(point)] = true;
-      cycle.push_back(point);
-    }
-    if (!cycle.empty()) visit(cycle);
-  }
-}
-
 }  // namespace
 
 std::string named_cycles(const SymmetryDetection& detector, const Permutation& generator,
                          std::size_t max_names, std::size_t max_cycles) {
-  std::string text;
-  std::size_t count = 0;
-  const auto node = [&](int point) -> const ModelCompGraphNode& {
-    return detector.GraphNodes[static_cast<std::size_t>(point)];
-  };
-  walk_cycles(
-      generator, [&](int point) { return node(point).PrivateOrJoin; },
-      [&](const std::vector<int>& cycle) {
-        if (cycle.size() == 1 || ++count > max_cycles) return;
-        for (std::size_t i = 0; i < std::min(cycle.size(), max_names); ++i) {
-          text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
-        }
-        text += cycle.size() > max_names ? " ... " + std::to_string(cycle.size()) + ")" : ")";
-      });
-  if (count > max_cycles) text += " ... " + std::to_string(count) + " cycles";
-  return text.empty() ? "()" : text;
+  return detail::named_cycles(detector.GraphNodes, generator, name_of, max_names, max_cycles);
 }
 
 NamedOrbits find_orbits(const SymmetryDetection& detector) {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "cli/commands.h"
+#include "cli/exploration_report.h"
 #include "tests/support/detector_support.h"
 #include "tests/support/run_command.h"
 
@@ -53,6 +54,21 @@ TEST(Explore, PrintsBothStateSpacesSideBySide) {
     EXPECT_TRUE(std::filesystem::remove(std::string("run/") + file)) << file;
   }
   EXPECT_TRUE(std::filesystem::is_empty("run"));
+}
+
+// Nothing is said of symmetries that were refused unless there are any.
+TEST(Explore, ReportsWhatIsNotFoldedBy) {
+  ExplorationResult result{};
+  result.symmetry = Symmetry::kExact;
+  result.group_order = "2";
+  EXPECT_FALSE(results_json({result})["runs"][0].contains("refused"));
+  result.refused = {"symfold: the generator (a b) is left out"};
+  EXPECT_EQ(results_json({result})["runs"][0]["refused"], result.refused);
+  std::ostringstream text;
+  print_results(text, {result});
+  EXPECT_TRUE(text.str().ends_with(
+      "group order  2: of the symmetries that were not refused\nrefused  " + result.refused[0] + "\n"))
+      << text.str();
 }
 
 // A token on a ring of three places: folded, every step leads back; beside it an action that changes nothing.

@@ -181,8 +181,10 @@ TEST(VerifySymmetries, FindsVariablesThatAreExchangedInsideAJoin) {
       report,
       "a generator does not carry the variables of join J, in order, onto those of one join: it carries "
       "J->a to J->b");
+  EXPECT_FALSE(detector.HasWholeGroup);
   detector.OrigPermutations.clear();
-  EXPECT_TRUE(detector.VerifySymmetries(report));
+  EXPECT_FALSE(detector.VerifySymmetries(report));
+  EXPECT_EQ(report, "the permutation of base P1, value P3, does not carry the joins of P1 onto those of P3");
   detector.VPerms[0][0].Perms[0].GetP()[0] = 4;
   EXPECT_FALSE(detector.VerifySymmetries(report));
   EXPECT_EQ(report, "the permutation of base P1, value " +

@@ -93,7 +93,6 @@ TEST_F(Rewriting, ShrinksToTheInducedPermutations) {
 TEST_F(Rewriting, RefusesPermutationsThatLeaveTheRealNodes) {
   detector_.GraphNodes.push_back({"T", "A->v", false, 0});
   const std::vector<std::map<int, std::vector<ValPerms>>> tables = {
-      {{6, {}}},
       {{0, {record(6, {})}}},
       {{0, {record(3, {{6, 1, 2, 3, 4, 5, 0}})}}},
       {{0, {record(3, {{3, 1, 2}})}}},
@@ -102,11 +101,24 @@ TEST_F(Rewriting, RefusesPermutationsThatLeaveTheRealNodes) {
   };
   for (std::size_t i = 0; i < tables.size(); ++i) {
     detector_.VPerms = tables[i];
+    detector_.HasWholeGroup = true;
     EXPECT_EQ(captured_errors([&] { detector_.ShrinkPermutations(); }),
               "symfold: expected permutations that move the submodels and joins among themselves\n")
         << i;
-    EXPECT_TRUE(detector_.VPerms.empty() && detector_.Bases.empty()) << i;
+    EXPECT_TRUE(detector_.VPerms.empty() && detector_.Bases.empty() && !detector_.HasWholeGroup) << i;
   }
+}
+
+// The base of a submodel's variable goes with its records; the others stay.
+TEST_F(Rewriting, LeavesBasesOutThatAreNoRealNodes) {
+  detector_.GraphNodes.push_back({"T", "A->v", false, 0});
+  detector_.VPerms[0] = {record(3, {{3, 4, 5, 0, 1, 2, 6}})};
+  detector_.VPerms[6] = {record(7, {{3, 4, 5, 0, 1, 2, 6}})};
+  detector_.HasWholeGroup = true;
+  EXPECT_EQ(captured_errors([&] { detector_.ShrinkPermutations(); }), "");
+  EXPECT_EQ(detector_.Bases, Ints{0});
+  EXPECT_EQ(images(detector_.VPerms[0][0].Perms[0]), (Ints{2, 3, 0, 1}));
+  EXPECT_TRUE(detector_.HasWholeGroup);
 }
 
 TEST_F(Rewriting, AdjustsToStateVectorOrder) {

@@ -1,13 +1,17 @@
 // Detected permutations against the composed model itself, by code that knows nothing of graphs.
 
 #include "host/symmetry/detection.h"
-#include "host/chain/state_layout.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 #include <map>
 #include <set>
+#include <sstream>
 
+#include "host/chain/state_layout.h"
 #include "tests/support/model_support.h"
+#include "tests/support/temp_dir.h"
 
 namespace symfold {
 namespace {
@@ -57,6 +61,33 @@ TEST(Detection, StoresSymmetriesOfTheModelForEveryExample) {
     EXPECT_EQ(static_cast<int>(2 * StateLayout(model, detector.SSOrder).slot_count()),
               detector.CumPartitionInfo.back() + detector.PartitionInfo.back());
   }
+}
+
+// Two submodels of one type that differ in size: their exchange is left out, the user reads it whatever comes
+// after, and labels are not called exact.
+TEST(Detection, TellsWhatIsRefusedEvenIfItFailsLater) {
+  ComposedModel model = read_model_text(
+      "m.sym", "type T { private x : bool; [a] x -> 1.0 : x = false; }\nsystem S { t[i : 0..2] : T; }\n");
+  model.instances.push_back(model.instances[0]);
+  model.instances[1].private_variables.push_back(model.instances[1].private_variables[0]);
+  model.submodels[0].instance = 1;
+  const std::string refused =
+      "symfold: the generator (t_0 t_2) is left out: it carries t_0 (4 bytes) to t_2 (2 bytes)\n";
+  std::ostringstream told;
+  const Folding folding(model, Symmetry::kExact, {}, &told);
+  EXPECT_EQ(told.str(), refused);
+  EXPECT_EQ(folding.refusals(), refused);
+  EXPECT_TRUE(folding.is_sound()) << folding.unsound_reason();
+  EXPECT_EQ(folding.orbit_lengths(), std::vector<int>{2});
+  const std::unique_ptr<Labeller> labeller = folding.make_labeller();
+  std::vector<std::int16_t> state(folding.state_size() / 2, 1);
+  EXPECT_FALSE(labeller->find(state.data(), state.data()));
+
+  const TempDir dir;
+  std::filesystem::create_directories("run/permutations/in_the_way");
+  std::ostringstream told_before;
+  EXPECT_THROW(Folding(model, Symmetry::kExact, {"run"}, &told_before), std::runtime_error);
+  EXPECT_EQ(told_before.str(), refused);
 }
 
 }  // namespace

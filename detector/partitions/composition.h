@@ -1,0 +1,55 @@
+// The composition that a graph stands for, read back from its nodes and edges by code of its own, so that
+// what detection makes of the graph can be checked against it.
+
+#ifndef SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
+#define SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
+
+#include <compare>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "components/model_comp_graph.h"
+#include "components/permutation.h"
+
+namespace symfold::detail {
+
+// A shared variable of a join stands for a variable of a submodel.
+struct Binding {
+  int type;    // of the submodel's variable: equal numbers stand for equal texts
+  int number;  // of the shared variable in its join
+  int join;    // a partition
+  auto operator<=>(const Binding&) const = default;
+};
+
+// Partitions are numbered in the order of the graph's nodes.
+struct Composition {
+  struct Partition {
+    std::string_view name;
+    bool is_join;
+    std::vector<int> nodes;         // that of the submodel, or those of the join's variables, in order
+    std::vector<Binding> bindings;  // of a submodel
+    std::vector<int> submodels;     // bound by a join, one for each binding: partitions
+  };
+
+  std::vector<int> types;                    // by node: equal numbers stand for equal texts
+  std::vector<int> partition_of;             // by node; -1 for a submodel's variable
+  std::vector<std::vector<int>> neighbours;  // by node; of a submodel's variable alone
+  std::vector<Partition> partitions;
+};
+
+// Reads the graph, whose names must outlive the composition. Returns an empty text, or in names why the graph
+// is that of no composition: a name that two nodes have, an edge to a node that does not exist, a submodel of
+// the joins' type. Linear in the graph.
+std::string read_composition(const std::vector<ModelCompGraphNode>& nodes,
+                             const std::vector<ModelCompGraphEdge>& edges, Composition& composition);
+
+// Says, as the end of a sentence about the generator, why it is no symmetry of the composition that was read
+// from `nodes`; empty if it is one: it keeps types, bytes and edges, each as often as it is there, and
+// carries the variables of each join, in order, onto those of one join. Linear in the graph.
+std::string find_generator_fault(const std::vector<ModelCompGraphNode>& nodes, const Composition& composition,
+                                 const Permutation& generator);
+
+}  // namespace symfold::detail
+
+#endif  // SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
