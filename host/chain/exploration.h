@@ -25,10 +25,11 @@ struct ComposedModel;
 class Explorer;
 class Labeller;
 
-// An exploration that would go beyond a limit ends.
+// An exploration that would go beyond a limit ends. It also ends with kMemoryLimit if the system refuses
+// memory.
 struct ExplorationLimits {
   std::size_t states = std::numeric_limits<std::size_t>::max();
-  std::size_t bytes = std::numeric_limits<std::size_t>::max();  // of states, index and rate matrix
+  std::size_t bytes = std::numeric_limits<std::size_t>::max();  // of all that grows while it runs
   double seconds = std::numeric_limits<double>::infinity();
 };
 

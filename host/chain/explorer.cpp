@@ -1,6 +1,7 @@
 #include "host/chain/explorer.h"
 
 #include <algorithm>
+#include <new>
 
 namespace symfold {
 namespace {
@@ -8,6 +9,8 @@ namespace {
 constexpr std::size_t kSuccessorsBetweenChecks = 64;
 constexpr double kProgressInterval = 0.1;  // seconds
 constexpr std::size_t kEntryBytes = sizeof(StateId) + sizeof(double);
+constexpr std::size_t kBatchBytes = std::size_t{1} << 16;  // of packed successors
+constexpr std::size_t kFirstRow = 64;                      // entries
 
 // A capacity with room for `count` more elements: the present one, or at least half as much again.
 template <class Element>
@@ -39,24 +42,36 @@ Explorer::Explorer(const ComposedModel& model, const std::vector<std::string>& o
       words_(packing_.word_count()),
       values_(layout_.slot_count()),
       local_(model.submodels.size()),
+      batch_size_(std::max<std::size_t>(kBatchBytes / (8 * packing_.word_count()), 1)),
       image_(layout_.slot_count()) {
+  row_.reserve(kFirstRow);
   figures_.observable_counts.resize(observables_.observable_names().size());
   figures_.state_bytes = packing_.byte_count();
 }
 
 Ending Explorer::run(const ExplorationLimits& limits, const Exploration::Progress& progress) {
   limits_ = limits;
-  store_.set_limits(limits.states, limits.bytes - std::min(limits.bytes, matrix_memory()));
+  progress_ = &progress;
+  side_memory_at_start_ = side_memory();
+  recount_memory();
   start_ = std::chrono::steady_clock::now();
-  insert_initial_state();
-  for (StateId id = 0; ending_ == Ending::kUnderWay && id < store_.size(); ++id) {
-    expand(id);
-    if (figures_.successors >= next_check_) check_in(progress);
+  try {
+    explore();
+  } catch (const std::bad_alloc&) {
+    stop(Ending::kMemoryLimit);
   }
   if (ending_ == Ending::kUnderWay) stop(Ending::kComplete);
   update_figures();
   progress(figures_);
   return ending_;
+}
+
+void Explorer::explore() {
+  insert_initial_state();
+  for (StateId id = 0; ending_ == Ending::kUnderWay && id < store_.size(); ++id) {
+    expand(id);
+    if (figures_.successors >= next_check_) check_in();
+  }
 }
 
 void Explorer::insert_initial_state() {
@@ -75,17 +90,21 @@ void Explorer::load(StateId id) {
 
 void Explorer::expand(StateId id) {
   load(id);
+  source_ = id;
   successors_.clear();
   successor_words_.clear();
+  row_.clear();
+  successor_count_ = 0;
+  has_self_loop_ = has_folded_self_loop_ = false;
   system_.for_each_action(values_.data(), local_.data(),
                           [this](double rate, std::span<const Write> writes, const std::uint32_t* slots) {
                             add_successor(rate, writes, slots);
                           });
+  if (side_memory() != side_memory_at_start_ + counted_side_memory_) recount_memory();
   if (!insert_successors() || (keeps_matrix_ && !make_room())) return;
-  count_loops(id);
   merge_row();
   if (keeps_matrix_) append_row();
-  count(id);
+  count();
 }
 
 std::uint64_t* Explorer::new_successor_words() {
@@ -94,6 +113,7 @@ std::uint64_t* Explorer::new_successor_words() {
 }
 
 void Explorer::add_successor(double rate, std::span<const Write> writes, const std::uint32_t* slots) {
+  if (successors_.size() == batch_size_ && !insert_full_batch()) return;
   std::uint64_t* const words = new_successor_words();
   std::copy(words_.begin(), words_.end(), words);
   for (const Write& write : writes) packing_.set(words, slots[write.variable], write.value);
@@ -109,27 +129,50 @@ void Explorer::add_successor(double rate, std::span<const Write> writes, const s
   successors_.push_back({rate, hash, is_changed});
 }
 
-// Leaves in row_ an entry for each successor. Returns false if a limit is reached.
+// An expansion that has ended keeps its full batch: what follows in it is not looked at any more. A single
+// expansion can take long, so that time and Ctrl-C are looked at in between.
+bool Explorer::insert_full_batch() {
+  if (ending_ != Ending::kUnderWay || !insert_successors()) return false;
+  check_in();
+  if (ending_ != Ending::kUnderWay) return false;
+  successors_.clear();
+  successor_words_.clear();
+  return true;
+}
+
+// Adds an entry for each successor to row_. Returns false if a limit is reached.
 bool Explorer::insert_successors() {
-  row_.clear();
+  if (ending_ != Ending::kUnderWay) return false;
   for (const Successor& successor : successors_) store_.prefetch_state(successor.hash);
   for (std::size_t i = 0; i < successors_.size(); ++i) {
     const auto [id, outcome] =
         store_.insert(successor_words_.data() + i * packing_.word_count(), successors_[i].hash);
     if (outcome == StateStore::Outcome::kTooManyStates) return stop(Ending::kStateLimit);
     if (outcome == StateStore::Outcome::kOutOfMemory) return stop(Ending::kMemoryLimit);
-    row_.push_back({id, static_cast<std::uint32_t>(i), successors_[i].rate});
+    if (!add_to_row(id, successors_[i])) return false;
   }
   return true;
 }
 
-void Explorer::count_loops(StateId source) {
-  const auto leads_back = [&](const Entry& entry) { return entry.target == source; };
-  const auto is_folded = [&](const Entry& entry) {
-    return leads_back(entry) && successors_[entry.position].is_changed;
-  };
-  if (std::any_of(row_.begin(), row_.end(), leads_back)) ++figures_.self_loops;
-  if (std::any_of(row_.begin(), row_.end(), is_folded)) ++figures_.folded_self_loops;
+bool Explorer::add_to_row(StateId target, const Successor& successor) {
+  if (row_.size() == row_.capacity() && !grow_row()) return false;
+  if (target == source_) {
+    has_self_loop_ = true;
+    has_folded_self_loop_ |= successor.is_changed;
+  }
+  row_.push_back({target, successor_count_++, successor.rate});
+  return true;
+}
+
+// A row that is merged before it is complete comes out the same: the rates to a target that are there already
+// are summed first, in their order, and the sum keeps their place before those that follow.
+bool Explorer::grow_row() {
+  merge_row();
+  if (row_.size() <= row_.capacity() / 2) return true;
+  if (!has_room_for(2 * row_.capacity() * sizeof(Entry))) return stop(Ending::kMemoryLimit);
+  row_.reserve(2 * row_.capacity());
+  recount_memory();
+  return true;
 }
 
 // Sums the rates to one target in the order of the actions, so that the sum is the same in every run.
@@ -153,6 +196,23 @@ std::size_t Explorer::matrix_memory() const {
          matrix_.targets.capacity() * kEntryBytes;
 }
 
+// What grows besides the store and the matrix.
+std::size_t Explorer::side_memory() const {
+  return row_.capacity() * sizeof(Entry) + successors_.capacity() * sizeof(Successor) +
+         successor_words_.capacity() * sizeof successor_words_[0] + system_.memory();
+}
+
+// Leaves to the store what the others do not take.
+void Explorer::recount_memory() {
+  counted_side_memory_ = side_memory() - side_memory_at_start_;
+  const std::size_t others = matrix_memory() + counted_side_memory_;
+  store_.set_limits(limits_.states, limits_.bytes - std::min(limits_.bytes, others));
+}
+
+bool Explorer::has_room_for(std::size_t bytes) const {
+  return store_.memory() + matrix_memory() + counted_side_memory_ + bytes <= limits_.bytes;
+}
+
 // Makes room in the matrix for the row. Returns false if the limit of memory is reached.
 bool Explorer::make_room() {
   const std::size_t entries = grown_capacity(matrix_.targets, row_.size());
@@ -160,11 +220,11 @@ bool Explorer::make_room() {
   const std::size_t added = (entries > matrix_.targets.capacity() ? entries * kEntryBytes : 0) +
                             (rows > matrix_.row_starts.capacity() ? rows * sizeof matrix_.row_starts[0] : 0);
   if (added == 0) return true;
-  if (store_.memory() + matrix_memory() + added > limits_.bytes) return stop(Ending::kMemoryLimit);
+  if (!has_room_for(added)) return stop(Ending::kMemoryLimit);
   matrix_.targets.reserve(entries);
   matrix_.rates.reserve(entries);
   matrix_.row_starts.reserve(rows);
-  store_.set_limits(limits_.states, limits_.bytes - matrix_memory());
+  recount_memory();
   return true;
 }
 
@@ -176,9 +236,11 @@ void Explorer::append_row() {
   matrix_.row_starts.push_back(matrix_.targets.size());
 }
 
-void Explorer::count(StateId source) {
-  figures_.expanded = std::size_t{source} + 1;
-  figures_.successors += successors_.size();
+void Explorer::count() {
+  figures_.expanded = std::size_t{source_} + 1;
+  figures_.successors += successor_count_;
+  if (has_self_loop_) ++figures_.self_loops;
+  if (has_folded_self_loop_) ++figures_.folded_self_loops;
   figures_.transitions += std::max<std::size_t>(row_.size(), 1);
   if (row_.empty()) ++figures_.deadlocks;
   for (std::size_t i = 0; i < figures_.observable_counts.size(); ++i) {
@@ -196,14 +258,14 @@ void Explorer::update_figures() {
   figures_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
 }
 
-void Explorer::check_in(const Exploration::Progress& progress) {
+void Explorer::check_in() {
   next_check_ = figures_.successors + kSuccessorsBetweenChecks;
   update_figures();
   if (figures_.seconds >= limits_.seconds) {
     stop(Ending::kTimeLimit);
   } else if (figures_.seconds >= next_progress_) {
     next_progress_ = figures_.seconds + kProgressInterval;
-    if (!progress(figures_)) stop(Ending::kInterrupted);
+    if (!(*progress_)(figures_)) stop(Ending::kInterrupted);
   }
 }
 

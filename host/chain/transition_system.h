@@ -35,6 +35,11 @@ class TransitionSystem {
 
   std::size_t submodel_count() const { return model_.submodels.size(); }
 
+  // Bytes of the events and writes that are remembered, which grow with the local states seen.
+  std::size_t memory() const {
+    return events_.capacity() * sizeof(Event) + writes_.capacity() * sizeof(Write);
+  }
+
   // Calls visit(rate, writes, slots) for every enabled action of positive rate; each write goes to the slot
   // slots[write.variable]. Submodels come in the model's order, the actions of each in that of its type.
   // `local` is what LocalStates::locate says of the state. Throws ModelError if a rate is negative or
