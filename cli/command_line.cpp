@@ -1,14 +1,24 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <functional>
-#include <iostream>
+#include <limits>
+#include <new>
+#include <ostream>
+#include <system_error>
 
 #include "host/model/model_error.h"
 
 namespace symfold {
 namespace {
+
+constexpr unsigned long long kMaxCount =
+    std::numeric_limits<std::size_t>::max() - 1;  // the rest is "no limit"
 
 void add_model_input(CLI::App& app, ModelInput& input) {
   app.add_option("MODEL", input.model, "Model file; - is standard input")->required();
@@ -19,10 +29,40 @@ void add_model_input(CLI::App& app, ModelInput& input) {
       });
 }
 
-// Conversions wrap negative numbers, and take nan and inf.
+// Conversions wrap negative numbers, take nan and inf, and cut what is too large.
 std::string refuse_other_than_number(const std::string& text) {
   const bool is_number = !text.empty() && text.find_first_of("0123456789.") == 0;
   return is_number ? std::string() : "expected a number, at least 0, got '" + text + "'";
+}
+
+std::string refuse_other_than_count(const std::string& text) {
+  std::string error = refuse_other_than_number(text);
+  errno = 0;
+  const unsigned long long value = std::strtoull(text.c_str(), nullptr, 0);
+  if (!error.empty() || (errno != ERANGE && value <= kMaxCount)) return error;
+  return "expected a number, at most " + std::to_string(kMaxCount) + ", got '" + text + "'";
+}
+
+std::string refuse_other_than_seconds(const std::string& text) {
+  std::string error = refuse_other_than_number(text);
+  if (!error.empty() || std::isfinite(std::strtod(text.c_str(), nullptr))) return error;
+  return "expected a finite number of seconds, got '" + text + "'";
+}
+
+// Replaces a number with a unit by the number of bytes.
+std::string replace_by_bytes(std::string& text) {
+  std::string error = refuse_other_than_count(text);
+  if (!error.empty()) return error;
+  static const CLI::AsSizeValue to_bytes(false);
+  const std::string given = text;
+  try {
+    error = to_bytes(text);
+  } catch (const CLI::ValidationError& refusal) {
+    error = refusal.what();
+  }
+  if (error.empty() && refuse_other_than_count(text).empty()) return "";
+  return "expected a number of bytes, for instance 500M, at most " + std::to_string(kMaxCount) + ", got '" +
+         given + "'";
 }
 
 std::vector<std::string> symmetry_names() {
@@ -60,13 +100,12 @@ struct Commands {
     explore_app
         ->add_flag("--compare", explore.compare, "Explore with all of them and print them side by side")
         ->excludes(symmetry_option);
-    const CLI::Validator is_number(refuse_other_than_number, "");
-    explore_app->add_option("--max-states", explore.max_states, "Stop at so many states")->check(is_number);
+    explore_app->add_option("--max-states", explore.max_states, "Stop at so many states")
+        ->check(CLI::Validator(refuse_other_than_count, ""));
     explore_app->add_option("--max-memory", explore.max_memory, "Stop at so many bytes, for instance 500M")
-        ->transform(CLI::AsSizeValue(false))
-        ->transform(is_number);
+        ->transform(CLI::Validator(replace_by_bytes, ""));
     explore_app->add_option("--time-limit", explore.max_seconds, "Stop after so many seconds")
-        ->check(is_number);
+        ->check(CLI::Validator(refuse_other_than_seconds, ""));
     explore_app->add_option("-o,--output", explore.directory,
                             "Run directory for the detection's files (default: none are written)");
     explore_app->add_flag("--quiet", explore.quiet, "No progress");
@@ -118,9 +157,26 @@ struct Commands {
   std::function<int()> command;
 };
 
-int run_chosen(const std::function<int()>& command, const Streams& streams) {
+int run_chosen(int argc, const char* const* argv, const Streams& streams) {
+  Commands commands(streams);
   try {
-    return command();
+    commands.app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return commands.app.exit(error, streams.out, streams.err) == 0 ? kOk : kUsage;
+  }
+  return commands.command();
+}
+
+// Allocates nothing.
+int report_memory(const Streams& streams) {
+  streams.err << "symfold: error: out of memory\n";
+  return kLimitReached;
+}
+
+// Says what ended a command.
+int run_reporting(int argc, const char* const* argv, const Streams& streams) {
+  try {
+    return run_chosen(argc, argv, streams);
   } catch (const ModelError& error) {
     streams.err << error.what() << "\n";
     return kModelError;
@@ -134,24 +190,33 @@ int run_chosen(const std::function<int()>& command, const Streams& streams) {
     streams.err << "symfold: internal error: " << error.what() << "\n";
     return kInternalError;
   } catch (const std::bad_alloc&) {
-    streams.err << "symfold: error: out of memory\n";
-    return kLimitReached;
+    return report_memory(streams);
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::not_enough_memory) return report_memory(streams);
+    streams.err << "symfold: " << error.what() << "\n";
+    return kBadFile;
   } catch (const std::exception& error) {
     streams.err << "symfold: " << error.what() << "\n";
     return kBadFile;
   }
 }
 
+// Whatever a command has found, it has failed if its results did not arrive.
+int require_written(int code, const Streams& streams) {
+  errno = 0;
+  const bool is_flushed = streams.out.rdbuf()->pubsync() == 0;
+  const int reason = errno;
+  if (is_flushed && streams.out) return code;
+  streams.err << "symfold: error: cannot write the results";
+  if (!is_flushed && reason != 0) streams.err << ": " << std::strerror(reason);
+  streams.err << "\n";
+  return kBadFile;
+}
+
 }  // namespace
 
-int run_command_line(int argc, const char* const* argv, const Streams& streams) {
-  Commands commands(streams);
-  try {
-    commands.app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return commands.app.exit(error, streams.out, streams.err) == 0 ? kOk : kUsage;
-  }
-  return run_chosen(commands.command, streams);
+int run_command_line(int argc, const char* const* argv, const Streams& streams) noexcept {
+  return require_written(run_reporting(argc, argv, streams), streams);
 }
 
 }  // namespace symfold

@@ -21,13 +21,14 @@ enum ExitCode : int {
   kUsage = 2,         // the command line
   kModelError = 3,    // the model file
   kBadFile = 4,       // any other file: corrupt, unreadable, or not to be written
-  kLimitReached = 5,  // more than can be held
+  kLimitReached = 5,  // more than can be held, or a limit that was set
   kInternalError = 70,
   kInterrupted = 130  // by Ctrl-C; the shell reports it so, too
 };
 
-// Runs the subcommand that the arguments name; argv[0] is the name of the program. Never throws.
-int run_command_line(int argc, const char* const* argv, const Streams& streams);
+// Runs the subcommand that the arguments name; argv[0] is the name of the program. At the end the results are
+// flushed: if they could not be written, that is told, and the exit code is kBadFile.
+int run_command_line(int argc, const char* const* argv, const Streams& streams) noexcept;
 
 // symfold detect: the symmetries of a model file.
 struct DetectOptions {
@@ -89,7 +90,7 @@ struct LabelOptions {
 
 // Text: a state per line in hexadecimal, two digits a byte; a label per line. A line that is no state is
 // reported with its number and gets no label. It makes the exit code kCheckFailed at the end, and so do
-// labels that may not be exact.
+// labels that may not be exact. Ends at the first label that cannot be written.
 int run_label(const LabelOptions& options, const Streams& streams);
 
 // symfold show: the tables of a permutation file for a person.

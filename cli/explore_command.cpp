@@ -4,10 +4,12 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <nlohmann/json.hpp>
 
 #include "cli/exploration_report.h"
 #include "cli/figures.h"
+#include "cli/memory_cap.h"
 #include "cli/model_input.h"
 #include "cli/watch.h"
 #include "host/export/chain_export.h"
@@ -19,7 +21,8 @@ namespace {
 
 class ExploreRun {
  public:
-  ExploreRun(const ExploreOptions& options, const Streams& streams) : options_(options), streams_(streams) {}
+  ExploreRun(const ExploreOptions& options, const Streams& streams)
+      : options_(options), streams_(streams), memory_(options.max_memory) {}
 
   int run();
 
@@ -36,7 +39,9 @@ class ExploreRun {
 
   const ExploreOptions& options_;
   const Streams& streams_;
+  MemoryCap memory_;
   InterruptWatch interrupts_;
+  const char* step_ = "";
   std::vector<std::string> files_;  // written
   bool needs_ctmc_switch_ = false;
 };
@@ -54,16 +59,16 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
 }
 
 ExplorationLimits ExploreRun::limits() const {
-  const std::size_t held = current_memory();
   ExplorationLimits limits;
   limits.states = options_.max_states;
-  limits.bytes = options_.max_memory - std::min(options_.max_memory, held);
+  limits.bytes = memory_.bytes_left();
   limits.seconds = options_.max_seconds;
   return limits;
 }
 
 ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symmetry) {
   const auto start = std::chrono::steady_clock::now();
+  step_ = "finding symmetries";
   const Folding folding(model, symmetry, {options_.directory}, &streams_.err);
   const std::unique_ptr<Labeller> labeller = folding.make_labeller();
   const bool is_exported = !options_.exports.empty() && symmetry == options_.symmetry;
@@ -74,6 +79,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
     result.refused = lines_of(folding.refusals());
     result.detection_seconds = seconds_since(start);
   }
+  step_ = "exploring";
   Exploration exploration(model, folding.order(), labeller.get(), is_exported);
   {
     ProgressLine line(streams_, std::string("symmetry ") + to_string(symmetry), options_.quiet);
@@ -91,6 +97,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
 }
 
 void ExploreRun::export_chain(Exploration& exploration) {
+  step_ = "exporting the chain";
   const MarkovChain chain = exploration.take_chain();
   needs_ctmc_switch_ = needs_ctmc_switch(chain);
   for (const std::string& name : options_.exports) {
@@ -101,6 +108,7 @@ void ExploreRun::export_chain(Exploration& exploration) {
 // The most folded state space first: it is the smallest one, and the peak of memory only rises.
 std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input,
                                                          const std::vector<Symmetry>& symmetries) {
+  step_ = "reading the model";
   const ComposedModel model = read_input(input, streams_);
   std::vector<ExplorationResult> results;
   for (auto symmetry = symmetries.rbegin(); symmetry != symmetries.rend(); ++symmetry) {
@@ -153,7 +161,7 @@ int ExploreRun::explore_range(const ParameterRange& range) {
   GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
   if (!options_.json) print_range_head(streams_.out, range.name, columns);
-  for (long value = range.low; value <= range.high && !symmetries.empty(); ++value) {
+  for (long value = range.low; value <= range.high && !symmetries.empty() && streams_.out; ++value) {
     const std::vector<ExplorationResult> results = explore_model(range.at(options_.input, value), symmetries);
     if (options_.json) {
       json["points"].push_back({{range.name, value}});
@@ -183,7 +191,14 @@ int ExploreRun::explore_range(const ParameterRange& range) {
 
 int ExploreRun::run() {
   const std::vector<ParameterRange> ranges = find_ranges(options_.input);
-  return ranges.empty() ? explore_one() : explore_range(ranges[0]);
+  try {
+    return ranges.empty() ? explore_one() : explore_range(ranges[0]);
+  } catch (const std::bad_alloc&) {
+    if (options_.max_memory == MemoryCap::kNone) throw;
+    streams_.err << "symfold: error: memory limit of " << options_.max_memory << " bytes reached while "
+                 << step_ << "\n";
+    return kLimitReached;
+  }
 }
 
 }  // namespace

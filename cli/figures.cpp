@@ -9,6 +9,25 @@
 #include <sstream>
 
 namespace symfold {
+namespace {
+
+struct MemoryPages {
+  std::size_t resident = 0;
+  std::size_t of_files = 0;
+};
+
+// The second and the third number of statm (proc(5)); 0 if there is no such file.
+MemoryPages memory_pages() {
+  std::ifstream statm("/proc/self/statm");
+  std::size_t total = 0;
+  MemoryPages pages;
+  statm >> total >> pages.resident >> pages.of_files;
+  return pages;
+}
+
+std::size_t page_size() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
+}  // namespace
 
 std::string counted(std::size_t count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -16,6 +35,7 @@ std::string counted(std::size_t count, const std::string& noun) {
 
 std::string fixed(double number, int digits) {
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);
   text << std::fixed << std::setprecision(digits) << number;
   return text.str();
 }
@@ -47,14 +67,9 @@ std::string group_order(const std::vector<int>& orbit_lengths) {
   return order.str();
 }
 
-// Resident pages are the second number of statm (proc(5)). Returns 0 if there is no such file.
-std::size_t current_memory() {
-  std::ifstream statm("/proc/self/statm");
-  std::size_t total = 0;
-  std::size_t resident = 0;
-  statm >> total >> resident;
-  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
+std::size_t current_memory() { return memory_pages().resident * page_size(); }
+
+std::size_t file_memory() { return memory_pages().of_files * page_size(); }
 
 std::size_t peak_memory() {
   rusage usage{};

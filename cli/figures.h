@@ -33,8 +33,10 @@ std::vector<std::string> lines_of(const std::string& text);
 // The exact order of a group, in decimal: the product of its orbit lengths.
 std::string group_order(const std::vector<int>& orbit_lengths);
 
-// The memory that the process holds, and the most that it has held so far, in bytes.
+// The memory that the process holds, the part of it that shows files, such as the program and its libraries,
+// and the most that it has held so far, in bytes.
 std::size_t current_memory();
+std::size_t file_memory();
 std::size_t peak_memory();
 
 }  // namespace symfold

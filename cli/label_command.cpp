@@ -84,7 +84,7 @@ class LabelRun {
   int label_lines(std::istream& in) {
     int code = kOk;
     std::string line;
-    for (long number = 1; read_line(in, 2 * state_.size() + 2, line); ++number) {
+    for (long number = 1; streams_.out && read_line(in, 2 * state_.size() + 2, line); ++number) {
       const std::string fault = parse_state(line, state_);
       if (fault.empty()) {
         label_state();
@@ -102,7 +102,8 @@ class LabelRun {
       streams_.err << options_.perm_file << ": error: states of no bytes have no records\n";
       return kBadFile;
     }
-    for (long number = 1; in.read(reinterpret_cast<char*>(state_.data()), size) || in.gcount() != 0;
+    for (long number = 1;
+         streams_.out && (in.read(reinterpret_cast<char*>(state_.data()), size) || in.gcount() != 0);
          ++number) {
       if (in.gcount() != size) {
         streams_.err << source_ << ": error: record " << number << ": expected " << size << " bytes, got "
@@ -112,6 +113,7 @@ class LabelRun {
       labeller_->find(state_.data(), label_.data());
       streams_.out.write(reinterpret_cast<const char*>(label_.data()), size);
     }
+    if (in.bad()) throw std::runtime_error(source_ + ": error: cannot be read");
     return kOk;
   }
 
@@ -176,12 +178,8 @@ int run_label(const LabelOptions& options, const Streams& streams) {
     file.clear();
   }
   std::istream& in = is_standard_input ? streams.in : file;
-  int code = options.raw ? run.label_records(in) : run.label_lines(in);
-  if (code == kOk) code = run.report_inexact();
-  streams.out.flush();
-  if (streams.out) return code;
-  streams.err << "symfold: error: cannot write the labels\n";
-  return kBadFile;
+  const int code = options.raw ? run.label_records(in) : run.label_lines(in);
+  return code == kOk ? run.report_inexact() : code;
 }
 
 }  // namespace symfold

@@ -16,6 +16,7 @@ namespace {
 
 std::string cycles(const Permutation& permutation) {
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);
   text << permutation;
   return text.str();
 }
@@ -53,6 +54,7 @@ void print(std::ostream& out, const LabellingTables& tables) {
     out << std::setw(9) << i << std::setw(8) << tables.offsets[i] << std::setw(7) << tables.sizes[i] << "\n";
   }
   for (const auto& [base, records] : tables.bases) {
+    if (!out) return;
     out << "\nbase " << base << ": " << counted(records.size(), "other point") << " in its orbit\n";
     for (const ValPerms& record : records) {
       out << "  from " << record.Value << " by";

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -12,6 +13,7 @@
 
 #include "cli/commands.h"
 #include "cli/exploration_report.h"
+#include "cli/figures.h"
 #include "tests/support/detector_support.h"
 #include "tests/support/run_command.h"
 
@@ -106,9 +108,10 @@ TEST(Explore, WritesTheFoldedChainAndSaysHowToOpenIt) {
 
 TEST(Explore, StopsCleanlyAtEveryLimit) {
   const TempDir directory;
+  const std::string more_memory = std::to_string(current_memory() + (std::size_t{16} << 20));
   for (const auto& [limit, ending] : std::vector<std::pair<std::vector<std::string>, std::string>>{
            {{"--max-states", "1000"}, "state limit): 1,000 states reached"},
-           {{"--max-memory", "1K"}, "memory limit): 0 states reached"},
+           {{"--max-memory", more_memory}, "memory limit): "},
            {{"--time-limit", "0.2"}, "time limit): "}}) {
     std::vector<std::string> arguments = large(limit);
     arguments.insert(arguments.end(), {"--export", "chain.all"});
@@ -128,6 +131,18 @@ TEST(Explore, RefusesLimitsThatAreNone) {
       EXPECT_EQ(outcome.code, kUsage) << limit << ' ' << value;
       EXPECT_NE(outcome.err.find(limit), std::string::npos) << outcome.err;
     }
+  }
+  const std::string too_large = "99999999999999999999999";
+  for (const auto& [limit, value, expected] : std::vector<std::array<std::string, 3>>{
+           {"--max-states", too_large, "a number, at most 18446744073709551614, got '"},
+           {"--max-memory", too_large, "a number, at most 18446744073709551614, got '"},
+           {"--max-memory", "99999999999999G",
+            "a number of bytes, for instance 500M, at most 18446744073709551614, got '"},
+           {"--time-limit", "1e999", "a finite number of seconds, got '"}}) {
+    const Outcome outcome = run({"explore", kPhilosophers, limit, value});
+    EXPECT_EQ(outcome.code, kUsage);
+    EXPECT_NE(outcome.err.find(limit + ": expected " + expected + value + "'"), std::string::npos)
+        << outcome.err;
   }
 }
 

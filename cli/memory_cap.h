@@ -1,0 +1,39 @@
+// Holds the process to a number of bytes, whatever it does.
+//
+// What a command allocates is private writable memory, which the system bounds (RLIMIT_DATA, setrlimit(2)):
+// an allocation beyond it throws std::bad_alloc. The other memory of a process is its stack and the pages of
+// its program and libraries, which are taken off the number beforehand.
+
+#ifndef SYMFOLD_CLI_MEMORY_CAP_H
+#define SYMFOLD_CLI_MEMORY_CAP_H
+
+#include <sys/resource.h>
+
+#include <cstddef>
+#include <limits>
+
+namespace symfold {
+
+// Acts while it lives; one object at a time. In a program built with the address sanitizer it does nothing,
+// since the sanitizer ends a process that is refused memory.
+class MemoryCap {
+ public:
+  static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+
+  // `bytes` are those of the whole process, or kNone.
+  explicit MemoryCap(std::size_t bytes);
+  ~MemoryCap();
+  MemoryCap(const MemoryCap&) = delete;
+  MemoryCap& operator=(const MemoryCap&) = delete;
+
+  // The bytes that the process may still take.
+  std::size_t bytes_left() const;
+
+ private:
+  std::size_t bytes_;
+  rlimit before_{};
+};
+
+}  // namespace symfold
+
+#endif  // SYMFOLD_CLI_MEMORY_CAP_H
