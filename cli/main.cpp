@@ -48,8 +48,8 @@ __attribute__((constructor(101))) void expect_failed_allocations() {
 int main(int argc, char** argv) {
   if (!symfold::occupy_standard_descriptors()) return symfold::kBadFile;
   std::set_new_handler(nullptr);
-  symfold::DescriptorInput input(STDIN_FILENO);
   symfold::DescriptorOutput output(STDOUT_FILENO);
+  symfold::DescriptorInput input(STDIN_FILENO, output);
   symfold::DescriptorOutput messages(STDERR_FILENO);
   std::istream in(&input);
   std::ostream out(&output);

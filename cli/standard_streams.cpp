@@ -10,6 +10,7 @@
 namespace symfold {
 
 DescriptorInput::int_type DescriptorInput::underflow() {
+  results_.pubsync();
   ssize_t count = 0;
   do {
     count = ::read(descriptor_, buffer_.data(), buffer_.size());
@@ -44,8 +45,11 @@ int DescriptorOutput::sync() {
       error_ = errno;
     }
   }
-  setp(buffer_.data(), buffer_.data() + buffer_.size());
-  if (error_ == 0) return 0;
+  if (error_ == 0) {
+    setp(buffer_.data(), buffer_.data() + buffer_.size());
+    return 0;
+  }
+  setp(nullptr, nullptr);
   errno = error_;
   return -1;
 }

@@ -13,16 +13,18 @@ namespace symfold {
 inline constexpr std::size_t kStreamBuffer = std::size_t{1} << 16;  // bytes
 
 // Reads from a descriptor. A read that fails throws std::ios_base::failure, which an istream takes for its
-// badbit.
+// badbit. Flushes `results` before it waits for more, so that a program at the other ends has an answer to
+// all that it has sent.
 class DescriptorInput : public std::streambuf {
  public:
-  explicit DescriptorInput(int descriptor) : descriptor_(descriptor) {}
+  DescriptorInput(int descriptor, std::streambuf& results) : descriptor_(descriptor), results_(results) {}
 
  protected:
   int_type underflow() override;
 
  private:
   int descriptor_;
+  std::streambuf& results_;
   std::array<char, kStreamBuffer> buffer_;
 };
 

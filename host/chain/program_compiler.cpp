@@ -64,10 +64,6 @@ class ProgramCompiler::Writer {
       case Op::kConditional:
         write_conditional(expr);
         return;
-      case Op::kOr:
-      case Op::kAnd:
-        write_logic(expr);
-        return;
       case Op::kNot:
         write(expr.operands[0], kBoolType);
         emit({Opcode::kNot}, expr);
@@ -80,8 +76,10 @@ class ProgramCompiler::Writer {
       default:
         if (is_quantifier(expr.op)) {
           emit({Opcode::kQuantify, Op::kValue, 0, number_of_(id)}, expr);
+        } else if (is_link(expr.op)) {
+          write_run(id);
         } else {
-          write_binary(expr);
+          write_comparison(expr);
         }
     }
   }
@@ -96,26 +94,62 @@ class ProgramCompiler::Writer {
     land(to_end);
   }
 
-  void write_logic(const Expr& expr) {
-    write(expr.operands[0], kBoolType);
-    const std::size_t skip = emit({expr.op == Op::kOr ? Opcode::kSkipIfTrue : Opcode::kSkipIfFalse}, expr);
-    write(expr.operands[1], kBoolType);
-    land(skip);
+  // The run up to the operator `id`, which has no constant value. The longest beginning that has one becomes
+  // a constant.
+  void write_run(ExprId id) {
+    ExprId link = compiler_.model_.expr(id).innermost;
+    ExprId first = compiler_.model_.expr(link).operands[0];
+    for (auto value = constant_value(first); (value = constant_value_of_link(link, value));) {
+      first = link;
+      link = compiler_.model_.expr(link).outer;
+    }
+    write(first, wanted_of_operands(compiler_.model_.expr(link)));
+    while (true) {
+      const Expr& expr = compiler_.model_.expr(link);
+      write_link(expr);
+      if (link == id) return;
+      link = expr.outer;
+      if (is_real(wanted_of_operands(compiler_.model_.expr(link))) && !is_real(expr.type)) {
+        emit({Opcode::kToReal}, expr);
+      }
+    }
   }
 
-  void write_binary(const Expr& expr) {
+  std::optional<Value> constant_value_of_link(ExprId id, const std::optional<Value>& first) const {
+    if (!first || compiler_.looks_at_state_[static_cast<std::size_t>(id)]) return std::nullopt;
+    Budget budget(std::numeric_limits<std::int64_t>::max());
+    try {
+      return evaluate_link(compiler_.model_, id, *first, Environment{parameters_, {}}, budget);
+    } catch (const EvaluationError&) {
+      return std::nullopt;
+    }
+  }
+
+  // The type that an operator wants of both operands.
+  StaticType wanted_of_operands(const Expr& expr) const {
     const StaticType& first = compiler_.model_.expr(expr.operands[0]).type;
     const StaticType& second = compiler_.model_.expr(expr.operands[1]).type;
-    const bool compares = is_comparison(expr.op);
-    const bool has_reals = compares ? is_real(first) || is_real(second) : is_real(expr.type);
-    const StaticType wanted = has_reals ? kRealType : first;
+    const bool has_reals = is_comparison(expr.op) ? is_real(first) || is_real(second) : is_real(expr.type);
+    return has_reals ? kRealType : first;
+  }
+
+  // The operator, whose first operand is on the stack.
+  void write_link(const Expr& expr) {
+    if (expr.op == Op::kOr || expr.op == Op::kAnd) {
+      const std::size_t skip = emit({expr.op == Op::kOr ? Opcode::kSkipIfTrue : Opcode::kSkipIfFalse}, expr);
+      write(expr.operands[1], kBoolType);
+      land(skip);
+      return;
+    }
+    write(expr.operands[1], wanted_of_operands(expr));
+    emit({is_real(expr.type) ? Opcode::kBinaryReal : Opcode::kBinaryInt, expr.op}, expr);
+  }
+
+  void write_comparison(const Expr& expr) {
+    const StaticType wanted = wanted_of_operands(expr);
     write(expr.operands[0], wanted);
     write(expr.operands[1], wanted);
-    if (compares) {
-      emit({has_reals ? Opcode::kCompareReal : Opcode::kCompareInt, expr.op}, expr);
-    } else {
-      emit({has_reals ? Opcode::kBinaryReal : Opcode::kBinaryInt, expr.op}, expr);
-    }
+    emit({is_real(wanted) ? Opcode::kCompareReal : Opcode::kCompareInt, expr.op}, expr);
   }
 
   std::uint8_t frame_of(int quantifier) const {
@@ -140,24 +174,16 @@ class ProgramCompiler::Writer {
   Program program_;
 };
 
-// In the vector of expressions operands may come before their operators or after them: going down from every
-// expression once settles both orders.
 ProgramCompiler::ProgramCompiler(const ModelDescription& model)
     : model_(model), looks_at_state_(model.expressions.size()) {
-  std::vector<bool> is_known(model.expressions.size());
-  const std::function<bool(ExprId)> settle = [&](ExprId id) {
-    const auto i = static_cast<std::size_t>(id);
-    if (is_known[i]) return static_cast<bool>(looks_at_state_[i]);
-    const Expr& expr = model.expr(id);
+  for (std::size_t i = 0; i < model.expressions.size(); ++i) {
+    const Expr& expr = model.expressions[i];
     bool looks = expr.reference == Reference::kVariable || is_quantifier(expr.op);
     for (const ExprId operand : expr.operands) {
-      if (operand != kNoExpr && settle(operand)) looks = true;
+      if (operand != kNoExpr && looks_at_state_[static_cast<std::size_t>(operand)]) looks = true;
     }
-    is_known[i] = true;
     looks_at_state_[i] = looks;
-    return looks;
-  };
-  for (std::size_t i = 0; i < model.expressions.size(); ++i) settle(static_cast<ExprId>(i));
+  }
 }
 
 Program ProgramCompiler::compile(ExprId id, const StaticType& wanted, std::span<const Value> parameters) {

@@ -56,11 +56,13 @@ class Evaluation {
       : model_(model), environment_(environment), budget_(budget) {}
 
   Value value_of(ExprId id) const;
+  Value value_of_link(const Expr& expr, const Value& first) const;
 
  private:
   Value operand(const Expr& expr, std::size_t i) const { return value_of(expr.operands[i]); }
   Value reference(const Expr& expr) const;
-  Value arithmetic(const Expr& expr) const;
+  Value value_of_run(ExprId id) const;
+  Value arithmetic(const Expr& expr, const Value& first) const;
   Value unary(const Expr& expr) const;
   Value comparison(const Expr& expr) const;
 
@@ -81,10 +83,6 @@ Value Evaluation::value_of(ExprId id) const {
       const Value chosen = operand(expr, operand(expr, 0).is_true() ? 1 : 2);
       return expr.type.scalar == Scalar::kReal ? Value::of_real(chosen.as_real()) : chosen;
     }
-    case Op::kOr:
-      return Value::of_bool(operand(expr, 0).is_true() || operand(expr, 1).is_true());
-    case Op::kAnd:
-      return Value::of_bool(operand(expr, 0).is_true() && operand(expr, 1).is_true());
     case Op::kNot:
     case Op::kNegate:
     case Op::kAbs:
@@ -97,8 +95,25 @@ Value Evaluation::value_of(ExprId id) const {
     case Op::kGreaterEqual:
       return comparison(expr);
     default:
-      return arithmetic(expr);
+      return value_of_run(id);
   }
+}
+
+Value Evaluation::value_of_run(ExprId id) const {
+  ExprId link = model_.expr(id).innermost;
+  Value value = value_of_link(model_.expr(link), operand(model_.expr(link), 0));
+  while (link != id) {
+    budget_.spend(1);
+    link = model_.expr(link).outer;
+    value = value_of_link(model_.expr(link), value);
+  }
+  return value;
+}
+
+Value Evaluation::value_of_link(const Expr& expr, const Value& first) const {
+  if (expr.op == Op::kOr) return Value::of_bool(first.is_true() || operand(expr, 1).is_true());
+  if (expr.op == Op::kAnd) return Value::of_bool(first.is_true() && operand(expr, 1).is_true());
+  return arithmetic(expr, first);
 }
 
 Value Evaluation::reference(const Expr& expr) const {
@@ -123,13 +138,12 @@ Value Evaluation::comparison(const Expr& expr) const {
                                  : compare(expr.op, a.integer, b.integer));
 }
 
-Value Evaluation::arithmetic(const Expr& expr) const {
-  const Value a = operand(expr, 0);
+Value Evaluation::arithmetic(const Expr& expr, const Value& first) const {
   const Value b = operand(expr, 1);
   if (expr.type.scalar == Scalar::kReal) {
-    return Value::of_real(apply(expr.op, a.as_real(), b.as_real(), expr.operator_offset));
+    return Value::of_real(apply(expr.op, first.as_real(), b.as_real(), expr.operator_offset));
   }
-  return Value::of_int(apply(expr.op, a.integer, b.integer, expr.operator_offset));
+  return Value::of_int(apply(expr.op, first.integer, b.integer, expr.operator_offset));
 }
 
 }  // namespace
@@ -181,6 +195,11 @@ double apply(Op op, double a, Offset) { return op == Op::kNegate ? -a : std::abs
 
 Value evaluate(const ModelDescription& model, ExprId id, const Environment& environment, Budget& budget) {
   return Evaluation(model, environment, budget).value_of(id);
+}
+
+Value evaluate_link(const ModelDescription& model, ExprId id, const Value& first,
+                    const Environment& environment, Budget& budget) {
+  return Evaluation(model, environment, budget).value_of_link(model.expr(id), first);
 }
 
 }  // namespace symfold

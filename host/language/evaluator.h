@@ -70,6 +70,10 @@ struct Environment {
 // do not matter. Throws EvaluationError. Cost: at most the size of the expression, which `budget` pays.
 Value evaluate(const ModelDescription& model, ExprId id, const Environment& environment, Budget& budget);
 
+// The same of an operator in a run (see is_link) whose first operand has the value `first`.
+Value evaluate_link(const ModelDescription& model, ExprId id, const Value& first,
+                    const Environment& environment, Budget& budget);
+
 }  // namespace symfold
 
 #endif  // SYMFOLD_HOST_LANGUAGE_EVALUATOR_H

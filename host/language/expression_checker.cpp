@@ -67,10 +67,10 @@ StaticType ExpressionChecker::type_of(ExprId id, const Context& context, const S
     case Op::kConditional:
       expr.type = type_of_conditional(expr, context, hint);
       break;
-    case Op::kOr:
-    case Op::kAnd:
     case Op::kNot:
-      expr.type = type_of_logic(expr, context);
+    case Op::kNegate:
+    case Op::kAbs:
+      expr.type = type_of_operator(expr, context);
       break;
     case Op::kEqual:
     case Op::kNotEqual:
@@ -87,9 +87,39 @@ StaticType ExpressionChecker::type_of(ExprId id, const Context& context, const S
       expr.type = type_of_quantifier(expr, context);
       break;
     default:
-      expr.type = type_of_arithmetic(expr, context);
+      check_run(id, context);
   }
   return expr.type;
+}
+
+// The operands of a refused division stay unchecked, and with them the run up to it.
+void ExpressionChecker::check_run(ExprId id, const Context& context) {
+  ExprId link = model_.expr(id).innermost;
+  ExprId start = link;
+  for (; link != id; link = model_.expr(link).outer) {
+    if (is_refused(model_.expr(link), context)) start = link;
+  }
+  if (is_refused(model_.expr(id), context)) start = id;
+  for (link = start; link != kNoExpr; link = link == id ? kNoExpr : model_.expr(link).outer) {
+    Expr& expr = model_.expr(link);
+    expr.type = type_of_operator(expr, context);
+  }
+}
+
+bool ExpressionChecker::is_refused(const Expr& expr, const Context& context) const {
+  return expr.op == Op::kDivide && !context.usage.division;
+}
+
+StaticType ExpressionChecker::type_of_operator(const Expr& expr, const Context& context) {
+  const bool is_logic = expr.op == Op::kOr || expr.op == Op::kAnd || expr.op == Op::kNot;
+  return is_logic ? type_of_logic(expr, context) : type_of_arithmetic(expr, context);
+}
+
+// The type of an operand of a run is that of the run so far if it is the first one.
+StaticType ExpressionChecker::type_of_operand(const Expr& expr, ExprId operand, const Context& context,
+                                              const StaticType& hint) {
+  const bool is_checked = is_link(expr.op) && operand == expr.operands[0] && is_link(model_.expr(operand).op);
+  return is_checked ? model_.expr(operand).type : type_of(operand, context, hint);
 }
 
 StaticType ExpressionChecker::type_of_name(Expr& expr, const Context& context, const StaticType& hint) {
@@ -218,7 +248,7 @@ StaticType ExpressionChecker::type_of_logic(const Expr& expr, const Context& con
   bool is_known = true;
   for (const ExprId operand : expr.operands) {
     if (operand == kNoExpr) break;
-    const StaticType type = type_of(operand, context, kBoolType);
+    const StaticType type = type_of_operand(expr, operand, context, kBoolType);
     if (type.is_known() && type != kBoolType) mismatch(operand, "bool", type);
     is_known = is_known && type == kBoolType;
   }
@@ -238,7 +268,7 @@ StaticType ExpressionChecker::type_of_comparison(const Expr& expr, const Context
 }
 
 StaticType ExpressionChecker::type_of_arithmetic(const Expr& expr, const Context& context) {
-  if (expr.op == Op::kDivide && !context.usage.division) {
+  if (is_refused(expr, context)) {
     errors_.add(expr.operator_offset, "expected 'div', got '/', which is real and for rates only");
     return kNoType;
   }
@@ -247,7 +277,7 @@ StaticType ExpressionChecker::type_of_arithmetic(const Expr& expr, const Context
   bool is_known = true;
   for (const ExprId operand : expr.operands) {
     if (operand == kNoExpr) break;
-    const StaticType type = type_of(operand, context, kNoType);
+    const StaticType type = type_of_operand(expr, operand, context, kNoType);
     if (needs_int && type.is_known() && type != kIntType) {
       mismatch(operand, "int", type);
       is_known = false;

@@ -61,6 +61,11 @@ class ExpressionChecker {
   StaticType type_of_member(Expr& expr, const Context& context);
   StaticType type_of_conditional(const Expr& expr, const Context& context, const StaticType& hint);
   StaticType type_of_comparison(const Expr& expr, const Context& context);
+  void check_run(ExprId id, const Context& context);
+  bool is_refused(const Expr& expr, const Context& context) const;
+  StaticType type_of_operator(const Expr& expr, const Context& context);
+  StaticType type_of_operand(const Expr& expr, ExprId operand, const Context& context,
+                             const StaticType& hint);
   StaticType type_of_arithmetic(const Expr& expr, const Context& context);
   StaticType type_of_logic(const Expr& expr, const Context& context);
   StaticType type_of_quantifier(const Expr& expr, const Context& context);

@@ -237,10 +237,19 @@ ExprId ExpressionParser::add_operator(Op op, Offset operator_offset, std::initia
   expr.op = op;
   expr.operator_offset = operator_offset;
   std::copy(operands.begin(), operands.end(), expr.operands.begin());
-  expr.offset = std::min(operator_offset, model_.expr(*operands.begin()).offset);
+  const Expr& first = model_.expr(*operands.begin());
+  expr.offset = std::min(operator_offset, first.offset);
   for (const ExprId operand : operands) expr.height = std::max(expr.height, model_.expr(operand).height + 1);
+  const auto id = static_cast<ExprId>(model_.expressions.size());
+  if (is_link(op)) {
+    expr.innermost = is_link(first.op) ? first.innermost : id;
+    const int height_of_others = model_.expr(operands.begin()[1]).height + 1;
+    if (is_link(first.op)) expr.height = std::max(first.height, height_of_others);
+  }
   if (expr.height > kMaxExpressionDepth) tokens_.fail_at(operator_offset, too_deep());
-  return add(expr);
+  add(expr);
+  if (expr.innermost != kNoExpr && expr.innermost != id) model_.expr(expr.operands[0]).outer = id;
+  return id;
 }
 
 }  // namespace symfold

@@ -3,7 +3,7 @@
 // From loosest to tightest: ?: (groups to the right), ||, &&, !, comparisons (at most one), + -, * / div %,
 // unary minus. The binary levels share one function that takes the level as its argument. A quantifier's body
 // reaches as far to the right as it can. kMaxExpressionDepth bounds both the recursion and the height of the
-// tree, so that later walks may recurse.
+// tree, so that later walks may recurse, except along a run of operators (see is_link).
 
 #ifndef SYMFOLD_HOST_LANGUAGE_EXPRESSION_PARSER_H
 #define SYMFOLD_HOST_LANGUAGE_EXPRESSION_PARSER_H

@@ -1,9 +1,10 @@
 // A model file as a tree: what the parser builds and the checker completes.
 //
-// Expressions live in one vector and refer to each other by index, so that no destructor recurses and a model
-// can be copied as it is. After checking, every expression has its type, constants and literals are plain
-// values, and every remaining name says what it stands for (see Reference). The actions' guards, rates and
-// assignments, the labels and the rewards stay in this form; other rooms give them their meaning.
+// Expressions live in one vector, operands before their operators, and refer to each other by index, so that
+// no destructor recurses and a model can be copied as it is. After checking, every expression has its type,
+// constants and literals are plain values, and every remaining name says what it stands for (see Reference).
+// The actions' guards, rates and assignments, the labels and the rewards stay in this form; other rooms give
+// them their meaning.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_MODEL_DESCRIPTION_H
 #define SYMFOLD_HOST_LANGUAGE_MODEL_DESCRIPTION_H
@@ -80,6 +81,14 @@ enum class Op : std::uint8_t {
   kCount
 };
 
+// Operators of which any number may follow one another: a + b - c * d is a run of two, a + b and the - on it.
+// In a run, each operator is the first operand of the next. Runs may be long, so that no walk recurses along
+// them: it starts at `innermost` and goes on by `outer`. The height counts a run once.
+constexpr bool is_link(Op op) {
+  return op == Op::kOr || op == Op::kAnd || (op >= Op::kAdd && op <= Op::kRemainder) || op == Op::kMin ||
+         op == Op::kMax;
+}
+
 enum class Reference : std::uint8_t {
   kNone,
   kParameter,  // index: position among the type's parameters
@@ -97,6 +106,8 @@ struct Expr {
   int index = -1;              // see Reference
   int quantifier = -1;         // of a quantifier or kMember: index into ModelDescription::quantifiers
   std::array<ExprId, 3> operands{kNoExpr, kNoExpr, kNoExpr};
+  ExprId innermost = kNoExpr;  // of a link: the link of its run whose first operand is none
+  ExprId outer = kNoExpr;      // of a link: the one whose first operand it is
   Value value;
   std::string_view name;    // of a name; of a kMember the part before the dot
   std::string_view member;  // of a kMember the part after it

@@ -97,6 +97,52 @@ TEST(Exploration, FindsTheChainOrTheErrorOfRandomModels) {
   EXPECT_LT(complete, 300);
 }
 
+// Two submodels that each move in 6,000 ways: more successors than a batch of 64 KiB holds.
+std::string parallel_text() {
+  std::string text = "type T {\n  private x : [0..2] = 0;\n";
+  for (int i = 0; i < 6'000; ++i) {
+    text += "  [a] true -> " + std::to_string(i % 7 + 1) + ".0 / 11 : x = (x + " + std::to_string(i % 3) +
+            ") % 3;\n";
+  }
+  return text + "}\nsystem S { t[i : 0..1] : T; }\n";
+}
+
+TEST(Exploration, SumsRatesInTheirOrderAcrossBatches) {
+  const ComposedModel model = read_model_text("m.sym", parallel_text());
+  EXPECT_TRUE(expect_naive_chain(model));
+  const Explored whole = explored(model);
+  EXPECT_EQ(whole.figures.successors, 9U * 12'000U);
+  for (std::size_t limit = 1; limit < 9; ++limit) {
+    const Explored part = explored(model, {}, nullptr, {.states = limit});
+    EXPECT_EQ(part.figures.states, limit);
+    expect_counted(part.figures, whole);
+  }
+}
+
+std::string repeated(const std::string& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
+// Runs of operators are no depth: neither the reader nor what compiles and evaluates may recurse along them.
+TEST(Exploration, TakesRunsOfAnyLength) {
+  const auto explored_dividing_by = [](const std::string& divisor) {
+    const std::string text =
+        "const int N = 0" + repeated(" + 1", 100'000) + ";\nconst bool b = true" +
+        repeated(" && N > 1", 50'000) +
+        ";\ntype T(real r) {\n  private x : bool = false;\n  private y : [1..2] = 1;\n  [a] b" +
+        repeated(" && (x || y == 1)", 40'000) + " -> N" + repeated(" + r", 50'000) +
+        repeated(" * 1.0", 50'000) + " - min(y" + repeated(", 7", 50'000) + ") : x = !x, y = 1 div " +
+        divisor + repeated(" + 1", 50'000) + " == 0 ? 2 : 1;\n}\nsystem S { t : T(0.5); }\n";
+    return explored(read_model_text("m.sym", text));
+  };
+  const Explored exploration = explored_dividing_by("1");
+  ASSERT_EQ(exploration.ending, Ending::kComplete) << exploration.error.substr(0, 200);
+  EXPECT_EQ(exploration.chain.matrix.rates, std::vector<double>(2, 124'999));
+  EXPECT_NE(explored_dividing_by("0").error.find("error: division by zero"), std::string::npos);
+}
+
 // A state is expanded when all its successors have found room.
 TEST(Exploration, StopsAtEveryLimitOfStates) {
   const ComposedModel model = small_example("philosophers");

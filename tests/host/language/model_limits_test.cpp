@@ -33,13 +33,11 @@ TEST(ModelLimits, DepthOfExpressions) {
   const std::string too_deep = "expected expressions nested at most 256 deep, got a deeper one";
   const std::string paren_250 = repeated("(", 250) + "1" + repeated(")", 250);
   EXPECT_EQ(first_message(constant(paren_250)), "");
-  EXPECT_EQ(first_message(constant("1" + repeated("+1", 250))), "");
   EXPECT_EQ(first_message("const bool b = " + repeated("!", 250) + "true;" + kRest), "");
-  EXPECT_EQ(first_message(constant("1" + repeated("+1", 300000))), too_deep);
   EXPECT_EQ(first_message(constant(repeated("(", 10'000'000))), too_deep);
   EXPECT_EQ(first_message(constant(repeated("- ", 1'000'000))), too_deep);
   EXPECT_EQ(first_message(constant(repeated("true ? 1 : ", 1'000'000))), too_deep);
-  EXPECT_EQ(first_message(constant("min(" + repeated("1,", 1'000'000))), too_deep);
+  EXPECT_EQ(first_message(constant(repeated("1+(", 1'000'000))), too_deep);
   EXPECT_EQ(first_message("const bool b = " + repeated("!", 1'000'000) + ";" + kRest), too_deep);
   EXPECT_EQ(first_message(std::string(kRest) + "label \"a\" = " + repeated("exists p : T . ", 100'000)),
             "expected at most 8 quantifiers inside one another, got 'exists'");
