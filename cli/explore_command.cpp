@@ -44,6 +44,7 @@ class ExploreRun {
   const char* step_ = "";
   std::vector<std::string> files_;  // written
   bool needs_ctmc_switch_ = false;
+  bool is_export_cut_ = false;  // a format could not show the chain
 };
 
 GrowthPoint growth_point(long value, const std::vector<ExplorationResult>& results) {
@@ -100,9 +101,10 @@ void ExploreRun::export_chain(Exploration& exploration) {
   step_ = "exporting the chain";
   const MarkovChain chain = exploration.take_chain();
   needs_ctmc_switch_ = needs_ctmc_switch(chain);
-  for (const std::string& name : options_.exports) {
-    for (std::string& file : write_chain(chain, name)) files_.push_back(std::move(file));
-  }
+  WrittenChain written = write_chain_set(chain, options_.exports);
+  files_ = std::move(written.files);
+  for (const std::string& refusal : written.refusals) streams_.err << "symfold: " << refusal << "\n";
+  is_export_cut_ = !written.refusals.empty();
 }
 
 // The most folded state space first: it is the smallest one, and the peak of memory only rises.
@@ -119,7 +121,7 @@ std::vector<ExplorationResult> ExploreRun::explore_model(const ModelInput& input
 
 // Says what was not completed. Returns the exit code.
 int ExploreRun::report_endings(const std::vector<ExplorationResult>& results) {
-  int code = kOk;
+  int code = is_export_cut_ ? kCheckFailed : kOk;
   for (const ExplorationResult& result : results) {
     if (result.is_complete()) continue;
     streams_.err << "symfold: " << ending_text(result) << "\n";

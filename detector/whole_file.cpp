@@ -172,13 +172,20 @@ void WholeFile::put(const char* data, std::size_t size) {
   }
 }
 
+bool WholeFile::finish() {
+  flush();
+  if (error_.empty() && !partial_.empty() && ::fsync(descriptor_) != 0) fail(errno);
+  is_finished_ = true;
+  return error_.empty();
+}
+
 // The lock must last until the file has its name, so the file is closed last. It was brought to the disk
 // before; a failure to close is then of interest only for what is written directly.
 bool WholeFile::commit() {
-  flush();
+  if (!is_finished_) finish();
   if (!error_.empty()) return false;
   if (!partial_.empty()) {
-    if (::fsync(descriptor_) != 0 || std::rename(partial_.c_str(), target_.c_str()) != 0) {
+    if (std::rename(partial_.c_str(), target_.c_str()) != 0) {
       fail(errno);
       return false;
     }

@@ -34,9 +34,17 @@ class WholeFile {
   // Appends bytes. Returns false after a failure, the first of which error() tells.
   bool write(const char* data, std::size_t size);
 
-  // Gives the file its name when its contents have reached the disk. To be called once, after the last write.
-  // Returns false after a failure, of this call or an earlier one.
+  // Brings the contents to the disk, still under the name of their own. To be called once, after the last
+  // write, by writers of several files: what can run out of space has happened before the first file gets its
+  // name. Returns false after a failure, of this call or an earlier one.
+  bool finish();
+
+  // Gives the file its name when its contents have reached the disk, by finish() if that was not called. To
+  // be called once. Returns false as finish() does.
   bool commit();
+
+  // True if what NAME leads to is written directly: then bytes arrive before the commit, and stay.
+  bool is_direct() const { return target_.empty(); }
 
   // Empty, or "NAME: error: cannot be written: REASON".
   const std::string& error() const { return error_; }
@@ -55,6 +63,7 @@ class WholeFile {
   std::string target_;   // `name_` with links followed; empty if written directly
   std::string partial_;  // what is written and not yet renamed; empty if there is no such file
   std::string error_;
+  bool is_finished_ = false;
   int descriptor_ = -1;
   std::size_t used_ = 0;
   std::array<char, 16384> buffer_;

@@ -11,16 +11,17 @@
 #include <string>
 #include <string_view>
 
+#include "detector/whole_file.h"
+#include "host/checksum.h"
+
 namespace symfold {
 
-// Written beside its place under the name NAME.partial; commit() renames it to NAME. Without a commit the
-// destructor removes it. If NAME exists and is no regular file (a device, a pipe), then it is written
-// directly. Text gathers in a buffer of constant size. All functions except the destructor may throw
-// std::runtime_error "NAME: error: cannot be written: REASON".
+// A WholeFile (detector/whole_file.h) for text, which gathers in a buffer of constant size. All functions
+// except the destructor may throw std::runtime_error "NAME: error: cannot be written: REASON".
 class NewFile {
  public:
-  explicit NewFile(std::string name);
-  ~NewFile();
+  // If there is a checksum, everything that is appended is added to it in the end. It must outlive this file.
+  explicit NewFile(std::string name, Checksum* checksum = nullptr);
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
@@ -31,9 +32,16 @@ class NewFile {
     (put(parts), ...);
   }
 
-  // Gives the file its name after its contents have reached the disk. To be called once, after the last
-  // append.
+  // Brings the contents to the disk under a name of their own. To be called once, after the last append, by
+  // writers of several files that appear together.
+  void finish();
+
+  // Gives the file its name after its contents have reached the disk, by finish() if that was not called. To
+  // be called once.
   void commit();
+
+  // True if the file is a device or a pipe, which is written directly.
+  bool is_direct() const { return file_.is_direct(); }
 
  private:
   static constexpr std::size_t kBufferSize = std::size_t{1} << 20;
@@ -61,14 +69,12 @@ class NewFile {
     if (kBufferSize - used_ < size) flush();
   }
   void flush();
-  [[noreturn]] void fail(int error) const;
+  void require(bool is_written) const;
 
-  std::string name_;
-  bool is_direct_;
-  std::string written_name_;
+  WholeFile file_;
+  Checksum* checksum_;
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
-  int descriptor_ = -1;
 };
 
 }  // namespace symfold

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
+#include "host/export/file_set.h"
 #include "host/export/formats.h"
 
 namespace symfold {
@@ -46,49 +49,72 @@ const Format* find_format(const std::string& path) {
   return found == std::end(kFormats) ? nullptr : found;
 }
 
-class ChainFiles {
- public:
-  explicit ChainFiles(const MarkovChain& chain) : chain_(chain) {}
+// A file to be written, with the name without its ending, of which there may be several for a path.
+struct PlannedFile {
+  std::string path;
+  std::string stem;
+  std::function<void(NewFile&)> fill;
+};
 
-  template <class WriteTo>
-  void add(const std::string& path, WriteTo write_to) {
-    NewFile out(path);
-    write_to(out);
-    out.commit();
-    names_.push_back(path);
+// The files of all paths, each once, and why there are none for a path.
+class Plan {
+ public:
+  explicit Plan(const MarkovChain& chain) : chain_(chain) {}
+
+  void add(const std::string& path);
+
+  const std::vector<PlannedFile>& files() const { return files_; }
+  const std::vector<std::string>& refusals() const { return refusals_; }
+
+ private:
+  void add_file(const std::string& path, const std::string& stem, std::function<void(NewFile&)> fill) {
+    const bool is_planned =
+        std::any_of(files_.begin(), files_.end(), [&](const PlannedFile& file) { return file.path == path; });
+    if (!is_planned) files_.push_back({path, stem, std::move(fill)});
   }
 
-  void add(const std::string& path, WriteFormat write) {
-    add(path, [&](NewFile& out) { write(chain_, out); });
+  void add_file(const std::string& path, const std::string& stem, WriteFormat write) {
+    add_file(path, stem, [this, write](NewFile& out) { write(chain_, out); });
   }
 
   void add_rewards(const std::string& stem) {
     const std::size_t count = chain_.rewards.size();
     for (std::size_t i = 0; i < count; ++i) {
       const std::string number = count == 1 ? "" : std::to_string(i + 1);
-      add(stem + number + ".srew", [&](NewFile& out) { write_srew(chain_, i, out); });
+      add_file(stem + number + ".srew", stem, [this, i](NewFile& out) { write_srew(chain_, i, out); });
     }
   }
 
-  const std::vector<std::string>& names() const { return names_; }
+  void refuse(const std::string& path, const std::string& message) {
+    refusals_.push_back(path + ": error: " + message);
+  }
 
- private:
   const MarkovChain& chain_;
-  std::vector<std::string> names_;
+  std::vector<PlannedFile> files_;
+  std::vector<std::string> refusals_;
 };
 
-[[noreturn]] void refuse(const std::string& path, const std::string& message) {
-  throw std::runtime_error(path + ": error: " + message);
-}
-
-const Format& require_format(const MarkovChain& chain, const std::string& path) {
+void Plan::add(const std::string& path) {
   const Format* const format = find_format(path);
-  if (format == nullptr) refuse(path, "expected a name that ends in one of " + export_endings());
-  if (chain.matrix.state_count() > format->max_states) {
-    refuse(path, "expected a chain of at most " + std::to_string(format->max_states) +
-                     " states for this format, got " + std::to_string(chain.matrix.state_count()));
+  if (format == nullptr) {
+    throw std::runtime_error(path + ": error: expected a name that ends in one of " + export_endings());
   }
-  return *format;
+  const std::string stem = path.substr(0, path.size() - std::strlen(format->ending));
+  if (chain_.matrix.state_count() > format->max_states) {
+    refuse(path, "expected a chain of at most " + std::to_string(format->max_states) +
+                     " states for this format, got " + std::to_string(chain_.matrix.state_count()));
+  } else if (format->write != nullptr) {
+    add_file(path, stem, format->write);
+  } else if (format->ending == std::string_view(".all")) {
+    add_file(stem + ".tra", stem, write_tra);
+    add_file(stem + ".sta", stem, write_sta);
+    add_file(stem + ".lab", stem, write_lab);
+    add_rewards(stem);
+  } else if (chain_.rewards.empty()) {
+    refuse(path, "expected a model with rewards for this format, got none");
+  } else {
+    add_rewards(stem);
+  }
 }
 
 }  // namespace
@@ -102,22 +128,25 @@ std::string export_endings() {
 bool is_export_format(const std::string& path) { return find_format(path) != nullptr; }
 
 std::vector<std::string> write_chain(const MarkovChain& chain, const std::string& path) {
-  const Format& format = require_format(chain, path);
-  const std::string stem = path.substr(0, path.size() - std::strlen(format.ending));
-  ChainFiles files(chain);
-  if (format.write != nullptr) {
-    files.add(path, format.write);
-    return files.names();
+  return write_chain_set(chain, {path}).files;
+}
+
+WrittenChain write_chain_set(const MarkovChain& chain, const std::vector<std::string>& paths) {
+  Plan plan(chain);
+  for (const std::string& path : paths) plan.add(path);
+  if (plan.files().empty() && !plan.refusals().empty()) throw std::runtime_error(plan.refusals().front());
+  WrittenChain written{{}, plan.refusals()};
+  for (const PlannedFile& file : plan.files()) written.files.push_back(file.path);
+  if (plan.files().size() == 1) {
+    NewFile out(plan.files()[0].path);
+    plan.files()[0].fill(out);
+    out.commit();
+    return written;
   }
-  if (format.ending == std::string_view(".all")) {
-    files.add(stem + ".tra", write_tra);
-    files.add(stem + ".sta", write_sta);
-    files.add(stem + ".lab", write_lab);
-  } else if (chain.rewards.empty()) {
-    refuse(path, "expected a model with rewards for this format, got none");
-  }
-  files.add_rewards(stem);
-  return files.names();
+  FileSet set;
+  for (const PlannedFile& file : plan.files()) set.add(file.path, file.stem, file.fill);
+  for (std::string& list : set.publish()) written.files.push_back(std::move(list));
+  return written;
 }
 
 // PRISM looks at the first five or six transitions, depending on its version.

@@ -3,13 +3,16 @@
 // The files are made in a place of the run's own inside the directory, and published by renaming, while the
 // directory is locked: two runs that publish side by side leave the set of one of them, never a mixture. The
 // permutation file is taken away first and put in place last. So a directory that holds one holds the whole
-// set that belongs to it, even after a run that was killed. What a killed run has left in its own place is
-// removed by the next one. Other files in the directory are never touched. The locks hold between the
-// processes of one machine.
+// set that belongs to it, even after a run that was killed, and after a power failure, because files and
+// names are brought to the disk before the next step. What a killed run has left in its own place is removed
+// by the next one. Other files in the directory are never touched. A file that is replaced hands its mode on;
+// a link at its place is replaced itself, not what it leads to. The locks hold between the processes of one
+// machine.
 
 #ifndef SYMFOLD_HOST_SYMMETRY_RUN_DIRECTORY_H
 #define SYMFOLD_HOST_SYMMETRY_RUN_DIRECTORY_H
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -17,6 +20,8 @@
 #include <string>
 
 namespace symfold {
+
+class DirectoryLock;
 
 class RunDirectory {
  public:
@@ -41,16 +46,18 @@ class RunDirectory {
   void publish();
 
  private:
-  class Lock;
-  class Log;
+  class File;
 
+  std::unique_ptr<File> make_file(const std::string& name, std::int64_t max_size) const;
+  void close_file(const std::string& name, File& file) const;
+  void place(const std::string& name);
   void remove_old(const std::string& name);
 
   std::string directory_;
   std::string own_place_;
-  std::unique_ptr<Lock> lock_of_own_place_;  // tells other runs that this one lives
+  std::unique_ptr<DirectoryLock> lock_of_own_place_;  // tells other runs that this one lives
   std::set<std::string> made_;
-  std::unique_ptr<Log> log_;
+  std::unique_ptr<File> log_;
 };
 
 }  // namespace symfold

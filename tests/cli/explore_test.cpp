@@ -104,6 +104,11 @@ TEST(Explore, WritesTheFoldedChainAndSaysHowToOpenIt) {
   const std::string slow = "type T { private x : bool; [flip] true -> 0.5 : x = !x; }\nsystem S { t : T; }\n";
   EXPECT_NE(run({"explore", "-", "--export", "slow.tra"}, slow).out.find("prism -ctmc"), std::string::npos);
   EXPECT_EQ(run({"explore", "-", "--export", "no/slow.tra"}, slow).code, kBadFile);
+  EXPECT_EQ(run({"explore", "-", "--export", "slow.srew"}, slow).code, kBadFile);
+  const Outcome cut = run({"explore", "-", "--export", "slow.srew", "--export", "slow.mtx"}, slow);
+  EXPECT_EQ(cut.code, kCheckFailed);
+  EXPECT_NE(cut.err.find("slow.srew: error: expected a model with rewards"), std::string::npos) << cut.err;
+  EXPECT_NE(cut.out.find("\nfile  slow.mtx\n"), std::string::npos) << cut.out;
 }
 
 TEST(Explore, StopsCleanlyAtEveryLimit) {

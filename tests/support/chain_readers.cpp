@@ -1,10 +1,12 @@
 #include "tests/support/chain_readers.h"
 
 #include <charconv>
+#include <filesystem>
 #include <map>
 #include <stdexcept>
 #include <string_view>
 
+#include "host/checksum.h"
 #include "tests/support/model_support.h"
 
 namespace symfold {
@@ -236,6 +238,27 @@ ReadChain read_chain_file(const std::string& path, std::uint64_t state_count) {
   readers.at(path.substr(path.rfind('.')))(in, state_count, chain);
   require(in.is_done(), "the end of the file");
   return chain;
+}
+
+ReadSet read_file_set(const std::string& list) {
+  require(std::filesystem::exists(list), "a list");
+  const std::string text = file_text(list);
+  Scanner in(text);
+  in.scan("symfold chain files\nset ");
+  ReadSet set{in.take(16), {}};
+  in.scan("\n");
+  do {
+    const std::string checksum = in.take(16);
+    std::uint64_t size = 0;
+    in.scan(" ", size, " ");
+    set.files.push_back(list.substr(0, list.rfind('/') + 1) + in.until('\n'));
+    in.scan("\n");
+    const std::string contents = file_text(set.files.back());
+    Checksum actual;
+    actual.add(contents);
+    require(contents.size() == size && hexadecimal(actual.value()) == checksum, "the listed contents");
+  } while (!in.is_done());
+  return set;
 }
 
 }  // namespace symfold

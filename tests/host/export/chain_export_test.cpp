@@ -9,7 +9,9 @@
 #include <filesystem>
 #include <limits>
 #include <random>
+#include <set>
 
+#include "host/checksum.h"
 #include "host/export/names.h"
 #include "host/new_file.h"
 #include "tests/support/chain_readers.h"
@@ -186,7 +188,9 @@ TEST(ChainExport, WritesWhatEveryFormatsReaderReadsBack) {
       expect_written(chain, path);
     }
     const std::vector<std::string> files = write_chain(chain, "b.all");
-    ASSERT_EQ(files.size(), 3 + chain.rewards.size());
+    ASSERT_EQ(files.size(), 4 + chain.rewards.size());
+    EXPECT_EQ(files.back(), "b.set");
+    EXPECT_EQ(read_file_set("b.set").files, std::vector<std::string>(files.begin(), files.end() - 1));
     for (const char* ending : {".tra", ".sta", ".lab"}) {
       EXPECT_EQ(file_text(std::string("b") + ending), file_text(std::string("a") + ending));
     }
@@ -212,7 +216,7 @@ TEST(ChainExport, WritesTheFilesThatTheDescriptionShows) {
   chain.observables = {{"is up", {true, false, false}}};
   chain.rewards = {{"uptime", {1, 0, 0}}};
   const std::string description = file_text(SYMFOLD_DOCS_DIR "/file-formats.md");
-  for (const char* name : {"a.all", "a.drn", "a.mtx", "a.aut", "a.dot"}) {
+  for (const char* name : {"machine.all", "machine.drn", "machine.mtx", "machine.aut", "machine.dot"}) {
     for (const std::string& file : write_chain(chain, name)) {
       EXPECT_NE(description.find("```\n" + file_text(file) + "```\n"), std::string::npos) << file;
     }
@@ -243,6 +247,14 @@ std::string refusal_of(const MarkovChain& chain, const std::string& path) {
   return "";
 }
 
+std::set<std::string> entries() {
+  std::set<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(".")) {
+    names.insert(entry.path().filename().string());
+  }
+  return names;
+}
+
 TEST(ChainExport, RefusesInOneLineAndLeavesNothingBehind) {
   const TempDir directory;
   const MarkovChain chain = chain_of({{}});
@@ -263,7 +275,96 @@ TEST(ChainExport, RefusesInOneLineAndLeavesNothingBehind) {
   expect_refusal("d.tra", "cannot be written: Is a directory");
   fs::create_symlink("/dev/full", "full.tra");
   expect_refusal("full.tra", "cannot be written: No space left on device");
-  EXPECT_FALSE(fs::exists("d.tra.partial") || fs::exists("full.tra.partial"));
+  EXPECT_EQ(entries(), (std::set<std::string>{"d.tra", "full.tra"}));
+}
+
+// A set of one chain is read; with any part of another chain, or without a part or its list, it is refused.
+TEST(ChainExport, WritesSetsThatAreRefusedIfTheyAreMixed) {
+  const TempDir directory;
+  const MarkovChain chain = awkward_chain();
+  const MarkovChain other = random_chain(7);
+  fs::create_directories("old");
+  write_chain_set(other, {"old/a.all", "old/a.drn", "old/b.mtx"});
+  const auto write = [&] { return write_chain_set(chain, {"a.all", "a.drn", "a.tra", "b.mtx"}).files; };
+  const std::vector<std::string> files = write();
+  EXPECT_EQ(files, (std::vector<std::string>{"a.tra", "a.sta", "a.lab", "a1.srew", "a2.srew", "a.drn",
+                                             "b.mtx", "a.set", "b.set"}));
+  EXPECT_EQ(entries().size(), files.size() + 1);
+  const std::string identifier = read_file_set("a.set").identifier;
+  EXPECT_EQ(read_file_set("b.set").identifier, identifier);
+  EXPECT_NE(read_file_set("old/b.set").identifier, identifier);
+  for (const std::string& file : files) {
+    const std::string list = file.starts_with("a") ? "a.set" : "b.set";
+    for (const bool is_mixed : {false, true}) {
+      if (is_mixed) fs::copy_file("old/" + file, file, fs::copy_options::overwrite_existing);
+      if (!is_mixed) fs::remove(file);
+      EXPECT_THROW(read_file_set(list), std::runtime_error) << file << is_mixed;
+      EXPECT_EQ(write(), files);
+      EXPECT_EQ(read_file_set(list).identifier, identifier);
+    }
+  }
+}
+
+// PRISM would take a reward that an earlier chain has left for one of the new chain. What somebody else has
+// written stays.
+TEST(ChainExport, RemovesTheRewardsOfTheSetThatItReplaces) {
+  const TempDir directory;
+  const MarkovChain chain = awkward_chain();
+  MarkovChain without = chain;
+  without.rewards.clear();
+  write_chain(chain, "a.all");
+  write_file("a2.srew", "mine");
+  write_chain(without, "a.all");
+  EXPECT_EQ(entries(), (std::set<std::string>{"a.tra", "a.sta", "a.lab", "a.set", "a2.srew"}));
+  EXPECT_EQ(read_file_set("a.set").files.size(), 3U);
+  write_file("b.set", "mine");
+  EXPECT_EQ(refusal_of(chain, "b.all"),
+            "b.set: error: expected a list of exported files (\"symfold chain files\"), got another file, "
+            "which stays as it is");
+  EXPECT_EQ(file_text("b.set"), "mine");
+  EXPECT_EQ(entries().size(), 6U);
+}
+
+TEST(ChainExport, LeavesOutWhatAFormatCannotShow) {
+  const TempDir directory;
+  fs::create_symlink("/dev/null", "null.drn");
+  const WrittenChain written =
+      write_chain_set(chain_of(Rows(5001)), {"a.srew", "a.tra", "a.dot", "null.drn", "a.lab"});
+  EXPECT_EQ(written.files, (std::vector<std::string>{"a.tra", "null.drn", "a.lab", "a.set"}));
+  EXPECT_EQ(written.refusals.size(), 2U);
+  EXPECT_EQ(read_file_set("a.set").files, (std::vector<std::string>{"a.tra", "a.lab"}));
+}
+
+// A disk that is full at the last part leaves the earlier set as it was.
+TEST(ChainExport, KeepsTheEarlierSetIfAFileCannotBeWritten) {
+  const TempDir directory;
+  write_chain_set(awkward_chain(), {"a.tra", "a.lab"});
+  const std::string before = file_text("a.set");
+  fs::create_symlink("/dev/full", "a.drn");
+  EXPECT_THROW(write_chain_set(random_chain(3), {"a.tra", "a.lab", "a.drn"}), std::runtime_error);
+  EXPECT_EQ(file_text("a.set"), before);
+  EXPECT_EQ(read_file_set("a.set").files.size(), 2U);
+  EXPECT_EQ(entries(), (std::set<std::string>{"a.tra", "a.lab", "a.set", "a.drn"}));
+}
+
+// The first four are known from other programs.
+TEST(Checksum, IsXxh64) {
+  const auto checksum = [](const std::string& text, std::size_t piece) {
+    Checksum sum;
+    for (std::size_t i = 0; i < text.size(); i += piece) sum.add(std::string_view(text).substr(i, piece));
+    EXPECT_EQ(sum.size(), text.size());
+    return hexadecimal(sum.value());
+  };
+  EXPECT_EQ(checksum("", 1), "ef46db3751d8e999");
+  EXPECT_EQ(checksum("a", 1), "d24ec4f1a98c6e5b");
+  EXPECT_EQ(checksum("abc", 3), "44bc2cf5ad770999");
+  EXPECT_EQ(checksum("Nobody inspects the spammish repetition", 7), "fbcea83c8a378bf1");
+  for (std::size_t size = 0; size < 200; ++size) {
+    std::string text(size, 'x');
+    for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * i);
+    for (const std::size_t piece : {1, 5, 31, 32, 33, 64})
+      EXPECT_EQ(checksum(text, piece), checksum(text, 200));
+  }
 }
 
 // Writes numbers across the end of the buffer, and a text longer than the buffer. A file that is given up
@@ -283,7 +384,7 @@ TEST(NewFile, AppearsWholeOrNotAtAll) {
       if (is_committed) file.commit();
     }
     EXPECT_EQ(file_text(path), is_committed ? expected + long_text : before);
-    EXPECT_FALSE(fs::exists(path + ".partial"));
+    EXPECT_EQ(entries().size(), is_committed || !before.empty() ? 1U : 0U);
   }
 }
 
