@@ -192,7 +192,8 @@ bool WholeFile::commit() {
     partial_.clear();
     sync_directory();
   }
-  if (::close(std::exchange(descriptor_, -1)) != 0 && error_.empty() && errno != EINTR) fail(errno);
+  const bool is_closed = ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR;
+  if (!is_closed && is_direct() && error_.empty()) fail(errno);
   return error_.empty();
 }
 

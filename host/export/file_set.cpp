@@ -73,7 +73,7 @@ bool has_listed_contents(const std::string& path, const ListedFile& listed) {
   return hexadecimal(checksum.value()) == listed.checksum;
 }
 
-void remove(const std::string& path) {
+void remove_file(const std::string& path) {
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
     fail(path, std::string("cannot be replaced: ") + std::strerror(errno));
   }
@@ -142,24 +142,24 @@ std::string FileSet::list_text(const std::string& stem) const {
   return text;
 }
 
-// Rewards of the earlier set that the new one has not got are removed with the list: PRISM takes every reward
-// file beside the transitions for one of their chain. A file that has changed since is somebody else's.
-void FileSet::remove_old_list(const std::string& stem) const {
+// Rewards of the earlier set that the new one has not got are removed: PRISM takes every reward file beside
+// the transitions for one of their chain. A file that has changed since is somebody else's. The list goes
+// last, so that a run that is killed in between leaves the next one what it needs to know.
+void FileSet::remove_old_set(const std::string& stem) const {
   const auto has_part = [&](const std::string& name) {
     return std::any_of(parts_.begin(), parts_.end(),
                        [&](const Part& part) { return part.stem == stem && base_name(part.path) == name; });
   };
-  const std::vector<ListedFile> listed = read_list(list_name(stem));
-  std::error_code error;
-  const fs::path list = fs::canonical(list_name(stem), error);
-  if (!error) remove(list);
-  if (!has_part(base_name(stem) + ".tra")) return;
-  for (const ListedFile& file : listed) {
-    const std::string path = directory_of(stem) + file.name;
+  for (const ListedFile& file : read_list(list_name(stem))) {
+    if (!has_part(base_name(stem) + ".tra") || has_part(file.name)) continue;
     const bool is_reward = file.name.starts_with(base_name(stem)) && file.name.ends_with(".srew") &&
                            file.name == base_name(file.name);
-    if (is_reward && !has_part(file.name) && has_listed_contents(path, file)) remove(path);
+    const std::string path = directory_of(stem) + file.name;
+    if (is_reward && has_listed_contents(path, file)) remove_file(path);
   }
+  std::error_code error;
+  const fs::path list = fs::canonical(list_name(stem), error);
+  if (!error) remove_file(list.string());
 }
 
 std::vector<std::string> FileSet::publish() {
@@ -172,7 +172,7 @@ std::vector<std::string> FileSet::publish() {
     lists.back().finish();
   }
   const auto locks = lock_directories(names);
-  for (const std::string& stem : all_stems) remove_old_list(stem);
+  for (const std::string& stem : all_stems) remove_old_set(stem);
   for (Part& part : parts_) part.file.commit();
   for (NewFile& list : lists) list.commit();
   return names;

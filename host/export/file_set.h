@@ -42,7 +42,7 @@ class FileSet {
   std::vector<std::string> stems() const;
   std::string identifier() const;
   std::string list_text(const std::string& stem) const;
-  void remove_old_list(const std::string& stem) const;
+  void remove_old_set(const std::string& stem) const;
 
   std::deque<Part> parts_;  // in the order in which they were added
 };
