@@ -114,11 +114,28 @@ struct Commands {
         ->allow_extra_args(false);
     explore_app->add_option("--plot", explore.plot,
                             "Write the numbers of states over a range of values, --const N=3..10, as SVG");
+    CLI::Option* check_option = explore_app->add_flag(
+        "--check", explore.check, "Write a certificate of the folding, checked before it is written");
+    explore_app
+        ->add_option("--certificate", explore.certificate,
+                     "The certificate's file (default: the model's name, .certificate)")
+        ->needs(check_option);
+    explore_app
+        ->add_option("--check-sample", explore.check_sample,
+                     "Certify about so many transitions, spread over all (default: 100000)")
+        ->needs(check_option)
+        ->check(is_number);
     explore_app->callback([this, streams] {
       explore.symmetry = *symmetry_named(symmetry);
       require_no_error(option_error(explore));
       command = [this, streams] { return run_explore(explore, streams); };
     });
+
+    CLI::App* check_app = app.add_subcommand("check", "Check a permutation file against its model");
+    add_model_input(*check_app, check.input);
+    check_app->add_option("PERMFILE", check.perm_file, "Permutation file of the model")->required();
+    check_app->add_flag("--json", check.json, "Print the results as one JSON object");
+    check_app->callback([this, streams] { command = [this, streams] { return run_check(check, streams); }; });
 
     CLI::App* draw_app =
         app.add_subcommand("draw", "Draw how a model is composed, coloured by its symmetries");
@@ -148,6 +165,7 @@ struct Commands {
   }
 
   CLI::App app{"symfold finds the symmetries of composed models and folds their state spaces", "symfold"};
+  CheckOptions check;
   DetectOptions detect;
   DrawOptions draw;
   ExploreOptions explore;

@@ -50,9 +50,12 @@ struct ExploreOptions {
   std::size_t max_states = std::numeric_limits<std::size_t>::max();
   std::size_t max_memory = std::numeric_limits<std::size_t>::max();  // bytes, of the whole process
   double max_seconds = std::numeric_limits<double>::infinity();      // of each exploration
-  std::string directory;             // of the detection's files; empty: none are left
-  std::vector<std::string> exports;  // files for the chain, the folded one if there are several
-  std::string plot;                  // file for the curves of a range
+  std::string directory;               // of the detection's files; empty: none are left
+  std::vector<std::string> exports;    // files for the chain, the folded one if there are several
+  std::string plot;                    // file for the curves of a range
+  bool check = false;                  // certify the labels of the folding that is exported
+  std::string certificate;             // file of the certificate; empty: named after the model
+  std::size_t check_sample = 100'000;  // transitions, about
   bool quiet = false;
   bool json = false;
 
@@ -66,6 +69,17 @@ std::string option_error(const ExploreOptions& options);
 // Returns kLimitReached or kInterrupted if an exploration was not complete: what was reached is printed, and
 // no chain is exported.
 int run_explore(const ExploreOptions& options, const Streams& streams);
+
+// symfold check: a permutation file beside the model that it was made from.
+struct CheckOptions {
+  ModelInput input;
+  std::string perm_file;
+  bool json = false;
+};
+
+// Checks every permutation of the file against the composition of the model, by code that detection does not
+// use. Returns kCheckFailed if one is no symmetry of it.
+int run_check(const CheckOptions& options, const Streams& streams);
 
 // symfold draw: a picture of a model's composition, coloured by its symmetries.
 struct DrawOptions {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "cli/exploration_report.h"
 #include "cli/figures.h"
@@ -14,6 +15,7 @@
 #include "cli/watch.h"
 #include "host/export/chain_export.h"
 #include "host/pictures/growth_plot.h"
+#include "host/symmetry/certificate.h"
 #include "host/symmetry/folding.h"
 
 namespace symfold {
@@ -34,6 +36,8 @@ class ExploreRun {
   ExplorationResult explore(const ComposedModel& model, Symmetry symmetry);
   ExplorationLimits limits() const;
   void export_chain(Exploration& exploration);
+  void certify(Exploration& exploration, const ComposedModel& model, const Folding& folding,
+               const ExplorationResult& result);
   void print_files();
   int report_endings(const std::vector<ExplorationResult>& results);
 
@@ -45,6 +49,7 @@ class ExploreRun {
   std::vector<std::string> files_;  // written
   bool needs_ctmc_switch_ = false;
   bool is_export_cut_ = false;  // a format could not show the chain
+  std::optional<std::size_t> certified_transitions_;
 };
 
 GrowthPoint growth_point(long value, const std::vector<ExplorationResult>& results) {
@@ -94,7 +99,22 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
   result.peak_memory = peak_memory();
   result.observables = exploration.observable_names();
   if (is_exported && result.is_complete()) export_chain(exploration);
+  if (options_.check && symmetry == options_.symmetry && result.figures.expanded > 0) {
+    certify(exploration, model, folding, result);
+  }
   return result;
+}
+
+// After a limit those transitions are certified that were explored.
+void ExploreRun::certify(Exploration& exploration, const ComposedModel& model, const Folding& folding,
+                         const ExplorationResult& result) {
+  const std::string file =
+      options_.certificate.empty() ? options_.input.stem() + ".certificate" : options_.certificate;
+  Certificate certificate(model, folding,
+                          {file, result.group_order, options_.check_sample, result.inexact_labels > 0});
+  if (!exploration.certify(certificate, [this] { return !interrupts_.is_interrupted(); })) return;
+  certified_transitions_ = certificate.transition_count();
+  files_.push_back(file);
 }
 
 void ExploreRun::export_chain(Exploration& exploration) {
@@ -102,7 +122,7 @@ void ExploreRun::export_chain(Exploration& exploration) {
   const MarkovChain chain = exploration.take_chain();
   needs_ctmc_switch_ = needs_ctmc_switch(chain);
   WrittenChain written = write_chain_set(chain, options_.exports);
-  files_ = std::move(written.files);
+  files_.insert(files_.end(), written.files.begin(), written.files.end());
   for (const std::string& refusal : written.refusals) streams_.err << "symfold: " << refusal << "\n";
   is_export_cut_ = !written.refusals.empty();
 }
@@ -142,17 +162,27 @@ void ExploreRun::print_files() {
 
 int ExploreRun::explore_one() {
   const std::vector<ExplorationResult> results = explore_model(options_.input, options_.symmetries());
+  int code = report_endings(results);
+  if (options_.check && !certified_transitions_) {
+    streams_.err << "symfold: no certificate is written\n";
+    if (interrupts_.is_interrupted()) code = kInterrupted;
+  }
   if (options_.json) {
     nlohmann::ordered_json json = {{"model", options_.input.model}};
     json.update(results_json(results));
     json["files"] = files_;
+    if (certified_transitions_) json["certified_transitions"] = *certified_transitions_;
     streams_.out << json.dump(2) << "\n";
   } else {
     streams_.out << options_.input.model << "\n";
     print_results(streams_.out, results);
     print_files();
+    if (certified_transitions_) {
+      streams_.out << "check  passed: " << grouped(*certified_transitions_)
+                   << " transitions, each carried onto its label by a symmetry of the composition\n";
+    }
   }
-  return report_endings(results);
+  return code;
 }
 
 // Once a run hits a limit, larger values of the parameter are not tried with its symmetry: they take more.
@@ -218,6 +248,9 @@ std::string option_error(const ExploreOptions& options) {
   if (ranges == 1 && !options.exports.empty()) return "--export is for one chain, not for a range of them";
   if (ranges == 0 && !options.plot.empty())
     return "--plot needs a range of a constant's values, --const N=3..10";
+  if (ranges == 1 && options.check) return "--check is for one exploration, not for a range of them";
+  if (options.check && options.symmetry == Symmetry::kOff)
+    return "--check needs labels, and --symmetry off makes none";
   for (const std::string& name : options.exports) {
     if (!is_export_format(name))
       return "--export " + name + ": expected one of the endings " + export_endings();

@@ -19,6 +19,7 @@ set(symfold_public_headers
   host/model/composed_model.h
   host/model/model_error.h
   host/model/value.h
+  host/symmetry/certificate.h
   host/symmetry/folding.h
   host/symmetry/symmetry_error.h
   host/symmetry/symmetry_names.h)

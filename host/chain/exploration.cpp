@@ -38,6 +38,10 @@ const std::vector<std::string>& Exploration::observable_names() const {
   return explorer_->observable_names();
 }
 
+bool Exploration::certify(Certificate& certificate, const std::function<bool()>& goes_on) {
+  return explorer_->certify(certificate, goes_on);
+}
+
 MarkovChain Exploration::take_chain() { return explorer_->take_chain(); }
 
 }  // namespace symfold

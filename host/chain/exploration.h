@@ -22,6 +22,7 @@
 namespace symfold {
 
 struct ComposedModel;
+class Certificate;
 class Explorer;
 class Labeller;
 
@@ -102,6 +103,13 @@ class Exploration {
 
   // In the model's order, which is that of ExplorationFigures::observable_counts.
   const std::vector<std::string>& observable_names() const;
+
+  // Writes a certificate of the folding. Walks through the expanded states of the sample once more; each of
+  // their successors that differs from its source is computed and labelled anew, and its label must be among
+  // the states of the exploration. Asks between states whether to go on; if not, returns false, and no file
+  // is left. Requires a labeller and a run that has expanded a state. Throws what Certificate throws, and
+  // UnsoundSymmetryError for a label that is not among the states.
+  bool certify(Certificate& certificate, const std::function<bool()>& goes_on);
 
   // The chain. Requires keeps_chain and a run that was complete; to be called once. The chain reads its
   // states from this object, which must outlive it. Throws ModelError if a reward has no value in a state.

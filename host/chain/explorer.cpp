@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "host/symmetry/symmetry_error.h"
+
 namespace symfold {
 namespace {
 
@@ -43,7 +45,8 @@ Explorer::Explorer(const ComposedModel& model, const std::vector<std::string>& o
       values_(layout_.slot_count()),
       local_(model.submodels.size()),
       batch_size_(std::max<std::size_t>(kBatchBytes / (8 * packing_.word_count()), 1)),
-      image_(layout_.slot_count()) {
+      image_(layout_.slot_count()),
+      witness_(model.cell_count()) {
   row_.reserve(kFirstRow);
   figures_.observable_counts.resize(observables_.observable_names().size());
   figures_.state_bytes = packing_.byte_count();
@@ -267,6 +270,44 @@ void Explorer::check_in() {
     next_progress_ = figures_.seconds + kProgressInterval;
     if (!(*progress_)(figures_)) stop(Ending::kInterrupted);
   }
+}
+
+// Every successor of an expanded state has a number, so the store is only asked from here on.
+bool Explorer::certify(Certificate& certificate, const std::function<bool()>& goes_on) {
+  store_.set_limits(0, 0);
+  certificate.begin(figures_.successors, label_again(layout_.initial_state()));
+  for (StateId id = 0; id < figures_.expanded; ++id) {
+    if (!goes_on()) return false;
+    load(id);
+    if (certificate.is_sampled(values_)) certify_state(certificate);
+  }
+  certificate.commit();
+  return true;
+}
+
+void Explorer::certify_state(Certificate& certificate) {
+  const std::vector<TransitionSystem::EnabledAction> actions = system_.enabled_actions(values_.data());
+  std::vector<std::int16_t> reached;
+  std::size_t position = 0;
+  system_.for_each_action(
+      values_.data(), local_.data(), [&](double, std::span<const Write> writes, const std::uint32_t* slots) {
+        const TransitionSystem::EnabledAction& action = actions.at(position++);
+        reached = values_;
+        for (const Write& write : writes) reached[slots[write.variable]] = write.value;
+        if (reached == values_) return;
+        certificate.add(values_, action.submodel, action.declaration->name.text, label_again(reached));
+      });
+}
+
+LabelledState Explorer::label_again(std::span<const std::int16_t> state) {
+  labeller_->find(state.data(), image_.data());
+  labeller_->find_witness(witness_.data());
+  packing_.pack(image_.data(), words_.data());
+  if (store_.insert(words_.data(), store_.hash(words_.data())).outcome != StateStore::Outcome::kKnown) {
+    throw UnsoundSymmetryError("error: a label is not among the states of the exploration: " +
+                               state_text(layout_, image_.data()));
+  }
+  return {state, image_, witness_};
 }
 
 MarkovChain Explorer::take_chain() {

@@ -13,6 +13,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,6 +26,7 @@
 #include "host/chain/state_packing.h"
 #include "host/chain/state_store.h"
 #include "host/chain/transition_system.h"
+#include "host/symmetry/certificate.h"
 
 namespace symfold {
 
@@ -39,6 +41,7 @@ class Explorer {
   Ending run(const ExplorationLimits& limits, const Exploration::Progress& progress);
   const ExplorationFigures& figures() const { return figures_; }
   const std::vector<std::string>& observable_names() const { return observables_.observable_names(); }
+  bool certify(Certificate& certificate, const std::function<bool()>& goes_on);
   MarkovChain take_chain();
 
  private:
@@ -73,6 +76,8 @@ class Explorer {
   void count();
   void check_in();
   void update_figures();
+  void certify_state(Certificate& certificate);
+  LabelledState label_again(std::span<const std::int16_t> state);
   bool stop(Ending ending) {
     ending_ = ending;
     return false;
@@ -105,6 +110,8 @@ class Explorer {
   std::uint32_t successor_count_ = 0;
   bool has_self_loop_ = false;
   bool has_folded_self_loop_ = false;
+
+  std::vector<short> witness_;  // of a label that is certified
 
   Ending ending_ = Ending::kUnderWay;
   ExplorationFigures figures_;

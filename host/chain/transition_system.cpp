@@ -75,10 +75,27 @@ void TransitionSystem::fail_exit_rate(const std::int16_t* state) const {
                        state_text(layout_, state) + ")");
 }
 
+std::vector<TransitionSystem::EnabledAction> TransitionSystem::enabled_actions(
+    const std::int16_t* state) const {
+  std::vector<EnabledAction> enabled;
+  Frames frames(state, nullptr);
+  for (std::size_t s = 0; s < submodel_count(); ++s) {
+    frames.set(0, layout_.slots_of(s));
+    for (const CompiledAction& action : actions_[static_cast<std::size_t>(model_.submodels[s].instance)]) {
+      if (rate_of(action, frames) != 0) enabled.push_back({s, action.declaration});
+    }
+  }
+  return enabled;
+}
+
+// 0 for an action that is not enabled.
+double TransitionSystem::rate_of(const CompiledAction& action, Frames& frames) {
+  return evaluate(action.guard, frames).integer == 0 ? 0 : evaluate(action.rate, frames).real;
+}
+
 // Adds the action's event if it is enabled.
 void TransitionSystem::evaluate_action(const CompiledAction& action, Frames& frames) {
-  if (evaluate(action.guard, frames).integer == 0) return;
-  const double rate = evaluate(action.rate, frames).real;
+  const double rate = rate_of(action, frames);
   if (rate == 0) return;
   if (rate < 0) {
     throw EvaluationError{action.rate_offset,

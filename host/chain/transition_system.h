@@ -60,6 +60,15 @@ class TransitionSystem {
     if (!std::isfinite(exit_rate)) fail_exit_rate(state);
   }
 
+  struct EnabledAction {
+    std::size_t submodel;
+    const ActionDecl* declaration;
+  };
+
+  // The actions that for_each_action visits, in the same order, for whoever wants to name them. All guards
+  // and rates are evaluated anew.
+  std::vector<EnabledAction> enabled_actions(const std::int16_t* state) const;
+
  private:
   struct Range {
     std::uint32_t begin;
@@ -92,6 +101,7 @@ class TransitionSystem {
   }
   Range evaluate_events(std::size_t submodel, const std::int16_t* state, std::uint32_t local);
   void evaluate_action(const CompiledAction& action, Frames& frames);
+  static double rate_of(const CompiledAction& action, Frames& frames);
   [[noreturn]] void fail_exit_rate(const std::int16_t* state) const;
 
   const ComposedModel& model_;
