@@ -164,7 +164,9 @@ class CompositionWriter {
 
   void add_edge(const DrawnEdge& edge) {
     std::string attributes = "tooltip=" + quoted(edge.hint);
-    if (!edge.text.empty()) attributes += ", label=" + quoted(edge.text);
+    if (!edge.text.empty()) {
+      attributes += (graph_.is_collapsed ? ", label=" : ", taillabel=") + quoted(edge.text);
+    }
     line(quoted(graph_.nodes[edge.submodel].name) + " -- " + quoted(graph_.nodes[edge.join].name) + " [" +
          attributes + "]");
   }

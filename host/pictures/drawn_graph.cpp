@@ -9,6 +9,7 @@ namespace symfold {
 namespace {
 
 constexpr std::size_t kMaxFullNames = 40;
+constexpr std::size_t kMaxPorts = 40;
 
 // Where the indices of an array's element start: at the first underscore of "_1_2" in "grid_1_2".
 std::size_t end_of_stem(const std::string& name) {
@@ -83,9 +84,12 @@ DrawnGraph drawn_parts(const ComposedModel& model, const NamedOrbits& orbits) {
     graph.nodes.push_back({join.name, is_small ? join.name : "", join.name + " : " + to_string(join.values),
                            orbit_of.at(join.name)});
   }
+  std::size_t members = 0;
+  for (const Join& join : model.joins) members += join.members.size();
+  const bool has_ports = is_small && members <= kMaxPorts;
   for_each_member(model, [&](std::size_t submodel, std::size_t join, const std::string& variable) {
     graph.edges.push_back(
-        {submodel, model.submodels.size() + join, "",
+        {submodel, model.submodels.size() + join, has_ports ? variable : "",
          model.submodels[submodel].name + "." + variable + " in " + model.joins[join].name});
   });
   return graph;

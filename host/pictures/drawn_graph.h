@@ -29,7 +29,7 @@ struct DrawnNode {
 struct DrawnEdge {
   std::size_t submodel = 0;  // nodes
   std::size_t join = 0;
-  std::string text;
+  std::string text;  // of a variable, at the submodel's end; between orbits on the whole edge
   std::string hint;
 };
 
@@ -43,7 +43,7 @@ struct DrawnGraph {
 };
 
 // Every submodel and every join is a node. If there are many, only the indices of submodels are written, and
-// joins have no text.
+// joins have no text. The edges of a small graph have the names of the submodels' variables.
 DrawnGraph drawn_parts(const ComposedModel& model, const NamedOrbits& orbits);
 
 // Every orbit is a node with the number of its parts. Between an orbit of submodels and one of joins there is

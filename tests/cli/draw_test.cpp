@@ -34,6 +34,7 @@ TEST(Draw, ShowsPartsInTheColoursOfTheirOrbits) {
     EXPECT_EQ(count(dot, edges), 3U);
   }
   EXPECT_EQ(count(dot, "\n  \"rack_0\" -- \"(bus_0|backbone)\""), 2U);
+  EXPECT_EQ(count(dot, "\n  \"server_[01]_[012]\" -- \"bus_[01]\" .*, taillabel=\"bus\"]"), 6U);
   EXPECT_EQ(count(dot, " -- "), 10U);
   EXPECT_EQ(count(dot, "symmetry group of order 72<"), 1U);
   const std::string svg = read_file("wreath.svg");
@@ -50,6 +51,7 @@ TEST(Draw, CollapsesLargeModelsToOrbits) {
   EXPECT_EQ(count(dot, "\n  \"phil_0\" \\[.*label=\"phil \u00D7501\""), 1U) << dot;
   EXPECT_EQ(count(dot, "\n  \"fork_0\" \\[.*label=\"fork \u00D7501\", shape=ellipse"), 1U);
   EXPECT_EQ(count(dot, "\n  \"phil_0\" -- \"fork_0\" \\[.*label=\"[lr]fork \u00D7501\""), 2U);
+  EXPECT_EQ(count(dot, "taillabel"), 0U);
   EXPECT_EQ(count(read_file("ring.svg"), "class=\"(node|edge)\""), 4U);
 }
 
