@@ -1,6 +1,7 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -12,6 +13,8 @@
 #include <ostream>
 #include <system_error>
 
+#include "cli/advice.h"
+#include "host/export/chain_export.h"
 #include "host/model/model_error.h"
 
 namespace symfold {
@@ -20,14 +23,26 @@ namespace {
 constexpr unsigned long long kMaxCount =
     std::numeric_limits<std::size_t>::max() - 1;  // the rest is "no limit"
 
-void add_model_input(CLI::App& app, ModelInput& input) {
-  app.add_option("MODEL", input.model, "Model file; - is standard input")->required();
-  app.add_option("--const", input.constants, "Replace a constant, for instance --const N=8")
-      ->allow_extra_args(false)
-      ->check([](const std::string& text) {
-        return text.find('=') == std::string::npos ? "expected NAME=VALUE, got " + text : std::string();
-      });
+void require_no_error(const std::string& error) {
+  if (!error.empty()) throw CLI::ValidationError(error);
 }
+
+void add_constants(CLI::App& app, ModelInput& input, const std::string& help, bool takes_range) {
+  const auto take = [&input, takes_range](const std::vector<std::string>& texts) {
+    require_no_error(read_constants(texts, input));
+    if (input.range && !takes_range) {
+      throw CLI::ValidationError("--const " + input.constants[input.range->position] +
+                                 ": expected one value, got a range, which only 'explore' takes");
+    }
+  };
+  app.add_option_function<std::vector<std::string>>("--const", take, help)->allow_extra_args(false);
+}
+
+void add_model(CLI::App& app, ModelInput& input) {
+  app.add_option("MODEL", input.model, "Model file; - is standard input")->required();
+}
+
+const char* const kConstHelp = "Replace constants: --const N=8 or --const N=8,mu=0.5";
 
 // Conversions wrap negative numbers, take nan and inf, and cut what is too large.
 std::string refuse_other_than_number(const std::string& text) {
@@ -71,10 +86,6 @@ std::vector<std::string> symmetry_names() {
   return names;
 }
 
-void require_no_error(const std::string& error) {
-  if (!error.empty()) throw CLI::ValidationError(error);
-}
-
 // The subcommands with their options; `command` becomes the one that was chosen.
 struct Commands {
   explicit Commands(const Streams& streams) {
@@ -82,7 +93,8 @@ struct Commands {
     app.set_version_flag("--version", SYMFOLD_VERSION);
 
     CLI::App* detect_app = app.add_subcommand("detect", "Find the symmetries of a model");
-    add_model_input(*detect_app, detect.input);
+    add_model(*detect_app, detect.input);
+    add_constants(*detect_app, detect.input, kConstHelp, false);
     detect_app->add_option("-o,--output", detect.directory,
                            "Run directory (default: the model's name, .symfold)");
     detect_app->add_flag("--no-log", detect.no_log, "Do not write detection.log");
@@ -92,7 +104,10 @@ struct Commands {
 
     CLI::App* explore_app =
         app.add_subcommand("explore", "Explore the state space of a model, folded or not");
-    add_model_input(*explore_app, explore.input);
+    add_model(*explore_app, explore.input);
+    add_constants(*explore_app, explore.input,
+                  std::string(kConstHelp) + "; one of them over a range: N=3..10, N=3:10 or mu=0.1:0.1:0.5",
+                  true);
     CLI::Option* symmetry_option =
         explore_app
             ->add_option("--symmetry", symmetry, "off, or fold by fast or exact labels (default: exact)")
@@ -110,7 +125,9 @@ struct Commands {
                             "Run directory for the detection's files (default: none are written)");
     explore_app->add_flag("--quiet", explore.quiet, "No progress");
     explore_app->add_flag("--json", explore.json, "Print the results as one JSON object");
-    explore_app->add_option("--export", explore.exports, "Write the chain; the ending names the format")
+    explore_app
+        ->add_option("--export", explore.exports,
+                     "Write the chain; the ending names the format: " + export_formats())
         ->allow_extra_args(false);
     explore_app->add_option("--plot", explore.plot,
                             "Write the numbers of states over a range of values, --const N=3..10, as SVG");
@@ -124,7 +141,7 @@ struct Commands {
         ->add_option("--check-sample", explore.check_sample,
                      "Certify about so many transitions, spread over all (default: 100000)")
         ->needs(check_option)
-        ->check(is_number);
+        ->check(CLI::Validator(refuse_other_than_count, ""));
     explore_app->callback([this, streams] {
       explore.symmetry = *symmetry_named(symmetry);
       require_no_error(option_error(explore));
@@ -132,14 +149,16 @@ struct Commands {
     });
 
     CLI::App* check_app = app.add_subcommand("check", "Check a permutation file against its model");
-    add_model_input(*check_app, check.input);
+    add_model(*check_app, check.input);
+    add_constants(*check_app, check.input, kConstHelp, false);
     check_app->add_option("PERMFILE", check.perm_file, "Permutation file of the model")->required();
     check_app->add_flag("--json", check.json, "Print the results as one JSON object");
     check_app->callback([this, streams] { command = [this, streams] { return run_check(check, streams); }; });
 
     CLI::App* draw_app =
         app.add_subcommand("draw", "Draw how a model is composed, coloured by its symmetries");
-    add_model_input(*draw_app, draw.input);
+    add_model(*draw_app, draw.input);
+    add_constants(*draw_app, draw.input, kConstHelp, false);
     draw_app->add_option("-o,--output", draw.output,
                          "NAME.dot or NAME.svg; both are written (default: the model's name)");
     draw_app->add_flag("--collapse", draw.collapse, "A node for each orbit, as is done for large models");
@@ -149,19 +168,56 @@ struct Commands {
     });
 
     CLI::App* label_app = app.add_subcommand("label", "Map states to their canonical labels");
-    label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model")->required();
+    label_app->add_option("PERMFILE", label.perm_file, "Permutation file of the model, or its run directory")
+        ->required();
     label_app->add_option("FILE", label.states, "States, one per line in hexadecimal; - is standard input");
+    label_app->add_option("--model", label.input.model,
+                          "The model, for states by names, phil_1.phase=left fork_1=false: a variable that "
+                          "is not named has the model's initial value");
+    add_constants(*label_app, label.input, std::string(kConstHelp) + ", as for the detection", false);
+    label_app->add_flag("--names", label.names, "Labels by names too");
     CLI::Option* perm = label_app->add_flag(
         "--perm", label.perm,
         "Add to each label a permutation of the partitions that carries the state onto it");
     label_app->add_flag("--exact", label.exact, "The largest images: one label for each symmetry class");
     label_app->add_flag("--raw", label.raw, "States and labels as bytes, without separators")->excludes(perm);
-    label_app->callback([this, streams] { command = [this, streams] { return run_label(label, streams); }; });
+    label_app->callback([this, streams] {
+      require_no_error(option_error(label));
+      command = [this, streams] { return run_label(label, streams); };
+    });
 
     CLI::App* show_app = app.add_subcommand("show", "Print the tables of a permutation file");
-    show_app->add_option("PERMFILE", show.perm_file, "Permutation file of a model")->required();
+    show_app->add_option("PERMFILE", show.perm_file, "Permutation file of a model, or its run directory")
+        ->required();
     show_app->add_flag("--json", show.json, "Print the tables as one JSON object");
     show_app->callback([this, streams] { command = [this, streams] { return run_show(show, streams); }; });
+
+    CLI::App* help_app = app.add_subcommand("help", "Print the options of a subcommand");
+    help_app->add_option("SUBCOMMAND", help_topic, "Its name; without one, all subcommands are listed");
+    help_app->callback([this, streams] { command = [this, streams] { return run_help(streams); }; });
+  }
+
+  std::vector<std::string> names() const {
+    std::vector<std::string> names;
+    for (const CLI::App* each : app.get_subcommands({})) names.push_back(each->get_name());
+    return names;
+  }
+
+  // Returns kUsage and prints what to type instead if there is no such subcommand.
+  int require_subcommand(const std::string& name, const Streams& streams) const {
+    const std::vector<std::string> known = names();
+    if (std::find(known.begin(), known.end(), name) != known.end()) return kOk;
+    streams.err << "symfold: error: " << subcommand_advice(name, known) << "\n";
+    return kUsage;
+  }
+
+  int run_help(const Streams& streams) const {
+    const int code = help_topic.empty() ? kOk : require_subcommand(help_topic, streams);
+    if (code != kOk) return code;
+    const CLI::App* const topic = help_topic.empty() ? &app : app.get_subcommand(help_topic);
+    const std::string above = help_topic.empty() ? app.get_name() : app.get_name() + " " + help_topic;
+    streams.out << app.get_formatter()->make_help(topic, above, CLI::AppFormatMode::Normal);
+    return kOk;
   }
 
   CLI::App app{"symfold finds the symmetries of composed models and folds their state spaces", "symfold"};
@@ -172,11 +228,22 @@ struct Commands {
   std::string symmetry = to_string(explore.symmetry);
   LabelOptions label;
   ShowOptions show;
+  std::string help_topic;
   std::function<int()> command;
 };
 
 int run_chosen(int argc, const char* const* argv, const Streams& streams) {
   Commands commands(streams);
+  const std::string first = argc > 1 ? argv[1] : "-";
+  if (!first.starts_with('-')) {
+    const int code = commands.require_subcommand(first, streams);
+    if (code != kOk) return code;
+    // An option that takes a value would take --help for it.
+    if (std::find(argv + 2, argv + argc, std::string_view("--help")) != argv + argc) {
+      commands.help_topic = first;
+      return commands.run_help(streams);
+    }
+  }
   try {
     commands.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -195,6 +262,9 @@ int report_memory(const Streams& streams) {
 int run_reporting(int argc, const char* const* argv, const Streams& streams) {
   try {
     return run_chosen(argc, argv, streams);
+  } catch (const UnreadableModelError& error) {
+    streams.err << error.what() << "\n";
+    return kBadFile;
   } catch (const ModelError& error) {
     streams.err << error.what() << "\n";
     return kModelError;

@@ -19,8 +19,8 @@ enum ExitCode : int {
   kOk = 0,
   kCheckFailed = 1,   // a check failed, or some of the input could not be used
   kUsage = 2,         // the command line
-  kModelError = 3,    // the model file
-  kBadFile = 4,       // any other file: corrupt, unreadable, or not to be written
+  kModelError = 3,    // the content of the model file
+  kBadFile = 4,       // a file: unreadable, not to be written, or corrupt if it is no model
   kLimitReached = 5,  // more than can be held, or a limit that was set
   kInternalError = 70,
   kInterrupted = 130  // by Ctrl-C; the shell reports it so, too
@@ -44,7 +44,7 @@ int run_detect(const DetectOptions& options, const Streams& streams);
 
 // symfold explore: the state space of a model, as it is and folded, and its chain in files for solvers.
 struct ExploreOptions {
-  ModelInput input;  // at most one constant may be a range, NAME=3..10: a run for each value
+  ModelInput input;  // a constant may have a range, NAME=3..10: a run for each value
   Symmetry symmetry = Symmetry::kExact;
   bool compare = false;  // all of them, side by side
   std::size_t max_states = std::numeric_limits<std::size_t>::max();
@@ -95,21 +95,26 @@ int run_draw(const DrawOptions& options, const Streams& streams);
 
 // symfold label: states in, canonical labels out, one by one and in constant memory.
 struct LabelOptions {
-  std::string perm_file;
+  std::string perm_file;     // or the run directory that holds it
   std::string states = "-";  // file of states; "-" is standard input
+  ModelInput input;          // the model, for states by names; empty without one
+  bool names = false;        // labels by names
   bool perm = false;         // add to each label a permutation that carries the state onto it
   bool exact = false;        // the largest images, one for each class
   bool raw = false;          // states and labels as bytes without separators
 };
 
-// Text: a state per line in hexadecimal, two digits a byte; a label per line. A line that is no state is
-// reported with its number and gets no label. It makes the exit code kCheckFailed at the end, and so do
-// labels that may not be exact. Ends at the first label that cannot be written.
+std::string option_error(const LabelOptions& options);
+
+// Text: a state per line in hexadecimal, two digits a byte; a label per line. With a model a line may name
+// the values of variables instead, and those that it does not name are as the model begins. A line that is no
+// state is reported with its number and gets no label. It makes the exit code kCheckFailed at the end, and so
+// do labels that may not be exact. Ends at the first label that cannot be written.
 int run_label(const LabelOptions& options, const Streams& streams);
 
 // symfold show: the tables of a permutation file for a person.
 struct ShowOptions {
-  std::string perm_file;
+  std::string perm_file;  // or the run directory that holds it
   bool json = false;
 };
 

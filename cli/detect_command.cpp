@@ -41,7 +41,8 @@ struct Report {
   std::size_t submodels, joins, nodes, edges, colours;
   std::size_t generator_count;
   std::vector<std::string> generators;  // the first ones
-  std::string order;
+  std::string order;                    // in decimal
+  std::string order_text;               // the same for people
   NamedOrbits orbits;
   std::size_t state_bytes, partitions;
   std::string initial_state, initial_label;  // hexadecimal
@@ -68,6 +69,7 @@ Report make_report(const ComposedModel& model, const Folding& folding, bool is_w
     }
   }
   report.order = group_order(folding.orbit_lengths());
+  report.order_text = group_order_text(folding.orbit_lengths());
   report.orbits = find_orbits(detector);
   report.state_bytes = folding.state_size();
   report.partitions = folding.cell_sizes().size();
@@ -99,7 +101,7 @@ void print_report(std::ostream& out, const Report& report) {
   out << report.model << ": " << counted(report.submodels, "submodel") << ", "
       << counted(report.joins, "join") << "\ngraph  " << counted(report.nodes, "node") << ", "
       << counted(report.edges, "edge") << ", " << counted(report.colours, "colour") << "\n"
-      << "group order  " << report.order << "\n"
+      << "group order  " << report.order_text << "\n"
       << "generators  " << report.generator_count << "\n";
   for (const std::string& generator : report.generators) out << "  " << generator << "\n";
   if (report.generator_count > report.generators.size()) {

@@ -10,6 +10,10 @@
 namespace symfold {
 namespace {
 
+// Of a table over a range.
+constexpr std::size_t kMinValueWidth = 7;
+constexpr int kCellWidth = 14;
+
 struct Row {
   std::string title;
   std::vector<std::string> cells;
@@ -83,12 +87,6 @@ void print_table(std::ostream& out, const std::vector<Row>& rows) {
   }
 }
 
-void print_range_cells(std::ostream& out, const std::vector<std::string>& cells) {
-  constexpr int kWidth = 14;
-  for (std::size_t i = 0; i < cells.size(); ++i) out << std::setw(i == 0 ? kWidth / 2 : kWidth) << cells[i];
-  out << std::endl;
-}
-
 // Returns how many times fewer states the result has than the first one, which is the full state space; 0 if
 // that is not known.
 double reduction(const std::vector<ExplorationResult>& results, const ExplorationResult& result) {
@@ -118,35 +116,44 @@ void print_results(std::ostream& out, const std::vector<ExplorationResult>& resu
   const ExplorationResult& folded = results.back();
   const char* const meaning =
       folded.refused.empty() ? "no folding reduces by more" : "of the symmetries that were not refused";
-  out << "group order  " << folded.group_order << ": " << meaning << "\n";
+  out << "group order  " << folded.group_order_text << ": " << meaning << "\n";
   for (const std::string& line : folded.refused) out << "refused  " << line << "\n";
 }
 
-void print_range_head(std::ostream& out, const std::string& parameter,
-                      const std::vector<Symmetry>& symmetries) {
+RangeTable::RangeTable(std::ostream& out, const std::string& parameter, std::size_t width,
+                       std::vector<Symmetry> symmetries)
+    : out_(out),
+      value_width_(static_cast<int>(std::max({kMinValueWidth, width, parameter.size()}))),
+      symmetries_(std::move(symmetries)) {
   std::vector<std::string> cells{parameter};
-  for (const Symmetry symmetry : symmetries) cells.emplace_back(to_string(symmetry));
-  for (const Symmetry symmetry : symmetries) cells.push_back(std::string(to_string(symmetry)) + " in");
-  if (symmetries.size() > 1) cells.emplace_back("reduction");
-  print_range_cells(out, cells);
+  for (const Symmetry symmetry : symmetries_) cells.emplace_back(to_string(symmetry));
+  for (const Symmetry symmetry : symmetries_) cells.push_back(std::string(to_string(symmetry)) + " in");
+  if (symmetries_.size() > 1) cells.emplace_back("reduction");
+  print_cells(cells);
 }
 
-void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>& symmetries,
-                     const std::vector<ExplorationResult>& results) {
+void RangeTable::print_cells(const std::vector<std::string>& cells) {
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    out_ << std::setw(i == 0 ? value_width_ : kCellWidth) << cells[i];
+  }
+  out_ << std::endl;
+}
+
+void RangeTable::print_row(const std::string& value, const std::vector<ExplorationResult>& results) {
   std::vector<std::string> counts;
   std::vector<std::string> times;
-  for (const Symmetry symmetry : symmetries) {
+  for (const Symmetry symmetry : symmetries_) {
     const auto result = std::find_if(results.begin(), results.end(), [&](const auto& each) {
       return each.symmetry == symmetry && each.is_complete();
     });
     counts.push_back(result == results.end() ? "-" : grouped(result->figures.states));
     times.push_back(result == results.end() ? "-" : duration(result->seconds()));
   }
-  std::vector<std::string> cells{std::to_string(value)};
+  std::vector<std::string> cells{value};
   cells.insert(cells.end(), counts.begin(), counts.end());
   cells.insert(cells.end(), times.begin(), times.end());
-  if (symmetries.size() > 1) cells.push_back(reduction_text(results, results.back()));
-  print_range_cells(out, cells);
+  if (symmetries_.size() > 1) cells.push_back(reduction_text(results, results.back()));
+  print_cells(cells);
 }
 
 std::string ending_text(const ExplorationResult& result) {

@@ -15,7 +15,8 @@ namespace symfold {
 
 struct ExplorationResult {
   Symmetry symmetry;
-  std::string group_order;  // in decimal; empty without folding
+  std::string group_order;       // in decimal; empty without folding
+  std::string group_order_text;  // the same for people
   Ending ending;
   ExplorationFigures figures;
   std::vector<std::string> observables;  // their names
@@ -32,11 +33,22 @@ struct ExplorationResult {
 // Prints a table with a column for each result. If there are several, the first one is the full state space.
 void print_results(std::ostream& out, const std::vector<ExplorationResult>& results);
 
-// Print the same for a range of a parameter's values: a line for each, as soon as it is known.
-void print_range_head(std::ostream& out, const std::string& parameter,
-                      const std::vector<Symmetry>& symmetries);
-void print_range_row(std::ostream& out, long value, const std::vector<Symmetry>& symmetries,
-                     const std::vector<ExplorationResult>& results);
+// Prints the same for a range of a parameter's values: a line for each, as soon as it is known.
+class RangeTable {
+ public:
+  // Prints the head. `width` is that of the longest value.
+  RangeTable(std::ostream& out, const std::string& parameter, std::size_t width,
+             std::vector<Symmetry> symmetries);
+
+  void print_row(const std::string& value, const std::vector<ExplorationResult>& results);
+
+ private:
+  void print_cells(const std::vector<std::string>& cells);
+
+  std::ostream& out_;
+  int value_width_;
+  std::vector<Symmetry> symmetries_;
+};
 
 // Tells what was reached when a limit or an interrupt ended an exploration: "exploration with symmetry exact
 // not complete (memory limit): ...".

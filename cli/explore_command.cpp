@@ -52,12 +52,24 @@ class ExploreRun {
   std::optional<std::size_t> certified_transitions_;
 };
 
-GrowthPoint growth_point(long value, const std::vector<ExplorationResult>& results) {
-  GrowthPoint point{value, {}, {}};
+GrowthPoint growth_point(const ParameterRange& range, std::size_t index,
+                         const std::vector<ExplorationResult>& results) {
+  GrowthPoint point{range.units(index), range.text(index), {}, {}};
   for (const ExplorationResult& result : results) {
     if (result.is_complete()) (result.is_folded() ? point.folded : point.full) = result.figures.states;
   }
   return point;
+}
+
+// A JSON number.
+nlohmann::ordered_json json_number(const ParameterRange& range, std::size_t index) {
+  if (range.decimals == 0) return range.units(index);
+  return nlohmann::ordered_json::parse(range.text(index));
+}
+
+// The length of the longest value.
+std::size_t width_of(const ParameterRange& range) {
+  return std::max(range.text(0).size(), range.text(range.count - 1).size());
 }
 
 double seconds_since(std::chrono::steady_clock::time_point start) {
@@ -83,6 +95,7 @@ ExplorationResult ExploreRun::explore(const ComposedModel& model, Symmetry symme
   if (labeller) {
     result.group_order = group_order(folding.orbit_lengths());
     result.refused = lines_of(folding.refusals());
+    result.group_order_text = group_order_text(folding.orbit_lengths());
     result.detection_seconds = seconds_since(start);
   }
   step_ = "exploring";
@@ -187,21 +200,21 @@ int ExploreRun::explore_one() {
 
 // Once a run hits a limit, larger values of the parameter are not tried with its symmetry: they take more.
 int ExploreRun::explore_range(const ParameterRange& range) {
-  const std::vector<Symmetry> columns = options_.symmetries();
-  std::vector<Symmetry> symmetries = columns;
+  std::vector<Symmetry> symmetries = options_.symmetries();
   int code = kOk;
   GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
-  if (!options_.json) print_range_head(streams_.out, range.name, columns);
-  for (long value = range.low; value <= range.high && !symmetries.empty() && streams_.out; ++value) {
-    const std::vector<ExplorationResult> results = explore_model(range.at(options_.input, value), symmetries);
+  std::optional<RangeTable> table;
+  if (!options_.json) table.emplace(streams_.out, range.name, width_of(range), options_.symmetries());
+  for (std::size_t i = 0; i < range.count && !symmetries.empty() && streams_.out; ++i) {
+    const std::vector<ExplorationResult> results = explore_model(options_.input.at(i), symmetries);
     if (options_.json) {
-      json["points"].push_back({{range.name, value}});
+      json["points"].push_back({{range.name, json_number(range, i)}});
       json["points"].back().update(results_json(results));
     } else {
-      print_range_row(streams_.out, value, columns, results);
+      table->print_row(range.text(i), results);
     }
-    plot.points.push_back(growth_point(value, results));
+    plot.points.push_back(growth_point(range, i, results));
     code = std::max(code, report_endings(results));
     if (code == kInterrupted) break;
     for (const ExplorationResult& result : results) {
@@ -222,9 +235,8 @@ int ExploreRun::explore_range(const ParameterRange& range) {
 }
 
 int ExploreRun::run() {
-  const std::vector<ParameterRange> ranges = find_ranges(options_.input);
   try {
-    return ranges.empty() ? explore_one() : explore_range(ranges[0]);
+    return options_.input.range ? explore_range(*options_.input.range) : explore_one();
   } catch (const std::bad_alloc&) {
     if (options_.max_memory == MemoryCap::kNone) throw;
     streams_.err << "symfold: error: memory limit of " << options_.max_memory << " bytes reached while "
@@ -241,14 +253,13 @@ std::vector<Symmetry> ExploreOptions::symmetries() const {
 }
 
 std::string option_error(const ExploreOptions& options) {
-  const std::size_t ranges = find_ranges(options.input).size();
-  if (ranges > 1) return "expected one range of a constant's values, got " + std::to_string(ranges);
-  if (ranges == 1 && options.input.model == "-")
+  const bool has_range = options.input.range.has_value();
+  if (has_range && options.input.model == "-")
     return "a range of a constant's values needs a model in a file";
-  if (ranges == 1 && !options.exports.empty()) return "--export is for one chain, not for a range of them";
-  if (ranges == 0 && !options.plot.empty())
+  if (has_range && !options.exports.empty()) return "--export is for one chain, not for a range of them";
+  if (!has_range && !options.plot.empty())
     return "--plot needs a range of a constant's values, --const N=3..10";
-  if (ranges == 1 && options.check) return "--check is for one exploration, not for a range of them";
+  if (has_range && options.check) return "--check is for one exploration, not for a range of them";
   if (options.check && options.symmetry == Symmetry::kOff)
     return "--check needs labels, and --symmetry off makes none";
   for (const std::string& name : options.exports) {

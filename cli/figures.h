@@ -33,6 +33,10 @@ std::vector<std::string> lines_of(const std::string& text);
 // The exact order of a group, in decimal: the product of its orbit lengths.
 std::string group_order(const std::vector<int>& orbit_lengths);
 
+// The same for people. If it has more than 20 digits: as a product of factorials, or else of powers of
+// primes, with its size behind it, "30! (2.65 * 10^32)"; the size alone if the product is long.
+std::string group_order_text(const std::vector<int>& orbit_lengths);
+
 // The memory that the process holds, the part of it that shows files, such as the program and its libraries,
 // and the most that it has held so far, in bytes.
 std::size_t current_memory();

@@ -5,11 +5,14 @@
 #include <iostream>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
 
+#include "cli/advice.h"
 #include "cli/figures.h"
+#include "cli/named_states.h"
 #include "components/permutation.h"
 #include "host/symmetry/folding.h"
 
@@ -26,10 +29,11 @@ int digit_value(char c) {
   return -1;
 }
 
-// Reads a state. Returns what is wrong with the line, or an empty text.
-std::string parse_state(std::string_view line, Bytes& state) {
+// Reads a state. Returns what is wrong with the line, or an empty text. `otherwise` says what else a line may
+// hold.
+std::string parse_state(std::string_view line, const std::string& otherwise, Bytes& state) {
   if (line.size() != 2 * state.size()) {
-    return "expected " + std::to_string(2 * state.size()) + " hexadecimal digits, got " +
+    return "expected " + otherwise + std::to_string(2 * state.size()) + " hexadecimal digits, got " +
            (line.size() > 2 * state.size() ? "more" : std::to_string(line.size()));
   }
   for (std::size_t i = 0; i < line.size(); ++i) {
@@ -41,14 +45,12 @@ std::string parse_state(std::string_view line, Bytes& state) {
   return "";
 }
 
-void print_hexadecimal(std::ostream& out, const Bytes& bytes, std::string& text) {
+void append_hexadecimal(const Bytes& bytes, std::string& text) {
   constexpr std::string_view kDigits = "0123456789abcdef";
-  text.clear();
   for (const unsigned char byte : bytes) {
     text += kDigits[byte >> 4];
     text += kDigits[byte & 15];
   }
-  out << text;
 }
 
 // Reads a line without its end, of which at most `longest` characters are kept. A carriage return before the
@@ -71,7 +73,8 @@ class LabelRun {
       : options_(options),
         streams_(streams),
         source_(source),
-        folding_(options.perm_file, options.exact ? Symmetry::kExact : Symmetry::kFast),
+        perm_file_(perm_file_at(options.perm_file, "label")),
+        folding_(perm_file_, options.exact ? Symmetry::kExact : Symmetry::kFast),
         labeller_(folding_.make_labeller()),
         state_(folding_.state_size()),
         label_(state_.size()),
@@ -79,13 +82,15 @@ class LabelRun {
         witness_(folding_.cell_sizes().size()),
         offsets_(witness_.size()) {
     std::exclusive_scan(folding_.cell_sizes().begin(), folding_.cell_sizes().end(), offsets_.begin(), 0);
+    if (!options.input.model.empty()) read_names();
   }
 
   int label_lines(std::istream& in) {
     int code = kOk;
     std::string line;
-    for (long number = 1; streams_.out && read_line(in, 2 * state_.size() + 2, line); ++number) {
-      const std::string fault = parse_state(line, state_);
+    const std::size_t longest = std::max(2 * state_.size(), names_ ? names_->max_line() : 0);
+    for (long number = 1; streams_.out && read_line(in, longest + 2, line); ++number) {
+      const std::string fault = read_state(line);
       if (fault.empty()) {
         label_state();
         continue;
@@ -99,7 +104,7 @@ class LabelRun {
   int label_records(std::istream& in) {
     const auto size = static_cast<std::streamsize>(state_.size());
     if (size == 0) {
-      streams_.err << options_.perm_file << ": error: states of no bytes have no records\n";
+      streams_.err << perm_file_ << ": error: states of no bytes have no records\n";
       return kBadFile;
     }
     for (long number = 1;
@@ -121,15 +126,54 @@ class LabelRun {
   int report_inexact() const {
     const std::size_t count = labeller_->inexact_count();
     if (count == 0) return kOk;
-    streams_.err << options_.perm_file << ": error: " << counted(count, "label")
+    streams_.err << perm_file_ << ": error: " << counted(count, "label")
                  << " may not be exact: too many images tie\n";
     return kCheckFailed;
   }
 
  private:
+  // Detects the model's symmetries only to know how it lays out its states.
+  void read_names() {
+    const ComposedModel model = read_input(options_.input, streams_);
+    const Folding folding(model, Symmetry::kFast);
+    if (folding.cell_sizes() != folding_.cell_sizes()) {
+      const auto size_text = [](const Folding& sized) {
+        return counted(sized.state_size(), "byte") + " in " + counted(sized.cell_sizes().size(), "partition");
+      };
+      throw std::runtime_error(perm_file_ + ": error: expected the states of " + options_.input.model + ", " +
+                               size_text(folding) + ", got " + size_text(folding_) +
+                               (size_text(folding) == size_text(folding_) ? " of other sizes" : ""));
+    }
+    names_.emplace(model, folding.order());
+  }
+
+  // Returns what is wrong with the line, or an empty text.
+  std::string read_state(const std::string& line) {
+    if (!names_) return parse_state(line, "", state_);
+    if (line.find('=') != std::string::npos) return names_->read(line, state_.data());
+    const std::string fault = parse_state(line, "NAME=VALUE pairs or ", state_);
+    return fault.empty() ? names_->value_error(state_.data()) : fault;
+  }
+
+  // Symmetries of another model can bring a value to a variable that does not have it.
+  void append_names() {
+    const std::string fault = names_->value_error(label_.data());
+    if (!fault.empty()) {
+      throw std::runtime_error(perm_file_ + ": error: expected symmetries of " + options_.input.model +
+                               ", got a label with " + fault);
+    }
+    names_->append_text(label_.data(), text_);
+  }
+
   void label_state() {
     labeller_->find(state_.data(), label_.data());
-    print_hexadecimal(streams_.out, label_, text_);
+    text_.clear();
+    if (options_.names) {
+      append_names();
+    } else {
+      append_hexadecimal(label_, text_);
+    }
+    streams_.out << text_;
     if (options_.perm) {
       find_checked_witness();
       const std::vector<int> images(witness_.begin(), witness_.end());
@@ -153,6 +197,7 @@ class LabelRun {
   const LabelOptions& options_;
   const Streams& streams_;
   std::string source_;
+  std::string perm_file_;
   Folding folding_;
   std::unique_ptr<Labeller> labeller_;
   Bytes state_;
@@ -161,9 +206,21 @@ class LabelRun {
   std::vector<short> witness_;  // by cell
   std::vector<int> offsets_;    // by cell, in bytes
   std::string text_;
+  std::optional<NamedStates> names_;
 };
 
 }  // namespace
+
+std::string option_error(const LabelOptions& options) {
+  const bool has_model = !options.input.model.empty();
+  if (!has_model && options.names) return "--names needs a model: --model MODEL";
+  if (!has_model && !options.input.constants.empty()) return "--const needs a model: --model MODEL";
+  if (has_model && options.raw) return "--raw takes bytes, no names of a model";
+  if (options.input.model == "-" && options.states == "-") {
+    return "expected a file for the model or the states, got standard input for both";
+  }
+  return "";
+}
 
 int run_label(const LabelOptions& options, const Streams& streams) {
   const bool is_standard_input = options.states == "-";

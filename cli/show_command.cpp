@@ -7,6 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "cli/advice.h"
 #include "cli/figures.h"
 #include "detector/labelling_tables.h"
 #include "detector/permfile/perm_table.h"
@@ -68,7 +69,7 @@ void print(std::ostream& out, const LabellingTables& tables) {
 
 int run_show(const ShowOptions& options, const Streams& streams) {
   PermTable table;
-  const std::string error = read_perm_file(options.perm_file, table);
+  const std::string error = read_perm_file(perm_file_at(options.perm_file, "show"), table);
   if (!error.empty()) throw std::runtime_error(error);
   const LabellingTables tables(table);
   if (options.json) {

@@ -18,6 +18,7 @@ using WriteFormat = void (*)(const MarkovChain&, NewFile&);
 
 struct Format {
   const char* ending;
+  const char* content;
   WriteFormat write = nullptr;  // null if the number of files depends on the chain
   std::size_t max_states = std::numeric_limits<std::size_t>::max();
 };
@@ -26,15 +27,15 @@ struct Format {
 constexpr std::size_t kMaxDrawnStates = 5000;
 
 constexpr Format kFormats[] = {
-    {".all"},
-    {".tra", write_tra},
-    {".sta", write_sta},
-    {".lab", write_lab},
-    {".srew"},
-    {".drn", write_drn},
-    {".mtx", write_mtx},
-    {".aut", write_aut},
-    {".dot", write_dot, kMaxDrawnStates},
+    {".all", "all of PRISM's files"},
+    {".tra", "transitions", write_tra},
+    {".sta", "states", write_sta},
+    {".lab", "labels", write_lab},
+    {".srew", "rewards"},
+    {".drn", "Storm", write_drn},
+    {".mtx", "Matrix Market", write_mtx},
+    {".aut", "CADP", write_aut},
+    {".dot", "Graphviz", write_dot, kMaxDrawnStates},
 };
 
 std::string ending_of(const std::string& path) {
@@ -123,6 +124,14 @@ std::string export_endings() {
   std::string endings;
   for (const Format& format : kFormats) endings += (endings.empty() ? "" : ", ") + std::string(format.ending);
   return endings;
+}
+
+std::string export_formats() {
+  std::string formats;
+  for (const Format& format : kFormats) {
+    formats += (formats.empty() ? "" : ", ") + std::string(format.ending) + " (" + format.content + ")";
+  }
+  return formats;
 }
 
 bool is_export_format(const std::string& path) { return find_format(path) != nullptr; }

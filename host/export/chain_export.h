@@ -13,6 +13,9 @@ namespace symfold {
 // The endings that write_chain knows, as a text for people: ".all, .tra, .sta, ...".
 std::string export_endings();
 
+// The endings with a word each for what they write: ".all (PRISM: ...), ...".
+std::string export_formats();
+
 // Returns true if the path has one of these endings.
 bool is_export_format(const std::string& path);
 

@@ -92,15 +92,15 @@ ComposedModel read_model(std::istream& in, const std::string& name,
       require_readable_size(name, text.size());
     }
   } catch (const std::ios_base::failure&) {
-    throw ModelError(name, "cannot be read");
+    throw UnreadableModelError(name, "cannot be read");
   }
-  if (in.bad()) throw ModelError(name, "cannot be read");
+  if (in.bad()) throw UnreadableModelError(name, "cannot be read");
   return read_model_text(name, std::move(text), overrides);
 }
 
 ComposedModel read_model(const std::string& path, const std::vector<ConstOverride>& overrides) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw ModelError(path, "cannot be opened for reading");
+  if (!in) throw UnreadableModelError(path, "cannot be opened for reading");
   return read_model(in, path, overrides);
 }
 

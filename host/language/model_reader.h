@@ -3,9 +3,10 @@
 //     const symfold::ComposedModel model = symfold::read_model("ring.sym", {{"N", "5"}});
 //
 // All functions here parse, check and expand one model. They throw ModelError, with up to ten diagnostics,
-// for everything that is wrong with the file, the text or the overrides. Their time and memory are bounded
-// for any bytes: texts of more than 16 MiB, and systems that take too many steps to expand, are errors.
-// Different threads may read different models at the same time.
+// for everything that is wrong with the file, the text or the overrides: an UnreadableModelError if the file
+// cannot be read. Their time and memory are bounded for any bytes: texts of more than 16 MiB, and systems
+// that take too many steps to expand, are errors. Different threads may read different models at the same
+// time.
 
 #ifndef SYMFOLD_HOST_LANGUAGE_MODEL_READER_H
 #define SYMFOLD_HOST_LANGUAGE_MODEL_READER_H

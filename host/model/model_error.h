@@ -42,6 +42,12 @@ class ModelError : public std::runtime_error {
   std::vector<Diagnostic> diagnostics_;
 };
 
+// The model's file could not be read, so nothing is known of the model.
+class UnreadableModelError : public ModelError {
+ public:
+  using ModelError::ModelError;
+};
+
 }  // namespace symfold
 
 #endif  // SYMFOLD_HOST_MODEL_MODEL_ERROR_H

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <string>
 
 namespace symfold {
@@ -20,6 +21,12 @@ GrowthAxes::GrowthAxes(const GrowthPlot& plot, const PlotFrame& frame, double he
     low_ = plot.points.front().value;
     high_ = plot.points.back().value;
   }
+  std::int64_t spacing = 0;
+  for (const GrowthPoint& point : plot.points) {
+    spacing = std::gcd(spacing, point.value - low_);
+    longest_ = std::max(longest_, point.text.size());
+  }
+  spacing_ = std::max<std::int64_t>(spacing, 1);
   std::vector<double> counts;
   for (const GrowthPoint& point : plot.points) {
     for (const auto& count : {point.full, point.folded}) {
@@ -45,15 +52,15 @@ double GrowthAxes::y(double count) const {
   return frame_.bottom - share * (frame_.bottom - frame_.top);
 }
 
-// Numbers stand at the multiples of a step, which is 1, 2 or 5 times a power of ten: the smallest one with
-// room for the numbers.
+// Numbers stand at every step-th value, where the step is 1, 2 or 5 times a power of ten: the smallest one
+// with room for the numbers.
 std::int64_t GrowthAxes::step() const {
   constexpr double kDigit = 6;
   constexpr double kGap = 8;
   constexpr std::int64_t kMaxStep = 1'000'000'000'000'000'000;
-  const std::size_t digits = std::max(std::to_string(low_).size(), std::to_string(high_).size());
-  const double distance = kDigit * static_cast<double>(digits) + kGap;
-  const double length = static_cast<double>(high_) - static_cast<double>(low_);
+  const double distance = kDigit * static_cast<double>(longest_) + kGap;
+  const double length =
+      (static_cast<double>(high_) - static_cast<double>(low_)) / static_cast<double>(spacing_);
   const double least = length * distance / (frame_.right - frame_.left - 2 * kInset);
   for (std::int64_t power = 1; power < kMaxStep; power *= 10) {
     for (const std::int64_t factor : {1, 2, 5}) {
@@ -61,6 +68,12 @@ std::int64_t GrowthAxes::step() const {
     }
   }
   return kMaxStep;
+}
+
+// Values that are spaced by 1 have numbers at the multiples of the step.
+bool GrowthAxes::is_numbered(const GrowthPoint& point, std::int64_t step) const {
+  const std::int64_t offset = ((low_ % spacing_) + spacing_) % spacing_;
+  return (point.value - offset) / spacing_ % step == 0;
 }
 
 // Draws the decades and, if there are few, their tenths.
@@ -94,14 +107,14 @@ void GrowthAxes::draw_parameter(const GrowthPlot& plot, SvgWriter& svg) const {
   svg.add("line", {{"x1", frame_.left}, {"y1", bottom}, {"x2", frame_.right}, {"y2", bottom}});
   for (const GrowthPoint& point : plot.points) {
     const double at = x(point.value);
-    const double length = point.value % numbered == 0 ? 4 : 2;
+    const double length = is_numbered(point, numbered) ? 4 : 2;
     svg.add("line", {{"x1", at}, {"y1", bottom}, {"x2", at}, {"y2", bottom + length}});
   }
   svg.close_group();
   svg.open_group({{"text-anchor", "middle"}, {"font-size", kNumberSize}, {"fill", kQuietInk}});
   for (const GrowthPoint& point : plot.points) {
-    if (point.value % numbered != 0) continue;
-    svg.add("text", {{"x", x(point.value)}, {"y", bottom + 14.5}}, std::to_string(point.value));
+    if (!is_numbered(point, numbered)) continue;
+    svg.add("text", {{"x", x(point.value)}, {"y", bottom + 14.5}}, point.text);
   }
   svg.close_group();
 }

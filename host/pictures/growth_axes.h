@@ -39,12 +39,15 @@ class GrowthAxes {
   void draw_decades(SvgWriter& svg) const;
   void draw_parameter(const GrowthPlot& plot, SvgWriter& svg) const;
   std::int64_t step() const;
+  bool is_numbered(const GrowthPoint& point, std::int64_t step) const;
 
   PlotFrame frame_;
   std::int64_t low_ = 0;
   std::int64_t high_ = 0;
   int low_decade_ = 0;
-  int high_decade_ = 1;  // above the low one
+  std::int64_t spacing_ = 1;  // of the values, the greatest that fits them all
+  std::size_t longest_ = 1;   // of their texts
+  int high_decade_ = 1;       // above the low one
 };
 
 }  // namespace symfold

@@ -63,7 +63,7 @@ const GrowthPoint* last_point(const GrowthPlot& plot, const Curve& curve) {
 std::string description_of(const GrowthPlot& plot) {
   std::string text = "Numbers of states over " + plot.parameter + ", on a logarithmic axis.";
   for (const GrowthPoint& point : plot.points) {
-    text += " " + plot.parameter + " = " + std::to_string(point.value) + ":";
+    text += " " + plot.parameter + " = " + point.text + ":";
     const auto count_text = [](const auto& count) { return count ? std::to_string(*count) : "not reached"; };
     text += " full " + count_text(point.full) + ", folded " + count_text(point.folded) + ".";
   }
@@ -124,8 +124,8 @@ void GrowthDrawing::draw_marker(const Curve& curve, const GrowthPoint& point) {
   const double radius = std::clamp(distance / 4, 1.3, 3.2);
   const double x = x_of(point);
   const double y = y_of(curve, point);
-  const std::string tip = "<title>" + xml_escaped(plot_.parameter) + " = " + std::to_string(point.value) +
-                          ": " + grouped(*(point.*curve.count)) + " states</title>";
+  const std::string tip = "<title>" + xml_escaped(plot_.parameter) + " = " + point.text + ": " +
+                          grouped(*(point.*curve.count)) + " states</title>";
   if (&curve == &kFull) {
     svg_.add("circle", {{"cx", x}, {"cy", y}, {"r", radius}, {"fill", curve.colour}, {"stroke", "none"}},
              tip);

@@ -12,7 +12,8 @@ namespace symfold {
 
 // The numbers of states for one value of the parameter, each at least 1; none if a run was not complete.
 struct GrowthPoint {
-  std::int64_t value = 0;
+  std::int64_t value = 0;  // in a unit that all points share, of at most 10^18
+  std::string text;        // the value for people: "7", "0.25"
   std::optional<std::uint64_t> full;
   std::optional<std::uint64_t> folded;
 };

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "cli/commands.h"
+#include "cli/figures.h"
 #include "tests/support/detector_support.h"
 #include "tests/support/run_command.h"
 
@@ -127,7 +128,6 @@ TEST(Detect, ReadsStandardInputAndReportsModelErrors) {
   EXPECT_EQ(
       bad.err,
       "standard input:2:16: error: expected a type's name, got 'U'\nsystem S { t : U; }\n               ^\n");
-  EXPECT_EQ(run({"detect", "missing.sym"}).code, kModelError);
   write_file("file", "");
   EXPECT_EQ(run({"detect", kExamples + "/star.sym", "--const", "N=40000", "-o", "none"}).code, kModelError);
   EXPECT_FALSE(std::filesystem::exists("none"));
@@ -150,11 +150,13 @@ TEST(Detect, GivesUpTablesThatDoNotFit) {
 TEST(CommandLine, RefusesWrongUse) {
   for (const std::vector<std::string>& arguments :
        std::vector<std::vector<std::string>>{{},
-                                             {"fold"},
                                              {"label"},
                                              {"show", "a", "b"},
                                              {"label", "p", "--raw", "--perm"},
-                                             {"detect", "-", "--const", "N"}}) {
+                                             {"label", "p", "--names"},
+                                             {"label", "p", "--const", "N=3"},
+                                             {"label", "p", "--raw", "--model", "m"},
+                                             {"label", "p", "--model", "-"}}) {
     const Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.code, kUsage) << outcome.err;
     EXPECT_EQ(outcome.out, "");
@@ -164,6 +166,122 @@ TEST(CommandLine, RefusesWrongUse) {
   EXPECT_EQ(run({"label", "no-such-file"}).err,
             "symfold: no-such-file: error: cannot be read: No such file or directory\n");
   EXPECT_EQ(run({"show", "no-such-file"}).code, kBadFile);
+  EXPECT_EQ(run({"help", "explore"}).out, run({"explore", "--help"}).out);
+  EXPECT_NE(run({"explore", "--export", "--help"}).out.find(".drn (Storm)"), std::string::npos);
+  EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
+}
+
+TEST(CommandLine, SaysWhatToTypeInstead) {
+  const TempDir dir;
+  std::filesystem::copy_file(kExamples + "/star.sym", "star.sym");
+  EXPECT_EQ(run({"detect", "star.sym", "-o", "run"}).code, kOk);
+  std::filesystem::create_directory("empty");
+  struct Case {
+    std::vector<std::string> arguments;
+    int code;
+    std::string message;
+  };
+  const std::string types_of_run = "type 'symfold show run' or 'symfold label run'\n";
+  for (const Case& wrong : std::vector<Case>{
+           {{"exlpore", "star.sym"}, kUsage, "got 'exlpore'; did you mean 'explore'?\n"},
+           {{"help", "lable"}, kUsage, "did you mean 'label'?\n"},
+           {{"dr"}, kUsage, "did you mean 'draw'?\n"},
+           {{"fold"},
+            kUsage,
+            "expected a subcommand (detect, explore, draw, label, show, help), got 'fold'\n"},
+           {{"star.sym"}, kUsage, "'symfold explore star.sym', 'symfold detect star.sym' or"},
+           {{"run"}, kUsage, "expected a subcommand before 'run': " + types_of_run},
+           {{"label", "star.sym"},
+            kBadFile,
+            "type 'symfold detect star.sym', then 'symfold label star.symfold'\n"},
+           {{"show", "empty"}, kBadFile, "expected a permutation file, or a run directory that holds one\n"},
+           {{"explore", "run/permutations"},
+            kModelError,
+            "expected a model file, got a permutation file: type"},
+           {{"detect", "run"},
+            kBadFile,
+            "run: error: expected a model file, got a run directory: " + types_of_run},
+           {{"draw", "empty"}, kBadFile, "empty: error: expected a model file, got a directory\n"},
+           {{"detect", "missing.sym"}, kBadFile, "missing.sym: error: cannot be opened for reading\n"}}) {
+    const Outcome outcome = run(wrong.arguments);
+    EXPECT_EQ(outcome.code, wrong.code) << outcome.err;
+    EXPECT_NE(outcome.err.find(wrong.message), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+  }
+  EXPECT_EQ(run({"show", "run"}).out, run({"show", "run/permutations"}).out);
+}
+
+// Every range of decimals, written as people do, has the values that integers have.
+TEST(Constants, TakeEveryValueOfARange) {
+  const auto decimal = [](long units, int decimals) {
+    std::string digits = std::to_string(std::abs(units));
+    if (decimals > 0) {
+      digits.insert(0, std::string(digits.size() > 1 ? 0 : 1, '0'));
+      digits.insert(digits.size() - 1, ".");
+    }
+    return (units < 0 ? "-" : "") + digits;
+  };
+  for (const int decimals : {0, 1}) {
+    for (long low = -12; low <= 12; ++low) {
+      for (long step = 1; step <= 5; ++step) {
+        for (long high = low; high <= low + 22; ++high) {
+          ModelInput input;
+          const std::string text =
+              decimal(low, decimals) + ":" + decimal(step, decimals) + ":" + decimal(high, decimals);
+          ASSERT_EQ(read_constants({"M=2,x=" + text}, input), "") << text;
+          std::vector<std::string> expected, values;
+          for (long value = low; value <= high; value += step) expected.push_back(decimal(value, decimals));
+          for (std::size_t i = 0; i < input.range->count; ++i) {
+            values.push_back(input.at(i).constants[1].substr(2));
+          }
+          ASSERT_EQ(values, expected) << text;
+        }
+      }
+    }
+  }
+}
+
+TEST(Constants, AreRefusedWithTheReason) {
+  for (const auto& [text, message] : std::vector<std::pair<std::string, std::string>>{
+           {"N", "expected NAME=VALUE, got 'N'"},
+           {"N=3,", "expected NAME=VALUE, got ''"},
+           {"N=3,M=1,N=4", "expected one value of N, got a second one"},
+           {"N=8..3", "expected a range from a low value to a high one, got 8 before 3"},
+           {"N=3:0:8", "expected a step above 0, got 0"},
+           {"N=8:-1:3", "expected a step above 0, got -1"},
+           {"N=1:2:3:4", "expected a range LOW..HIGH, LOW:HIGH or LOW:STEP:HIGH"},
+           {"N=1..2..3", "expected a range LOW..HIGH, LOW:HIGH or LOW:STEP:HIGH"},
+           {"N=a..3", "expected a number of at most 18 digits in the range, got 'a'"},
+           {"N=0:1e400", "expected a number of at most 18 digits in the range, got '1e400'"},
+           {"N=1000000:1e-13:2", "expected a range of numbers of at most 18 digits in all"},
+           {"N=0:0.0001:1", "expected a range of at most 10000 values, got more"},
+           {"N=1..2,M=1:2", "expected one range of a constant's values, got a second one after N=1..2"}}) {
+    ModelInput input;
+    EXPECT_EQ(read_constants({text}, input), "--const " + text + ": " + message);
+  }
+  EXPECT_EQ(run({"draw", "m", "--const", "N=1..2"}).code, kUsage);
+}
+
+TEST(Figures, TellLongGroupOrdersAsProducts) {
+  const auto factorial = [](int n) {
+    std::vector<int> lengths;
+    for (; n > 1; --n) lengths.push_back(n);
+    return lengths;
+  };
+  std::vector<int> two = factorial(15);
+  const std::vector<int> other = factorial(12);
+  two.insert(two.begin(), other.begin(), other.end());
+  std::vector<int> primes;
+  for (int n = 3; n < 200; n += 2) primes.push_back(n);
+  for (const auto& [lengths, text] : std::vector<std::pair<std::vector<int>, std::string>>{
+           {factorial(20), "2432902008176640000"},
+           {factorial(22), "22! (1.12 * 10^21)"},
+           {two, "15! * 12! (6.26 * 10^20)"},
+           {std::vector<int>(30, 12), "2^60 * 3^30 (2.37 * 10^32)"},
+           {std::vector<int>(5, 99999), "3^10 * 41^5 * 271^5 (1.00 * 10^25)"},
+           {primes, "6.67 * 10^186"}}) {
+    EXPECT_EQ(group_order_text(lengths), text);
+  }
 }
 
 // Three partitions of one byte; the rotation brings each to the first place.
@@ -228,6 +346,65 @@ TEST(Label, LabelsTheStatesOfADetectedModel) {
     command.emplace_back("--perm");
     EXPECT_EQ(run(command, states).code, kOk);
   }
+}
+
+// Names instead of bytes: the same labels, which can be given again.
+TEST(Label, TakesStatesByNames) {
+  const TempDir dir;
+  const std::string model = kExamples + "/philosophers.sym";
+  detect("philosophers", {"N=3"});
+  const std::vector<std::string> plain = {"label", "run", "-", "--model", model, "--const", "N=3", "--exact"};
+  std::vector<std::string> named = plain;
+  named.emplace_back("--names");
+  const char* const phases[] = {"thinking", "hungry", "left", "eating"};
+  std::string states, names;
+  for (int i = 0; i < 64 * 8; ++i) {
+    for (int p = 0; p < 3; ++p) {
+      states += "0" + std::to_string(i >> (2 * p) & 3) + "00";
+      names += "phil_" + std::to_string(p) + ".phase=" + phases[i >> (2 * p) & 3] + ' ';
+    }
+    for (int f = 0; f < 3; ++f) {
+      const bool is_free = (i >> (6 + f) & 1) != 0;
+      states += is_free ? "0100" : "0000";
+      const std::string name =
+          i % 2 == 0 ? "fork_" + std::to_string(f) : "phil_" + std::to_string(f) + ".lfork";
+      names += name + (is_free ? "=true\t" : "=false ");
+    }
+    states += '\n';
+    names += '\n';
+  }
+  const std::string labels = run({"label", "run", "-", "--exact"}, states).out;
+  const std::string named_labels = run(named, states).out;
+  EXPECT_EQ(run(plain, names).out, labels);
+  EXPECT_EQ(run(named, names).out, named_labels);
+  EXPECT_EQ(run(plain, named_labels).out, labels);
+  EXPECT_EQ(run(plain, "fork_1=false\n").out, run(plain, "000000000000010000000100\n").out);
+}
+
+TEST(Label, SaysWhatIsWrongWithNames) {
+  const TempDir dir;
+  const std::string model = kExamples + "/philosophers.sym";
+  detect("philosophers", {"N=3"});
+  for (const auto& [line, message] : std::vector<std::pair<std::string, std::string>>{
+           {"phil_3.phase=left", "expected a variable of " + model + ", got 'phil_3.phase'"},
+           {"phil_0.phase=sad",
+            "phil_0.phase: expected a value of {thinking, hungry, left, eating}, got 'sad'"},
+           {"fork_0=true fork_0=true", "expected fork_0 once, got it twice"},
+           {"phil_1.lfork=true phil_0.rfork=true fork_0=true fork_1=false",
+            "expected one value of fork_1, got phil_1.lfork=true and fork_1=false"},
+           {"fork_0=true fork_1", "expected NAME=VALUE, got 'fork_1'"},
+           {"fork_1", "expected NAME=VALUE pairs or 24 hexadecimal digits, got 6"},
+           {"0700" + std::string(20, '0'),
+            "phil_0.phase: expected a value of {thinking, hungry, left, eating}, got number 7"},
+           {"fork_0=true" + std::string(9000, ' '), "expected at most "}}) {
+    const Outcome outcome = run({"label", "run", "--model", model, "--const", "N=3"}, line + "\n");
+    EXPECT_EQ(outcome.code, kCheckFailed);
+    EXPECT_TRUE(outcome.err.starts_with("standard input:1: error: " + message)) << outcome.err;
+  }
+  const Outcome other = run({"label", "run", "--model", model});
+  EXPECT_EQ(other.code, kBadFile);
+  EXPECT_EQ(other.err, "symfold: run/permutations: error: expected the states of " + model +
+                           ", 20 bytes in 10 partitions, got 12 bytes in 6 partitions\n");
 }
 
 TEST(Show, PrintsTheTables) {

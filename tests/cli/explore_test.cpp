@@ -181,9 +181,17 @@ TEST(Explore, RunsOverARangeOfValues) {
   EXPECT_EQ(points[1]["N"], 4);
   EXPECT_EQ(points[2]["runs"][1]["states"], 117);
   EXPECT_TRUE(std::filesystem::exists("n.svg"));
-  EXPECT_EQ(run({"explore", kPhilosophers, "--const", "N=5..3"}).code, kModelError);
+  const Outcome decimals =
+      run({"explore", kExamples + "/star.sym", "--const", "N=2,think=0.1:0.1:0.3", "--plot", "t.svg"});
+  EXPECT_TRUE(
+      std::regex_match(decimals.out, std::regex("  think [^]*\n    0.1 [^]*\n    0.2 [^]*\n    0.3 [^]*")))
+      << decimals.out;
+  EXPECT_NE(read_file("t.svg").find(">0.3</text>"), std::string::npos);
+  const std::string json =
+      run({"explore", kExamples + "/star.sym", "--const", "think=0.1:0.1:0.3", "--json"}).out;
+  EXPECT_EQ(nlohmann::json::parse(json)["points"][2]["think"], 0.3);
   for (const std::vector<std::string>& wrong :
-       std::vector<std::vector<std::string>>{{"--const", "N=3..5", "--const", "M=1..2"},
+       std::vector<std::vector<std::string>>{{"--const", "N=5..3"},
                                              {"--const", "N=3..5", "--export", "x.tra"},
                                              {"--export", "x.unknown"},
                                              {"--plot", "x.svg"},
@@ -191,7 +199,7 @@ TEST(Explore, RunsOverARangeOfValues) {
                                              {"--symmetry", "some"}}) {
     std::vector<std::string> arguments = {"explore", kPhilosophers};
     arguments.insert(arguments.end(), wrong.begin(), wrong.end());
-    EXPECT_EQ(run(arguments).code, kUsage) << wrong[0] << wrong[1];
+    EXPECT_EQ(run(arguments).code, kUsage) << wrong[0] << wrong.back();
   }
 }
 

@@ -93,8 +93,10 @@ TEST(GrowthPlot, DrawsPointsInProportionToLogarithms) {
     GrowthPlot plot{"seed <" + std::to_string(seed) + "> & \"more\"\n", "N", {}};
     const std::int64_t first = static_cast<std::int64_t>(random() % 20) - 5;
     const std::int64_t count = 2 + static_cast<std::int64_t>(random() % 30);
+    const std::int64_t spacing = 1 + static_cast<std::int64_t>(random() % 3);
     for (std::int64_t i = 0; i < count; ++i) {
-      GrowthPoint& point = plot.points.emplace_back(GrowthPoint{first + i, {}, {}});
+      const std::int64_t value = first + i * spacing;
+      GrowthPoint& point = plot.points.emplace_back(GrowthPoint{value, std::to_string(value), {}, {}});
       if (random() % 4 != 0) point.full = 1 + (random() >> (random() % 64));
       if (random() % 4 != 0) point.folded = 1 + (random() >> (random() % 64));
     }
@@ -103,7 +105,7 @@ TEST(GrowthPlot, DrawsPointsInProportionToLogarithms) {
 }
 
 TEST(GrowthPlot, NamesTheLastNumbersAndTheFactorBetweenThem) {
-  GrowthPlot plot{"Philosophers", "N", {{3, 45, 17}, {9, 92205, 10257}, {10, 328393, 32973}}};
+  GrowthPlot plot{"Philosophers", "N", {{3, "3", 45, 17}, {9, "9", 92205, 10257}, {10, "10", 328393, 32973}}};
   const auto expect_text = [&](const std::string& text, bool is_there) {
     EXPECT_EQ(growth_svg(plot).find(">" + text + "</text>") != std::string::npos, is_there) << text;
   };
@@ -111,10 +113,10 @@ TEST(GrowthPlot, NamesTheLastNumbersAndTheFactorBetweenThem) {
   plot.points.back().full.reset();
   for (const char* text : {"92\u2009205", "32\u2009973", "÷ 8.99"}) expect_text(text, true);
   expect_text("÷ 9.96", false);
-  plot.points = {{7, 1'000'000'000'000, 1'000'000}};
+  plot.points = {{7, "7", 1'000'000'000'000, 1'000'000}};
   expect_text("÷ 1\u2009000\u2009000", true);
   EXPECT_EQ(growth_svg(plot).find("nan"), std::string::npos);
-  plot.points = {{7, {}, {}}};
+  plot.points = {{7, "7", {}, {}}};
   EXPECT_EQ(xml_error(growth_svg(plot)), "");
   EXPECT_NE(growth_svg(plot).find("full not reached, folded not reached"), std::string::npos);
 }
