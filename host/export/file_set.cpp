@@ -43,6 +43,8 @@ std::vector<ListedFile> read_list(const std::string& name) {
   std::error_code error;
   if (!fs::is_regular_file(name, error)) return {};
   std::ifstream in(name);
+  if (!in && errno == ENOENT) return {};  // a run beside this one has just removed it
+  if (!in) fail(name, std::string("cannot be read: ") + std::strerror(errno));
   std::string line;
   if (!std::getline(in, line) || line != kFirstLine) {
     fail(name, std::string("expected a list of exported files (\"") + kFirstLine +

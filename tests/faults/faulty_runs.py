@@ -140,7 +140,8 @@ class Bench:
         finished = self.require(self.run(case.command, self.place))
         self.new = snapshot(self.place)
         self.output = self.lasting(finished.stdout)
-        self.verdict_on_sets(self.new)
+        if any(version != "new" for version in self.verdict_on_sets(self.new)):
+            raise SystemExit("%s: the run leaves no whole set" % case.name)
 
     @staticmethod
     def require(finished):

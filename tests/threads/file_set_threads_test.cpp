@@ -1,4 +1,4 @@
-// Run directories that several runs write to at a time, and what is left of one that was killed.
+// Run directories and exports that several runs write to at a time, and what is left of one that was killed.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,9 @@
 #include <stdexcept>
 #include <thread>
 
+#include "host/export/chain_export.h"
 #include "host/symmetry/run_directory.h"
+#include "tests/support/chain_readers.h"
 #include "tests/support/temp_dir.h"
 
 namespace symfold {
@@ -46,7 +48,7 @@ TEST(RunDirectoryThreads, LeaveTheSetOfOneRun) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([i] {
-      for (int round = 0; round < 25; ++round) publish("run " + std::to_string(100 * i + round), i != 3);
+      for (int round = 0; round < 10; ++round) publish("run " + std::to_string(100 * i + round), i != 3);
     });
   }
   // What a reader sees beside them is a whole file or none.
@@ -81,6 +83,72 @@ TEST(RunDirectoryThreads, RemoveWhatAKilledRunHasLeft) {
   close(living);
   publish("whole");
   EXPECT_EQ(entries(), (std::set<std::string>(kFiles.begin(), kFiles.end())));
+}
+
+// The directory is a link, one file another one, and one is for its owner alone.
+TEST(RunDirectoryThreads, KeepModesAndWhatLinksLeadTo) {
+  const TempDir directory;
+  fs::create_directory("run");
+  fs::create_directory_symlink("run", "link");
+  write_file("mine", "kept");
+  fs::create_symlink("../mine", "run/mcg.viz");
+  fs::create_directory_symlink("..", "run/.partial-killed");
+  write_file("run/.partial-mine-too", "kept");
+  write_file("run/permutations", "old");
+  fs::permissions("run/permutations", fs::perms::owner_read);
+  {
+    RunDirectory run("link");
+    for (const char* name : {"mcg.viz", "permutations"}) {
+      run.write(name, [](std::ostream& out) { out << "new"; });
+    }
+    run.publish();
+  }
+  EXPECT_TRUE(fs::is_symlink("link"));
+  EXPECT_EQ(read_file("mine"), "kept");
+  EXPECT_FALSE(fs::is_symlink("run/mcg.viz"));
+  EXPECT_EQ(read_file("run/permutations"), "new");
+  EXPECT_EQ(fs::status("run/permutations").permissions(), fs::perms::owner_read);
+  EXPECT_EQ(entries(),
+            (std::set<std::string>{".partial-killed", ".partial-mine-too", "mcg.viz", "permutations"}));
+}
+
+// What a reader sees beside the runs is a set of one of them, or none.
+TEST(ExportThreads, LeaveTheSetOfOneRun) {
+  const TempDir directory;
+  fs::create_directory_symlink(".", "same");
+  const auto chain_of_rate = [](double rate) {
+    MarkovChain chain;
+    chain.matrix = {{0, 1}, {0}, {rate}};
+    return chain;
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&chain_of_rate, i] {
+      const std::string place = i % 2 == 0 ? "" : "same/";
+      for (int round = 0; round < 10; ++round) {
+        write_chain_set(chain_of_rate(100 * i + round + 2),
+                        {place + "a.tra", place + "b.mtx", place + "a.drn", place + "a.aut"});
+      }
+    });
+  }
+  std::atomic<bool> is_over = false;
+  std::thread reader([&] {
+    while (!is_over) {
+      try {
+        EXPECT_EQ(read_file_set("a.set").files.size(), 3U);
+      } catch (const std::runtime_error&) {
+        std::this_thread::yield();
+      }
+    }
+  });
+  for (std::thread& thread : threads) thread.join();
+  is_over = true;
+  reader.join();
+  EXPECT_EQ(read_file_set("a.set").identifier, read_file_set("b.set").identifier);
+  const double rate = std::get<2>(read_chain_file("a.tra", 1).transitions[0]);
+  for (const char* name : {"b.mtx", "a.drn", "a.aut"}) {
+    EXPECT_EQ(std::get<2>(read_chain_file(name, 1).transitions[0]), rate) << name;
+  }
 }
 
 // Nothing of the earlier set is lost but the permutation file, without which it is no set.
