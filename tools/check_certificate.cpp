@@ -181,12 +181,14 @@ class Checker {
   // Checks the transitions to the end of the file. If `goes_on`, those that fail are counted and returned.
   std::size_t check_transitions(bool goes_on) {
     std::size_t failed = 0;
-    for (; lines_.next(line_) && !line_.starts_with("end "); ++transition_count_) try {
+    for (; lines_.next(line_) && !line_.starts_with("end "); ++transition_count_) {
+      try {
         check_transition();
       } catch (const Fault&) {
         if (!goes_on) throw;
         ++failed;
       }
+    }
     const std::string end = "end " + std::to_string(transition_count_);
     if (line_ != end) fail("'" + end + "'", line_);
     if (lines_.next(line_)) fail("the end of the file", line_);
@@ -412,7 +414,7 @@ class Checker {
     for (std::size_t c = 0; c < cells_.size(); ++c) {
       const Cell& to = cells_[witness_[c]];
       if (compare(target_, cells_[c], image_, to) != 0)
-        fail(cells_[c].name + " carried to " + to.name, "others");
+        fail(cells_[c].name + " carried to " + to.name, "other bytes");
     }
     if (kind_ != "inexact" && image_ < target_) fail("an image not less than the state", words[first]);
     for (std::size_t i = 0; i < moves_.size() && kind_ == "exact"; ++i) check_not_larger(moves_[i]);
