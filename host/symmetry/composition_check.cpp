@@ -33,8 +33,7 @@ CompositionCheck::CompositionCheck(const ComposedModel& model, const std::vector
 }
 
 std::string CompositionCheck::find_fault(std::span<const int> images) const {
-  const std::string no_permutation =
-      "is no permutation of the model's " + std::to_string(cells_.size()) + " cells";
+  std::string no_permutation = "is no permutation of the model's " + std::to_string(cells_.size()) + " cells";
   if (images.size() != cells_.size()) return no_permutation;
   std::vector<bool> is_image(cells_.size());
   for (const int image : images) {

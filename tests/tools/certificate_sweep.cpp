@@ -345,7 +345,7 @@ std::vector<std::pair<std::size_t, std::string>> corrupted_headers(const Pieces&
       if (!first_join.empty()) add("generator (" + first_submodel + ' ' + first_join + ")");
     }
     if (words[0] == "initial") {
-      for (const std::size_t word : {1, 2}) {
+      for (const std::size_t word : {std::size_t{1}, std::size_t{2}}) {
         if (words[word] == "-") continue;
         add(with(word, (words[word][0] == '0' ? '1' : '0') + words[word].substr(1)));
       }
@@ -384,7 +384,7 @@ class Sweep {
 
  private:
   Answer ask(const std::string& arguments) const {
-    std::FILE* const pipe = ::popen((checker_ + ' ' + arguments).c_str(), "r");
+    std::FILE* const pipe = ::popen(("exec " + checker_ + ' ' + arguments).c_str(), "r");
     std::string text;
     for (int c; (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
     const int status = ::pclose(pipe);
