@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "cli/advice.h"
+#include "cli/memory_cap.h"
 #include "host/export/chain_export.h"
 #include "host/model/model_error.h"
 
@@ -304,7 +305,11 @@ int require_written(int code, const Streams& streams) {
 }  // namespace
 
 int run_command_line(int argc, const char* const* argv, const Streams& streams) noexcept {
-  return require_written(run_reporting(argc, argv, streams), streams);
+  const RefusalWatch watch;
+  int code = run_reporting(argc, argv, streams);
+  if (watch.has_seen_refusal() && code != kLimitReached && code != kInterrupted)
+    code = report_memory(streams);
+  return require_written(code, streams);
 }
 
 }  // namespace symfold

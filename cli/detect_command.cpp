@@ -26,7 +26,6 @@ constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 // The state's bytes.
 std::string hexadecimal(const std::vector<std::int16_t>& state) {
   std::ostringstream text;
-  text.exceptions(std::ios::badbit);
   text << std::hex << std::setfill('0');
   for (const std::byte byte : std::as_bytes(std::span(state))) {
     text << std::setw(2) << std::to_integer<int>(byte);
@@ -126,9 +125,9 @@ void print_report(std::ostream& out, const Report& report) {
       << "files  " << report.directory << "\n";
 }
 
+// A null value must not become an object by operator[]: its destructor would fail if memory is refused then.
 void print_json(std::ostream& out, const Report& report) {
-  nlohmann::ordered_json json;
-  json["model"] = report.model;
+  nlohmann::ordered_json json = {{"model", report.model}};
   json["submodels"] = report.submodels;
   json["joins"] = report.joins;
   json["graph"] = {{"nodes", report.nodes}, {"edges", report.edges}, {"colours", report.colours}};
@@ -143,7 +142,8 @@ void print_json(std::ostream& out, const Report& report) {
   json["is_sound"] = report.unsound_reason.empty();
   json["unsound_reason"] = report.unsound_reason;
   if (!report.refused.empty()) json["refused"] = report.refused;
-  for (const DetectionPhase& phase : report.phases) json["seconds"][phase.name] = phase.seconds;
+  nlohmann::ordered_json& seconds = json["seconds"] = nlohmann::ordered_json::object();
+  for (const DetectionPhase& phase : report.phases) seconds[phase.name] = phase.seconds;
   json["peak_memory_bytes"] = report.peak_bytes;
   json["directory"] = report.directory;
   out << json.dump(2) << "\n";

@@ -204,13 +204,14 @@ int ExploreRun::explore_range(const ParameterRange& range) {
   int code = kOk;
   GrowthPlot plot{options_.input.stem(), range.name, {}};
   nlohmann::ordered_json json = {{"model", options_.input.model}, {"parameter", range.name}};
+  nlohmann::ordered_json points = nlohmann::ordered_json::array();
   std::optional<RangeTable> table;
   if (!options_.json) table.emplace(streams_.out, range.name, width_of(range), options_.symmetries());
   for (std::size_t i = 0; i < range.count && !symmetries.empty() && streams_.out; ++i) {
     const std::vector<ExplorationResult> results = explore_model(options_.input.at(i), symmetries);
     if (options_.json) {
-      json["points"].push_back({{range.name, json_number(range, i)}});
-      json["points"].back().update(results_json(results));
+      points.push_back({{range.name, json_number(range, i)}});
+      points.back().update(results_json(results));
     } else {
       table->print_row(range.text(i), results);
     }
@@ -221,10 +222,12 @@ int ExploreRun::explore_range(const ParameterRange& range) {
       if (!result.is_complete()) std::erase(symmetries, result.symmetry);
     }
   }
+  if (!streams_.out) return code;  // cut short: whoever runs the command says why
   if (!options_.plot.empty()) {
     write_growth_plot(plot, options_.plot);
     files_.push_back(options_.plot);
   }
+  json["points"] = std::move(points);
   json["files"] = files_;
   if (options_.json) {
     streams_.out << json.dump(2) << "\n";

@@ -37,7 +37,6 @@ std::string counted(std::size_t count, const std::string& noun) {
 
 std::string fixed(double number, int digits) {
   std::ostringstream text;
-  text.exceptions(std::ios::badbit);
   text << std::fixed << std::setprecision(digits) << number;
   return text.str();
 }

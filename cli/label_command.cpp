@@ -1,9 +1,11 @@
 #include "cli/commands.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <optional>
 #include <stdexcept>
@@ -227,7 +229,9 @@ int run_label(const LabelOptions& options, const Streams& streams) {
   LabelRun run(options, streams, is_standard_input ? "standard input" : options.states);
   std::ifstream file;
   if (!is_standard_input) {
+    errno = 0;
     file.open(options.states, std::ios::binary);
+    if (!file && errno == ENOMEM) throw std::bad_alloc();
     if (!file || (file.peek() == std::ifstream::traits_type::eof() && !file.eof())) {
       streams.err << options.states << ": error: cannot be read\n";
       return kBadFile;

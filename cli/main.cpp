@@ -36,8 +36,8 @@ void end_for_memory_or_abort() {
   std::abort();
 }
 
-// Runs before the initialisers of static objects, in which nobody could catch a failed allocation. main takes
-// the handler away: from then on a failed allocation throws.
+// Runs before the initialisers of static objects, in which nobody could catch a failed allocation. While a
+// command runs, a failed allocation throws.
 __attribute__((constructor(101))) void expect_failed_allocations() {
   std::set_new_handler(end_for_memory);
   std::set_terminate(end_for_memory_or_abort);
@@ -47,7 +47,6 @@ __attribute__((constructor(101))) void expect_failed_allocations() {
 
 int main(int argc, char** argv) {
   if (!symfold::occupy_standard_descriptors()) return symfold::kBadFile;
-  std::set_new_handler(nullptr);
   symfold::DescriptorOutput output(STDOUT_FILENO);
   symfold::DescriptorInput input(STDIN_FILENO, output);
   symfold::DescriptorOutput messages(STDERR_FILENO);

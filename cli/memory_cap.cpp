@@ -1,6 +1,7 @@
 #include "cli/memory_cap.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "cli/figures.h"
 
@@ -24,6 +25,13 @@ constexpr bool kIsHeld = true;
 // For the stack, and for pages of the program that have not been used yet.
 constexpr std::size_t kReserve = std::size_t{1} << 20;
 
+std::atomic<bool> g_is_refused{false};
+
+void note_refusal() {
+  g_is_refused = true;
+  throw std::bad_alloc();
+}
+
 }  // namespace
 
 MemoryCap::MemoryCap(std::size_t bytes) : bytes_(bytes) {
@@ -41,5 +49,11 @@ MemoryCap::~MemoryCap() {
 std::size_t MemoryCap::bytes_left() const {
   return bytes_ == kNone ? kNone : bytes_ - std::min(bytes_, current_memory() + kReserve);
 }
+
+RefusalWatch::RefusalWatch() : before_(std::set_new_handler(note_refusal)) { g_is_refused = false; }
+
+RefusalWatch::~RefusalWatch() { std::set_new_handler(before_); }
+
+bool RefusalWatch::has_seen_refusal() const { return g_is_refused; }
 
 }  // namespace symfold

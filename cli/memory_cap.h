@@ -1,4 +1,4 @@
-// Holds the process to a number of bytes, whatever it does.
+// How a command deals with memory that it does not get.
 //
 // What a command allocates is private writable memory, which the system bounds (RLIMIT_DATA, setrlimit(2)):
 // an allocation beyond it throws std::bad_alloc. The other memory of a process is its stack and the pages of
@@ -11,11 +11,13 @@
 
 #include <cstddef>
 #include <limits>
+#include <new>
 
 namespace symfold {
 
-// Acts while it lives; one object at a time. In a program built with the address sanitizer it does nothing,
-// since the sanitizer ends a process that is refused memory.
+// Holds the process to a number of bytes while it lives, whatever it does; one object at a time. In a program
+// built with the address sanitizer it does nothing, since the sanitizer ends a process that is refused
+// memory.
 class MemoryCap {
  public:
   static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
@@ -32,6 +34,22 @@ class MemoryCap {
  private:
   std::size_t bytes_;
   rlimit before_{};
+};
+
+// Notes while it lives whether an allocation was refused; one object at a time. Formatted output and input
+// swallow std::bad_alloc and set a stream's badbit instead, so what they have made may be cut without anyone
+// being told.
+class RefusalWatch {
+ public:
+  RefusalWatch();
+  ~RefusalWatch();
+  RefusalWatch(const RefusalWatch&) = delete;
+  RefusalWatch& operator=(const RefusalWatch&) = delete;
+
+  bool has_seen_refusal() const;
+
+ private:
+  std::new_handler before_;
 };
 
 }  // namespace symfold

@@ -17,7 +17,6 @@ namespace {
 
 std::string cycles(const Permutation& permutation) {
   std::ostringstream text;
-  text.exceptions(std::ios::badbit);
   text << permutation;
   return text.str();
 }
@@ -27,8 +26,7 @@ int state_bytes(const LabellingTables& tables) {
 }
 
 nlohmann::ordered_json as_json(const LabellingTables& tables) {
-  nlohmann::ordered_json result;
-  result["state_bytes"] = state_bytes(tables);
+  nlohmann::ordered_json result = {{"state_bytes", state_bytes(tables)}};
   result["partitions"] = nlohmann::ordered_json::array();
   for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
     result["partitions"].push_back({{"offset", tables.offsets[i]}, {"bytes", tables.sizes[i]}});

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <ios>
 #include <locale>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -158,6 +159,7 @@ std::string read_perm_file(const std::string& name, PermTable& table) {
   std::ifstream in;
   in.imbue(std::locale::classic());
   in.open(name);
+  if (!in && errno == ENOMEM) throw std::bad_alloc();
   if (in && in.peek() != std::ifstream::traits_type::eof()) return read_perm_table(in, name, table);
   return name + ": error: cannot be read: " + (errno == 0 ? "empty file" : std::strerror(errno));
 }

@@ -44,7 +44,8 @@ Explorer::Explorer(const ComposedModel& model, const std::vector<std::string>& o
       words_(packing_.word_count()),
       values_(layout_.slot_count()),
       local_(model.submodels.size()),
-      batch_size_(std::max<std::size_t>(kBatchBytes / (8 * packing_.word_count()), 1)),
+      batch_words_(packing_.word_count() *
+                   std::max<std::size_t>(kBatchBytes / (8 * packing_.word_count()), 1)),
       image_(layout_.slot_count()),
       witness_(model.cell_count()) {
   row_.reserve(kFirstRow);
@@ -116,7 +117,8 @@ std::uint64_t* Explorer::new_successor_words() {
 }
 
 void Explorer::add_successor(double rate, std::span<const Write> writes, const std::uint32_t* slots) {
-  if (successors_.size() == batch_size_ && !insert_full_batch()) return;
+  if (successor_words_.size() == batch_words_ && !insert_full_batch()) [[unlikely]]
+    return;
   std::uint64_t* const words = new_successor_words();
   std::copy(words_.begin(), words_.end(), words);
   for (const Write& write : writes) packing_.set(words, slots[write.variable], write.value);
@@ -152,18 +154,15 @@ bool Explorer::insert_successors() {
         store_.insert(successor_words_.data() + i * packing_.word_count(), successors_[i].hash);
     if (outcome == StateStore::Outcome::kTooManyStates) return stop(Ending::kStateLimit);
     if (outcome == StateStore::Outcome::kOutOfMemory) return stop(Ending::kMemoryLimit);
-    if (!add_to_row(id, successors_[i])) return false;
+    if (row_.size() == row_.capacity() && !grow_row()) [[unlikely]]
+      return false;
+    row_.push_back({id, successor_count_ + static_cast<std::uint32_t>(i), successors_[i].rate});
+    if (id == source_) [[unlikely]] {
+      has_self_loop_ = true;
+      has_folded_self_loop_ |= successors_[i].is_changed;
+    }
   }
-  return true;
-}
-
-bool Explorer::add_to_row(StateId target, const Successor& successor) {
-  if (row_.size() == row_.capacity() && !grow_row()) return false;
-  if (target == source_) {
-    has_self_loop_ = true;
-    has_folded_self_loop_ |= successor.is_changed;
-  }
-  row_.push_back({target, successor_count_++, successor.rate});
+  successor_count_ += static_cast<std::uint32_t>(successors_.size());
   return true;
 }
 

@@ -64,7 +64,6 @@ class Explorer {
   std::uint64_t* new_successor_words();
   bool insert_full_batch();
   bool insert_successors();
-  bool add_to_row(StateId target, const Successor& successor);
   bool grow_row();
   void merge_row();
   bool make_room();
@@ -103,7 +102,7 @@ class Explorer {
   // A batch of its successors, packed one after the other.
   std::vector<Successor> successors_;
   std::vector<std::uint64_t> successor_words_;
-  std::size_t batch_size_;  // successors
+  std::size_t batch_words_;  // of a full batch
   std::vector<std::int16_t> image_;
   // What all its batches have come to: its row of the matrix, and what is counted.
   std::vector<Entry> row_;

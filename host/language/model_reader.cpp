@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <istream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -99,7 +101,9 @@ ComposedModel read_model(std::istream& in, const std::string& name,
 }
 
 ComposedModel read_model(const std::string& path, const std::vector<ConstOverride>& overrides) {
+  errno = 0;
   std::ifstream in(path, std::ios::binary);
+  if (!in && errno == ENOMEM) throw std::bad_alloc();
   if (!in) throw UnreadableModelError(path, "cannot be opened for reading");
   return read_model(in, path, overrides);
 }

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -41,14 +42,18 @@ class Descriptor {
 // The program's end of the pipe becomes its standard output. Returns -1 if the program is not installed.
 pid_t start_dot(const Descriptor& input, const Descriptor& output) {
   posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, input.number(), STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, output.number(), STDOUT_FILENO);
+  if (posix_spawn_file_actions_init(&actions) != 0) throw std::bad_alloc();
+  if (posix_spawn_file_actions_adddup2(&actions, input.number(), STDIN_FILENO) != 0 ||
+      posix_spawn_file_actions_adddup2(&actions, output.number(), STDOUT_FILENO) != 0) {
+    posix_spawn_file_actions_destroy(&actions);
+    throw std::bad_alloc();
+  }
   std::array<std::string, 3> words = {"dot", "-q", "-Tsvg"};
   std::array<char*, 4> arguments = {words[0].data(), words[1].data(), words[2].data(), nullptr};
   pid_t process = -1;
   const int error = posix_spawnp(&process, words[0].c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
+  if (error == ENOMEM) throw std::bad_alloc();
   return error == 0 ? process : -1;
 }
 

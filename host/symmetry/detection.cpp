@@ -36,6 +36,7 @@ void Detection::timed(const char* name, Step step) {
 Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log, std::ostream* refusals)
     : records_(model), detector_(records_.wrapper()) {
   std::ostringstream refused;
+  refused.exceptions(std::ios::badbit);  // a failed allocation would cut what it is given
   detector_.SetRefusals(&refused);
   detector_.SetDiagnostics(files != nullptr && keeps_log ? &files->open_log() : nullptr);
   try {
@@ -52,6 +53,7 @@ Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps
 
 void Detection::detect(const ComposedModel& model, RunDirectory* files, const std::ostringstream& refused) {
   std::stringstream types;
+  types.exceptions(std::ios::badbit);
   write_types(model, types);
   timed("graph and group", [&] { detector_.FindMCG(types); });
   if (!detector_.HasWholeGroup) {

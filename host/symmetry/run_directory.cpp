@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -153,8 +154,12 @@ RunDirectory::RunDirectory(std::string directory) : directory_(std::move(directo
 
 RunDirectory::~RunDirectory() {
   log_.reset();
-  std::error_code error;
-  fs::remove_all(own_place_, error);
+  try {
+    std::error_code error;
+    fs::remove_all(own_place_, error);
+  } catch (const std::bad_alloc&) {
+    return;  // the next run in the directory removes it
+  }
 }
 
 std::unique_ptr<RunDirectory::File> RunDirectory::make_file(const std::string& name,
