@@ -33,8 +33,10 @@ class Renaming {
   void conjugate(Permutation& permutation, std::ostream& diagnostics) {
     const int n = static_cast<int>(image_.size());
     std::iota(scratch_.begin(), scratch_.end(), 0);
+    const bool has_all = n > 0 && permutation[n - 1] >= 0;  // then the images can be read in place
+    const int* const images = permutation.GetP();
     for (int i = 0; i < n; ++i) {
-      const int image = permutation[i];
+      const int image = has_all ? images[i] : permutation[i];
       if (image >= n) diagnostics << "p_it too big: " << image << std::endl;
       const int source = (*this)(i);
       const int target = (*this)(image);

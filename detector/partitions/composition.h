@@ -5,14 +5,46 @@
 #define SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
 
 #include <compare>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "components/model_comp_graph.h"
 #include "components/permutation.h"
 
 namespace symfold::detail {
+
+// A list of items for each of the numbers 0, 1, ..., all in one piece.
+template <class T>
+class Lists {
+ public:
+  Lists() = default;
+  // Each item goes to the list of its number, which is below `count`, behind those before it.
+  Lists(std::size_t count, const std::vector<std::pair<int, T>>& numbered);
+
+  std::span<T> operator[](int i) { return std::span(items_).subspan(first(i), first(i + 1) - first(i)); }
+  std::span<const T> operator[](int i) const {
+    return std::span(items_).subspan(first(i), first(i + 1) - first(i));
+  }
+
+ private:
+  std::size_t first(int i) const { return first_[static_cast<std::size_t>(i)]; }
+
+  std::vector<std::size_t> first_;
+  std::vector<T> items_;
+};
+
+template <class T>
+Lists<T>::Lists(std::size_t count, const std::vector<std::pair<int, T>>& numbered)
+    : first_(count + 1, 0), items_(numbered.size()) {
+  for (const auto& [number, item] : numbered) ++first_[static_cast<std::size_t>(number) + 1];
+  for (std::size_t i = 0; i < count; ++i) first_[i + 1] += first_[i];
+  std::vector<std::size_t> end(first_.begin(), first_.end() - 1);
+  for (const auto& [number, item] : numbered) items_[end[static_cast<std::size_t>(number)]++] = item;
+}
 
 // A shared variable of a join stands for a variable of a submodel.
 struct Binding {
@@ -27,15 +59,14 @@ struct Composition {
   struct Partition {
     std::string_view name;
     bool is_join;
-    std::vector<int> nodes;         // that of the submodel, or those of the join's variables, in order
-    std::vector<Binding> bindings;  // of a submodel
-    std::vector<int> submodels;     // bound by a join, one for each binding: partitions
   };
 
-  std::vector<int> types;                    // by node: equal numbers stand for equal texts
-  std::vector<int> partition_of;             // by node; -1 for a submodel's variable
-  std::vector<std::vector<int>> neighbours;  // by node; of a submodel's variable alone
+  std::vector<int> types;         // by node: equal numbers stand for equal texts
+  std::vector<int> partition_of;  // by node; -1 for a submodel's variable
   std::vector<Partition> partitions;
+  Lists<int> nodes;       // by partition: that of the submodel, or those of the join's variables, in order
+  Lists<int> neighbours;  // by node; of a submodel's variable alone
+  std::vector<std::pair<int, Binding>> bindings;  // with the submodel's partition
 };
 
 // Reads the graph, whose names must outlive the composition. Returns an empty text, or in names why the graph

@@ -6,7 +6,7 @@
 // are all their products: the group that they generate is sound. It may lack sound symmetries, products of
 // generators that are not sound by themselves, so it is not called the whole group.
 
-#include <utility>
+#include <algorithm>
 
 #include "detector/graph/graph_names.h"
 #include "detector/partitions/composition.h"
@@ -21,6 +21,8 @@ constexpr std::size_t kToldCycles = 6;  // of a generator
 }  // namespace
 
 void SymmetryDetection::KeepSoundGenerators() {
+  const auto is_identity = [](const Permutation& generator) { return generator.IsIdentity(); };
+  if (std::ranges::all_of(OrigPermutations, is_identity)) return;
   detail::Composition composition;
   if (!detail::read_composition(GraphNodes, GraphEdges, composition).empty()) return;
   const auto name_of = [](const ModelCompGraphNode& node) { return node.Name; };

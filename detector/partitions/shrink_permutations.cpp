@@ -63,8 +63,10 @@ class Shrinker {
   // Replaces a permutation of the nodes by the induced one and prints it. Returns false if there is none.
   bool shrink(Permutation& permutation) {
     kept_.clear();
+    if (!map_.empty() && !has(permutation[static_cast<int>(map_.size()) - 1])) return false;
+    const int* const images = permutation.GetP();  // of all real nodes, because the last one has an image
     for (std::size_t node = 0; node < map_.size(); ++node) {
-      const int image = permutation[static_cast<int>(node)];
+      const int image = images[node];
       if (!has(image)) return false;
       if ((*this)[image] != -1) kept_.push_back((*this)[image]);
     }

@@ -14,6 +14,8 @@
 // equal size, so that labels are at least rearrangements of their states.
 
 #include <algorithm>
+#include <cstdint>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -35,7 +37,11 @@ std::string bytes_text(int bytes) { return " (" + std::to_string(bytes) + " byte
 class PermutationCheck {
  public:
   PermutationCheck(const std::vector<int>& sizes, const std::vector<std::string>& order)
-      : sizes_(sizes), order_(order), has_names_(order.size() == sizes.size()) {}
+      : sizes_(sizes),
+        order_(order),
+        has_names_(order.size() == sizes.size()),
+        seen_at_(sizes.size(), 0),
+        moved_(sizes.size()) {}
 
   // Takes the places of the composition's partitions.
   void set_composition(const Composition& composition, const std::vector<int>& places);
@@ -48,36 +54,48 @@ class PermutationCheck {
   std::string find_binding_fault(const Permutation& permutation);
 
  private:
-  struct Part {
-    int kind;                       // equal for submodels of one type, and for joins of as many variables
-    std::vector<Binding> bindings;  // of a submodel, ascending
-    std::vector<int> submodels;     // of a join
-  };
-
-  bool carries_bindings(const Permutation& permutation, const Part& from, const Part& to);
+  bool is_submodel(int partition) const { return kinds_[index(partition)] >= 0; }
+  void touch(int submodel);
+  void touch_all();
+  void touch_neighbours();
+  bool carries_bindings(const int* images, int from, int to);
 
   const std::vector<int>& sizes_;
   const std::vector<std::string>& order_;
   bool has_names_;
-  std::vector<Part> parts_;
-  std::vector<int> moved_;            // by the latest permutation
-  std::vector<std::size_t> seen_at_;  // by partition: the latest round in which it was met
-  std::size_t round_ = 0;
+  std::vector<int> kinds_;              // equal for submodels of one type, and for joins of as many variables
+  detail::Lists<Binding> bindings_;     // of submodels, ascending
+  detail::Lists<int> bound_submodels_;  // of joins
+  std::vector<std::uint32_t> seen_at_;  // by partition: the latest round in which it was met
+  std::uint32_t round_ = 0;
+  std::vector<int> moved_;  // by the latest permutation: the first moved_count_
+  std::size_t moved_count_ = 0;
   std::vector<int> touched_;
   std::vector<Binding> images_;
 };
 
 void PermutationCheck::set_composition(const Composition& composition, const std::vector<int>& places) {
-  parts_.resize(composition.partitions.size());
-  for (std::size_t i = 0; i < composition.partitions.size(); ++i) {
-    const Composition::Partition& partition = composition.partitions[i];
-    Part& part = parts_[index(places[i])];
-    part.kind = partition.is_join ? -static_cast<int>(partition.nodes.size())
-                                  : composition.types[index(partition.nodes[0])];
-    for (const Binding& b : partition.bindings)
-      part.bindings.push_back({b.type, b.number, places[index(b.join)]});
-    std::sort(part.bindings.begin(), part.bindings.end());
-    for (const int submodel : partition.submodels) part.submodels.push_back(places[index(submodel)]);
+  const std::size_t count = places.size();
+  kinds_.resize(count);
+  for (int i = 0; index(i) < count; ++i) {
+    const std::span<const int> nodes = composition.nodes[i];
+    kinds_[index(places[index(i)])] = composition.partitions[index(i)].is_join
+                                          ? -static_cast<int>(nodes.size())
+                                          : composition.types[index(nodes[0])];
+  }
+  std::vector<std::pair<int, Binding>> bindings;
+  std::vector<std::pair<int, int>> bound_submodels;
+  for (const auto& [submodel, binding] : composition.bindings) {
+    const int place = places[index(submodel)];
+    const int join = places[index(binding.join)];
+    bindings.push_back({place, {binding.type, binding.number, join}});
+    bound_submodels.emplace_back(join, place);
+  }
+  bindings_ = {count, bindings};
+  bound_submodels_ = {count, bound_submodels};
+  for (int i = 0; index(i) < count; ++i) {
+    const std::span<Binding> list = bindings_[i];
+    std::sort(list.begin(), list.end());
   }
 }
 
@@ -89,66 +107,82 @@ std::string PermutationCheck::name_of(int partition) const {
 std::string PermutationCheck::find_size_fault(const Permutation& permutation) {
   const int n = static_cast<int>(sizes_.size());
   const auto no_permutation = [n] { return "is no permutation of the " + std::to_string(n) + " partitions"; };
-  if (permutation.GetN() != n) return no_permutation();
-  moved_.clear();
-  seen_at_.resize(sizes_.size(), 0);
+  if (permutation.GetN() != n || (n > 0 && permutation[n - 1] < 0)) return no_permutation();
+  const int* const images = permutation.GetP();
+  moved_count_ = 0;
   ++round_;
-  std::string fault;
+  int misfit = -1;
   for (int c = 0; c < n; ++c) {
-    const int d = permutation[c];
+    const int d = images[c];
     if (d < 0 || d >= n || seen_at_[index(d)] == round_) return no_permutation();
     seen_at_[index(d)] = round_;
-    if (d == c) continue;
-    moved_.push_back(c);
-    const int from = sizes_[index(c)];
-    const int to = sizes_[index(d)];
-    if (from == to || !fault.empty()) continue;
-    fault = "moves " + name_of(c) + bytes_text(from) + " to " + name_of(d) + bytes_text(to);
+    moved_[moved_count_] = c;
+    moved_count_ += d == c ? 0 : 1;
+    if (sizes_[index(c)] != sizes_[index(d)] && misfit < 0) misfit = c;
   }
-  return fault;
+  if (misfit < 0) return "";
+  const int image = images[misfit];
+  return "moves " + name_of(misfit) + bytes_text(sizes_[index(misfit)]) + " to " + name_of(image) +
+         bytes_text(sizes_[index(image)]);
 }
 
-// The submodels whose bindings may change are those that are moved, and those that a moved join binds. All
-// others and their joins stay. The permutation is a bijection, so if each submodel's bindings become those of
-// its image, all bindings together become all bindings.
+// The permutation is a bijection, so if each submodel's bindings become those of its image, all bindings
+// together become all bindings.
 std::string PermutationCheck::find_binding_fault(const Permutation& permutation) {
-  if (parts_.empty()) return "";
-  ++round_;
+  if (kinds_.empty()) return "";
+  const int* const images = permutation.GetP();
+  const std::span moved(moved_.data(), moved_count_);
+  for (const int c : moved) {
+    if (kinds_[index(c)] == kinds_[index(images[c])]) continue;
+    return "carries " + name_of(c) + " to " + name_of(images[c]) + ", which has another type";
+  }
   touched_.clear();
-  const auto touch = [&](int submodel) {
-    if (std::exchange(seen_at_[index(submodel)], round_) != round_) touched_.push_back(submodel);
-  };
-  for (const int c : moved_) {
-    const Part& part = parts_[index(c)];
-    if (part.kind != parts_[index(permutation[c])].kind) {
-      return "carries " + name_of(c) + " to " + name_of(permutation[c]) + ", which has another type";
-    }
-    if (part.kind >= 0) touch(c);
-    for (const int submodel : part.submodels) touch(submodel);
+  if (moved_count_ > kinds_.size() / 2) {
+    touch_all();
+  } else {
+    touch_neighbours();
   }
   for (const int submodel : touched_) {
-    const int image = permutation[submodel];
-    if (carries_bindings(permutation, parts_[index(submodel)], parts_[index(image)])) continue;
+    const int image = images[submodel];
+    if (carries_bindings(images, submodel, image)) continue;
     return "does not carry the joins of " + name_of(submodel) + " onto those of " + name_of(image);
   }
   return "";
 }
 
+void PermutationCheck::touch_all() {
+  for (int c = 0; index(c) < kinds_.size(); ++c) {
+    if (is_submodel(c)) touched_.push_back(c);
+  }
+}
+
+// The submodels whose bindings may change are those that are moved, and those that a moved join binds. All
+// others and their joins stay.
+void PermutationCheck::touch_neighbours() {
+  ++round_;
+  for (std::size_t i = 0; i < moved_count_; ++i) {
+    if (is_submodel(moved_[i])) touch(moved_[i]);
+    for (const int submodel : std::as_const(bound_submodels_)[moved_[i]]) touch(submodel);
+  }
+}
+
+void PermutationCheck::touch(int submodel) {
+  if (std::exchange(seen_at_[index(submodel)], round_) != round_) touched_.push_back(submodel);
+}
+
 // Bindings come by the submodel's variable. If each is bound once, those of two submodels of one type stand
 // in one order.
-bool PermutationCheck::carries_bindings(const Permutation& permutation, const Part& from, const Part& to) {
-  const auto is_carried = [&](const Binding& binding, const Binding& image) {
-    return binding.type == image.type && binding.number == image.number &&
-           permutation[binding.join] == image.join;
+bool PermutationCheck::carries_bindings(const int* images, int from, int to) {
+  const std::span<const Binding> bindings = std::as_const(bindings_)[from];
+  const std::span<const Binding> expected = std::as_const(bindings_)[to];
+  const auto is_carried = [images](const Binding& binding, const Binding& image) {
+    return binding.type == image.type && binding.number == image.number && images[binding.join] == image.join;
   };
-  if (std::equal(from.bindings.begin(), from.bindings.end(), to.bindings.begin(), to.bindings.end(),
-                 is_carried)) {
-    return true;
-  }
-  images_ = from.bindings;
-  for (Binding& binding : images_) binding.join = permutation[binding.join];
+  if (std::equal(bindings.begin(), bindings.end(), expected.begin(), expected.end(), is_carried)) return true;
+  images_.assign(bindings.begin(), bindings.end());
+  for (Binding& binding : images_) binding.join = images[binding.join];
   std::sort(images_.begin(), images_.end());
-  return images_ == to.bindings;
+  return std::equal(images_.begin(), images_.end(), expected.begin(), expected.end());
 }
 
 // Finds the place in the state vector of each partition of the composition. Returns why there is none: the
@@ -177,7 +211,7 @@ std::string find_places(const SymmetryDetection& detector, const Composition& co
   }
   for (std::size_t i = 0; i < count; ++i) {
     long long bytes = 0;
-    for (const int node : composition.partitions[i].nodes)
+    for (const int node : composition.nodes[static_cast<int>(i)])
       bytes += detector.GraphNodes[index(node)].StateSize;
     if (const int got = detector.PartitionInfo[index(places[i])]; got != bytes) {
       return std::string(composition.partitions[i].name) + " has " + std::to_string(got) +
