@@ -1,7 +1,8 @@
 #include "detector/partitions/composition.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <bit>
+#include <functional>
 
 namespace symfold::detail {
 namespace {
@@ -11,36 +12,45 @@ constexpr std::string_view kJoinType = "join";
 
 std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
-// Numbers texts, which must outlive it, in the order in which they come. Neighbouring nodes and edges often
-// have the same text, so the latest one is kept at hand.
+// Keeps a number for each of at most `capacity` texts, which must outlive it. Neighbouring nodes and edges
+// often have the same text, so the latest one is kept at hand. Open addressing: no text costs an allocation.
 class Numbering {
  public:
-  explicit Numbering(std::size_t size) { numbers_.reserve(size); }
+  explicit Numbering(std::size_t capacity) : slots_(std::bit_ceil(2 * capacity + 1)) {}
 
-  // The number of the text, and whether it is new.
+  // Returns the number of the text, which is `number` if the text is new, and whether it is.
   std::pair<int, bool> add(std::string_view text, int number) {
-    if (number_ >= 0 && text == latest_) return {number_, false};
-    const auto [found, is_new] = numbers_.try_emplace(text, number);
-    latest_ = text;
-    number_ = found->second;
-    return {number_, is_new};
+    Slot& slot = slot_of(text);
+    const bool is_new = slot.number < 0;
+    if (is_new) {
+      slot = {text, number};
+      ++size_;
+    }
+    return {slot.number, is_new};
   }
 
   // Returns -1 for a text that is not there.
-  int find(std::string_view text) {
-    if (number_ >= 0 && text == latest_) return number_;
-    const auto found = numbers_.find(text);
-    if (found == numbers_.end()) return -1;
-    latest_ = text;
-    return number_ = found->second;
-  }
+  int find(std::string_view text) { return slot_of(text).number; }
 
-  int size() const { return static_cast<int>(numbers_.size()); }
+  int size() const { return size_; }
 
  private:
-  std::unordered_map<std::string_view, int> numbers_;
-  std::string_view latest_;
-  int number_ = -1;  // of the latest
+  struct Slot {
+    std::string_view text;
+    int number = -1;  // of no text
+  };
+
+  Slot& slot_of(std::string_view text) {
+    if (slots_[latest_].number >= 0 && slots_[latest_].text == text) return slots_[latest_];
+    const std::size_t mask = slots_.size() - 1;
+    latest_ = std::hash<std::string_view>()(text) & mask;
+    while (slots_[latest_].number >= 0 && slots_[latest_].text != text) latest_ = (latest_ + 1) & mask;
+    return slots_[latest_];
+  }
+
+  std::vector<Slot> slots_;
+  std::size_t latest_ = 0;
+  int size_ = 0;
 };
 
 // Each operation returns the first fault that it meets.

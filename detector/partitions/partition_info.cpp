@@ -1,8 +1,8 @@
 // The partition table: byte size and offset of every partition of the state vector, in graph-node order.
 
 #include <algorithm>
-#include <map>
 #include <ostream>
+#include <unordered_map>
 
 #include "detector/graph/graph_names.h"
 #include "detector/partitions/byte_sizes.h"
@@ -14,7 +14,7 @@ namespace {
 // Entry i: the bytes of node i and of all later nodes of the same join. Grouping is by the exact join name,
 // so that the nodes of a join J12 are not taken for nodes of J1.
 std::vector<int> bytes_from_here_on(const std::vector<ModelCompGraphNode>& nodes) {
-  std::map<std::string_view, int> join_bytes;
+  std::unordered_map<std::string_view, int> join_bytes;
   std::vector<int> bytes(nodes.size(), 0);
   for (std::size_t i = nodes.size(); i-- > 0;) {
     if (!detail::has_arrow(nodes[i].Name)) continue;

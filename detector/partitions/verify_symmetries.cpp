@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -185,21 +186,38 @@ bool PermutationCheck::carries_bindings(const int* images, int from, int to) {
   return std::equal(images_.begin(), images_.end(), expected.begin(), expected.end());
 }
 
-// Finds the place in the state vector of each partition of the composition. Returns why there is none: the
-// layout must name all of them, each once, and have their sizes without gaps.
-std::string find_places(const SymmetryDetection& detector, const Composition& composition,
+// Finds the place in the state vector of each partition. Returns why there is none: SSOrder must name all of
+// them, each once.
+std::string find_places(const std::vector<std::string>& order, const Composition& composition,
                         std::vector<int>& places) {
+  places.resize(composition.partitions.size());
+  std::iota(places.begin(), places.end(), 0);
+  const auto has_name = [](const std::string& name, const Composition::Partition& partition) {
+    return name == partition.name;
+  };
+  if (std::equal(order.begin(), order.end(), composition.partitions.begin(), composition.partitions.end(),
+                 has_name)) {
+    return "";
+  }
   std::unordered_map<std::string_view, int> place_of;
-  for (const std::string& name : detector.SSOrder) {
+  for (const std::string& name : order) {
     if (!place_of.try_emplace(name, static_cast<int>(place_of.size())).second) {
       return "SSOrder names " + name + " twice";
     }
   }
-  for (const Composition::Partition& partition : composition.partitions) {
-    const auto found = place_of.find(partition.name);
-    if (found == place_of.end()) return "SSOrder does not name " + std::string(partition.name);
-    places.push_back(found->second);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const auto found = place_of.find(composition.partitions[i].name);
+    if (found == place_of.end())
+      return "SSOrder does not name " + std::string(composition.partitions[i].name);
+    places[i] = found->second;
   }
+  return "";
+}
+
+// Says why the layout is not that of the composition: as many partitions, with the bytes of their nodes, and
+// without gaps.
+std::string find_layout_fault(const SymmetryDetection& detector, const Composition& composition,
+                              const std::vector<int>& places) {
   const std::size_t count = places.size();
   if (detector.SSOrder.size() != count || detector.GNOrder.size() != count ||
       detector.PartitionInfo.size() != count || detector.CumPartitionInfo.size() != count) {
@@ -209,12 +227,11 @@ std::string find_places(const SymmetryDetection& detector, const Composition& co
            std::to_string(detector.PartitionInfo.size()) + " in PartitionInfo and " +
            std::to_string(detector.CumPartitionInfo.size()) + " in CumPartitionInfo";
   }
-  for (std::size_t i = 0; i < count; ++i) {
+  for (int i = 0; index(i) < count; ++i) {
     long long bytes = 0;
-    for (const int node : composition.nodes[static_cast<int>(i)])
-      bytes += detector.GraphNodes[index(node)].StateSize;
-    if (const int got = detector.PartitionInfo[index(places[i])]; got != bytes) {
-      return std::string(composition.partitions[i].name) + " has " + std::to_string(got) +
+    for (const int node : composition.nodes[i]) bytes += detector.GraphNodes[index(node)].StateSize;
+    if (const int got = detector.PartitionInfo[index(places[index(i)])]; got != bytes) {
+      return std::string(composition.partitions[index(i)].name) + " has " + std::to_string(got) +
              " bytes, expected " + std::to_string(bytes);
     }
   }
@@ -245,7 +262,8 @@ std::string find_fault(const SymmetryDetection& detector) {
   if (has_graph) {
     std::string fault = detail::read_composition(detector.GraphNodes, detector.GraphEdges, composition);
     std::vector<int> places;
-    if (fault.empty()) fault = find_places(detector, composition, places);
+    if (fault.empty()) fault = find_places(detector.SSOrder, composition, places);
+    if (fault.empty()) fault = find_layout_fault(detector, composition, places);
     if (!fault.empty()) return fault;
     check.set_composition(composition, places);
   }
