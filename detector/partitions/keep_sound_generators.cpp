@@ -7,16 +7,62 @@
 // generators that are not sound by themselves, so it is not called the whole group.
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "detector/graph/graph_names.h"
 #include "detector/partitions/composition.h"
 #include "detector/symmetry_detection.h"
+#include "engines/base/union_find.h"
 
 namespace symfold {
 namespace {
 
 constexpr std::size_t kToldNames = 6;   // of a cycle
 constexpr std::size_t kToldCycles = 6;  // of a generator
+
+// Returns the smallest point that the permutation moves.
+int first_moved(const Permutation& permutation) {
+  int point = 0;
+  while (point < permutation.GetN() && permutation[point] == point) ++point;
+  return point;
+}
+
+void unite_orbits(const Permutation& permutation, int n, detail::UnionFind& orbits) {
+  if (permutation.GetN() != n || !permutation.IsPermutation()) return;
+  for (int point = 0; point < n; ++point) orbits.unite(point, permutation[point]);
+}
+
+// Bounds the orbit lengths of the base of the group H that the sound generators generate, a subgroup of the
+// group G that `strong` and `base` belong to. What H does with a point b while it fixes all points below b, G
+// can do, too; and it stays in b's orbit under H. So b's orbit is no longer than what these two orbits share,
+// and points at which that is b alone are no base points of H. If the generators of H reach all these lengths
+// as they are, as they do if those left out move other points, they are strong, and Schreier-Sims has nothing
+// to prove. That takes seconds for 200 interchangeable submodels.
+std::vector<int> bound_orbit_lengths(const std::vector<Permutation>& strong, std::vector<int> base,
+                                     const std::vector<Permutation>& sound, int n) {
+  detail::UnionFind under_h(n);
+  for (const Permutation& generator : sound) unite_orbits(generator, n, under_h);
+  std::vector<std::pair<int, const Permutation*>> by_first;
+  for (const Permutation& generator : strong) by_first.emplace_back(first_moved(generator), &generator);
+  std::sort(by_first.begin(), by_first.end(), std::greater<>());
+  std::sort(base.begin(), base.end(), std::greater<>());
+  detail::UnionFind under_g(n);  // under those that fix all points below the base point
+  std::vector<int> lengths;
+  auto next = by_first.begin();
+  for (const int b : base) {
+    if (b < 0 || b >= n) continue;
+    for (; next != by_first.end() && next->first >= b; ++next) unite_orbits(*next->second, n, under_g);
+    int length = 0;
+    for (int point = 0; point < n; ++point) {
+      const bool is_shared = under_g.find(point) == under_g.find(b) && under_h.find(point) == under_h.find(b);
+      length += is_shared ? 1 : 0;
+    }
+    if (length > 1) lengths.push_back(length);
+  }
+  std::reverse(lengths.begin(), lengths.end());
+  return lengths;
+}
 
 }  // namespace
 
@@ -38,9 +84,9 @@ void SymmetryDetection::KeepSoundGenerators() {
   };
   if (std::erase_if(OrigPermutations, is_unsound) == 0) return;
   HasWholeGroup = false;
+  SGSOrbitLengths = bound_orbit_lengths(SGS, SGSBase, OrigPermutations, static_cast<int>(GraphNodes.size()));
   SGS.clear();
   SGSBase.clear();
-  SGSOrbitLengths.clear();
   Bases.clear();
   VPerms.clear();
   FindMCG_FindSS();

@@ -93,7 +93,7 @@ Composition random_composition(Random& random, int max_variables) {
 class Detected {
  public:
   Detected(const Composition& composition, Random& random)
-      : model_(joins_of(composition)), detector_(model_.wrapper()) {
+      : submodels_(composition.types.size()), model_(joins_of(composition)), detector_(model_.wrapper()) {
     detector_.SetRefusals(&refusals_);
     detector_.SetDiagnostics(nullptr);
     std::istringstream types(types_of(composition));
@@ -114,8 +114,7 @@ class Detected {
     detector_.AdjustPartitionInfo();
     detector_.TrimPermutations();
     for (const std::string& name : detector_.SSOrder) {
-      const std::size_t behind = name[0] == 'J' ? composition.types.size() : 0;
-      points_.push_back(static_cast<int>(behind + number_of(name)));
+      points_.push_back(static_cast<int>(number_of(name) + (name[0] == 'J' ? submodels_ : 0)));
     }
   }
 
@@ -139,9 +138,27 @@ class Detected {
     return permutations;
   }
 
+  // What the generators that were kept do to the submodels and joins.
+  std::vector<Images> kept() const {
+    const auto point_of = [&](int node) {
+      const std::string name = detector_.GraphNodes[index(node)].Name;
+      return static_cast<int>(number_of(name) + (name[0] == 'J' ? submodels_ : 0));
+    };
+    std::vector<Images> permutations;
+    for (const Permutation& generator : detector_.OrigPermutations) {
+      Images& images = permutations.emplace_back(points_.size());
+      for (int node = 0; node < generator.GetN(); ++node) {
+        if (!detector_.GraphNodes[index(node)].PrivateOrJoin) continue;
+        images[index(point_of(node))] = point_of(generator[node]);
+      }
+    }
+    return permutations;
+  }
+
  private:
   static std::size_t number_of(const std::string& name) { return std::stoul(name.substr(1)); }
 
+  std::size_t submodels_;
   TestModel model_;
   SymmetryDetection detector_;
   std::ostringstream refusals_;
@@ -195,6 +212,7 @@ TEST(Soundness, KeepsAllSymmetriesOfRandomCompositions) {
     const auto points = static_cast<int>(composition.types.size() + composition.variables.size());
     const oracle::Group group = oracle::closure(points, detected.stored());
     ASSERT_TRUE(std::includes(symmetries.begin(), symmetries.end(), group.begin(), group.end()));
+    ASSERT_EQ(group, oracle::closure(points, detected.kept()));
     ASSERT_EQ(detector.HasWholeGroup, detected.refusals().empty());
     if (detector.HasWholeGroup) {
       ASSERT_EQ(group, symmetries);
