@@ -1,5 +1,5 @@
-// Canonical labels of random states, by the detector and by the literal search of tests/oracles/, and exact
-// labels.
+// Canonical labels of random states, by the detector, by the greedy labeller and by the literal search of
+// tests/oracles/, and exact labels.
 
 #include <benchmark/benchmark.h>
 
@@ -7,6 +7,7 @@
 
 #include "bench/example_family.h"
 #include "detector/exact_labeller.h"
+#include "detector/greedy_labeller.h"
 #include "host/symmetry/detection.h"
 #include "tests/oracles/literal_labeller.h"
 
@@ -79,6 +80,15 @@ void detector_labels(benchmark::State& state, const Family& family, unsigned val
   state.counters["partitions"] = detector.num_partitions;
 }
 
+// What folding uses: the same labels, and no members of a detector to fill.
+void greedy_labels(benchmark::State& state, const Family& family, unsigned values) {
+  Workload workload(family, values);
+  const GreedyGroup group(workload.detector());
+  GreedyLabeller labeller(group);
+  std::string label(static_cast<std::size_t>(workload.detector().TotalStateSize), '\0');
+  for (auto _ : state) benchmark::DoNotOptimize(labeller.find(workload.next_state().data(), label.data()));
+}
+
 void literal_labels(benchmark::State& state, const Family& family, unsigned values) {
   Workload workload(family, values);
   SymmetryDetection& detector = workload.detector();
@@ -106,6 +116,7 @@ const bool kRegistered = [] {
       };
       add("detector/", detector_labels<false>);
       add("detector with permutation/", detector_labels<true>);
+      add("greedy/", greedy_labels);
       add("literal/", literal_labels);
       add("exact/", exact_labels);
     }

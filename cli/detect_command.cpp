@@ -4,6 +4,7 @@
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <locale>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <sstream>
@@ -26,6 +27,7 @@ constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 // The state's bytes.
 std::string hexadecimal(const std::vector<std::int16_t>& state) {
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text << std::hex << std::setfill('0');
   for (const std::byte byte : std::as_bytes(std::span(state))) {
     text << std::setw(2) << std::to_integer<int>(byte);

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 #include <iomanip>
+#include <locale>
 #include <map>
 #include <sstream>
 
@@ -21,6 +22,7 @@ struct MemoryPages {
 // The second and the third number of statm (proc(5)); 0 if there is no such file.
 MemoryPages memory_pages() {
   std::ifstream statm("/proc/self/statm");
+  statm.imbue(std::locale::classic());
   std::size_t total = 0;
   MemoryPages pages;
   statm >> total >> pages.resident >> pages.of_files;
@@ -37,6 +39,7 @@ std::string counted(std::size_t count, const std::string& noun) {
 
 std::string fixed(double number, int digits) {
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text << std::fixed << std::setprecision(digits) << number;
   return text.str();
 }

@@ -69,7 +69,7 @@ std::ostream& operator<<(std::ostream& out, const Permutation& permutation) {
 }
 
 std::ostream& operator<<(std::ostream& out, const ValPerms& record) {
-  out << "Value: " << record.Value;
+  out << "Value: " << std::to_string(record.Value);
   for (const Permutation& permutation : record.Perms) out << "  " << permutation;
   return out;
 }

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <numeric>
 #include <stdexcept>
+#include <utility>
 
+#include "detector/labelling/chosen_moves.h"
 #include "detector/labelling/move_plan.h"
 #include "detector/symmetry_detection.h"
 
@@ -33,11 +35,15 @@ GreedyGroup::GreedyGroup(const LabellingTables& tables) : partition_count_(table
   if (state_size > detail::MovePlan::kMaxStateBytes) {
     throw std::length_error("the states are too large for greedy labels");
   }
-  for (const LabellingTables::Base& base : tables.bases) records_.push_back(base.records);
+  std::vector<std::span<const ValPerms>> records;
+  for (const LabellingTables::Base& base : tables.bases) records.push_back(base.records);
   if (partition_count_ <= std::size_t{kMaxPartitions} && tables.offsets.size() >= partition_count_) {
-    plan_ = detail::MovePlan::make(records_, tables.sizes, tables.offsets, kMaxPlanBytes);
+    plan_ = detail::MovePlan::make(records, tables.sizes, tables.offsets, kMaxPlanBytes);
   }
-  if (plan_ != nullptr) return;
+  if (plan_ != nullptr) {
+    moves_ = std::make_unique<detail::ChosenMoves>(std::move(records), partition_count_);
+    return;
+  }
   if (is_sound(tables)) throw std::length_error("the symmetry group is too large for greedy labels");
   throw std::invalid_argument(
       "expected permutations between partitions of equal size that follow each other without gaps");
@@ -48,7 +54,9 @@ GreedyGroup::~GreedyGroup() = default;
 GreedyLabeller::GreedyLabeller(const GreedyGroup& group)
     : group_(group),
       search_(std::make_unique<detail::MoveSearch>(*group.plan_)),
-      choices_(group.plan_->step_count(), -1) {}
+      choices_(group.plan_->step_count(), -1),
+      inverse_(group.partition_count_),
+      scratch_(group.partition_count_) {}
 
 GreedyLabeller::~GreedyLabeller() = default;
 
@@ -61,20 +69,7 @@ bool GreedyLabeller::find(const void* state, void* label) {
 }
 
 void GreedyLabeller::find_witness(short* witness) {
-  std::iota(witness, witness + group_.partition_count_, short{0});
-  for (std::size_t base = 0; base < choices_.size(); ++base) {
-    if (choices_[base] < 0) continue;
-    const std::span<const ValPerms> records = group_.records_[base];
-    const int value = records[static_cast<std::size_t>(choices_[base])].Value;
-    for (const ValPerms& record : records) {
-      if (record.Value != value) continue;
-      for (const Permutation& permutation : record.Perms) {
-        for (std::size_t c = 0; c < group_.partition_count_; ++c) {
-          witness[c] = static_cast<short>(permutation.GetP()[witness[c]]);
-        }
-      }
-    }
-  }
+  group_.moves_->find_witness(choices_, witness, inverse_.data(), scratch_.data());
 }
 
 }  // namespace symfold

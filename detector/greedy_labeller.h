@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <span>
 #include <vector>
 
 #include "detector/labeller.h"
@@ -18,6 +17,7 @@
 namespace symfold {
 
 namespace detail {
+class ChosenMoves;
 class MovePlan;
 class MoveSearch;
 }  // namespace detail
@@ -26,11 +26,11 @@ class MoveSearch;
 // on a thread of its own, share it.
 class GreedyGroup {
  public:
-  // What the tables view must outlive the group, unchanged. Takes 32 bytes for each record and 8 for each
-  // stretch of the state that it moves; the cost is linear in the tables. Throws std::invalid_argument if the
-  // tables are not bijections between partitions of equal size that follow each other without gaps, or if
-  // there are more than 32,767 partitions; std::length_error if a state has more than 128 MiB, or the group
-  // would take more than 4 GiB.
+  // What the tables view must outlive the group, unchanged. Takes 32 bytes for each record, 8 for each
+  // stretch of the state and 4 for each partition that it moves; the cost is linear in the tables. Throws
+  // std::invalid_argument if the tables are not bijections between partitions of equal size that follow each
+  // other without gaps, or if there are more than 32,767 partitions; std::length_error if a state has more
+  // than 128 MiB, or the group would take more than 4 GiB.
   explicit GreedyGroup(const LabellingTables& tables);
   ~GreedyGroup();
 
@@ -38,8 +38,8 @@ class GreedyGroup {
   friend class GreedyLabeller;
 
   std::size_t partition_count_;
-  std::vector<std::span<const ValPerms>> records_;  // by base
   std::unique_ptr<const detail::MovePlan> plan_;
+  std::unique_ptr<const detail::ChosenMoves> moves_;
 };
 
 class GreedyLabeller final : public Labeller {
@@ -57,7 +57,9 @@ class GreedyLabeller final : public Labeller {
  private:
   const GreedyGroup& group_;
   std::unique_ptr<detail::MoveSearch> search_;
-  std::vector<int> choices_;  // for each base, the record that the last label chose, -1 for none
+  std::vector<int> choices_;    // for each base, the record that the last label chose, -1 for none
+  std::vector<short> inverse_;  // work space for witnesses
+  std::vector<short> scratch_;
 };
 
 }  // namespace symfold

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <new>
 
-#include "detector/labelling/move_plan.h"
+#include "detector/labelling/planned_search.h"
 #include "detector/partitions/byte_sizes.h"
 #include "detector/symmetry_detection.h"
 
@@ -56,7 +56,7 @@ int SymmetryDetection::GetTotalStateSize() { return TotalStateSize; }
 
 void SymmetryDetection::Initialize() {
   DetermineTotalStateSize();
-  diagnostics() << "Initialize() TotalStateSize: " << TotalStateSize << std::endl;
+  diagnostics() << "Initialize() TotalStateSize: " << std::to_string(TotalStateSize) << std::endl;
   for (unsigned char** state :
        {&af_new_state, &af_best_state, &af_current_state, &af_state_scratch_a, &af_state_scratch_b}) {
     *state = allocate<unsigned char>(TotalStateSize);

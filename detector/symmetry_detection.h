@@ -50,8 +50,7 @@
 namespace symfold {
 
 namespace detail {
-class MovePlan;
-class MoveSearch;
+class PlannedSearch;
 }  // namespace detail
 
 // The entries of partition permutations have 16 bits.
@@ -154,10 +153,12 @@ class SymmetryDetection {
 
   // Writes the canonical label of `state` to `out` (TotalStateSize bytes each, may be the same) and, unless
   // perm is null, the num_partitions entries of P1 P2 ... Pk (entry y is P1[P2[...Pk[y]...]]), Pi being the
-  // permutation chosen at base i. Afterwards af_current_state and af_best_state hold the label too, and
-  // af_best_perm these entries (the identity if perm is null). Allocates nothing. Cost: a few nanoseconds
-  // per record of the tables ConvertSTLToStatic found; tables with permutations that are no bijections
-  // between partitions of equal size cost a pass over the state per record.
+  // permutation chosen at base i. Afterwards af_current_state and af_best_state hold the label too,
+  // af_best_perm these entries (the identity if perm is null), and the other work buffers what a search that
+  // makes every image leaves there. Allocates nothing. Cost: a few nanoseconds per record; tables with
+  // permutations that are no bijections between partitions of equal size, and static arrays that have been
+  // changed since ConvertSTLToStatic, cost a pass over the state per record. The records in static_vperms
+  // must not be changed in place: to change them, make the static tables again.
   void FindCanonicalLabel(void* state, void* out, short* perm);
 
   // Writes to `witness` the permutation of the num_partitions partitions that carries the state of the last
@@ -266,10 +267,7 @@ class SymmetryDetection {
   void MovePartitions(const Permutation& permutation, const PartitionLayout& layout);
   void ApplyRecords(const void* state, const ValPerms* records, int record_count, int value,
                     const PartitionLayout& layout, void* out);
-  bool PlanApplies() const;
-  void SearchByPlan(const void* state, bool composes);
   void SearchStepByStep(const void* state, bool composes);
-  void FindLastPermutation(int step);
   void ComposeBestPerm();
   void DropTables();
 
@@ -277,9 +275,8 @@ class SymmetryDetection {
   std::unique_ptr<std::ostream> nowhere_;  // a stream without a buffer
   std::ostream* diagnostics_;
   std::ostream* refusals_;
-  // Made by ConvertSTLToStatic if they can express the static tables.
-  std::unique_ptr<detail::MovePlan> plan_;
-  std::unique_ptr<detail::MoveSearch> search_;
+  // Made by ConvertSTLToStatic if it can express the static tables.
+  std::unique_ptr<detail::PlannedSearch> planned_;
 };
 
 }  // namespace symfold

@@ -56,18 +56,18 @@ std::string written_here(const char* name, std::ostream& diagnostics, Fill fill)
 }  // namespace
 
 void SymmetryDetection::PrintGraphNodes() {
-  diagnostics() << "There are " << GraphNodes.size() << " GraphNodes" << std::endl;
+  diagnostics() << "There are " << std::to_string(GraphNodes.size()) << " GraphNodes" << std::endl;
   for (std::size_t i = 0; i < GraphNodes.size(); ++i) {
     const ModelCompGraphNode& node = GraphNodes[i];
-    diagnostics() << "\ti: " << i << "\tName: " << node.Name << "\tType: " << node.Type
-                  << "\tPrivateOrJoin: " << (node.PrivateOrJoin ? 1 : 0) << "\tStateSize: " << node.StateSize
-                  << std::endl;
+    diagnostics() << "\ti: " << std::to_string(i) << "\tName: " << node.Name << "\tType: " << node.Type
+                  << "\tPrivateOrJoin: " << (node.PrivateOrJoin ? '1' : '0')
+                  << "\tStateSize: " << std::to_string(node.StateSize) << std::endl;
   }
 }
 
 void SymmetryDetection::PrintGraphEdges() {
   const detail::NameIndex nodes(GraphNodes);
-  diagnostics() << "GraphEdges: " << GraphEdges.size() << std::endl;
+  diagnostics() << "GraphEdges: " << std::to_string(GraphEdges.size()) << std::endl;
   for (const ModelCompGraphEdge& edge : GraphEdges) {
     detail::find_endpoints(nodes, edge, diagnostics());
     diagnostics() << edge.From.Name << " -- " << edge.To.Name << std::endl;

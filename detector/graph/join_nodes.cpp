@@ -50,7 +50,7 @@ void SymmetryDetection::FindMCG_PrivateNodes() {
     const JoinModel& join = *Joins[j];
     const std::string join_model_name = join.JoinName;
     const std::string join_type = type_of(join_model_name);
-    diagnostics() << "Number of Shared State Vars: " << join.NumSharedStateVars << std::endl;
+    diagnostics() << "Number of Shared State Vars: " << std::to_string(join.NumSharedStateVars) << std::endl;
     for (int k = 0; k < join.NumSharedStateVars; ++k) {
       ModelCompGraphNode shared;
       shared.Name = arrow_joined(join_model_name, join.SharedStateVarNames[k]);

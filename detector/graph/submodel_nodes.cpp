@@ -1,6 +1,7 @@
 // The driver of detection, and its first step: the submodel nodes from the list of submodels.
 
 #include <fstream>
+#include <locale>
 #include <ostream>
 #include <typeinfo>
 #include <utility>
@@ -69,11 +70,14 @@ void SymmetryDetection::InitFindMCG() {
   InitFindMCG(in);
 }
 
-void SymmetryDetection::InitFindMCG(std::istream& in) {
+// Reads by a stream of its own, so that the locale of the caller's stream does not matter.
+void SymmetryDetection::InitFindMCG(std::istream& types_text) {
+  std::istream in(types_text ? types_text.rdbuf() : nullptr);
+  in.imbue(std::locale::classic());
   if (in) {
     int count = 0;
     if (!(in >> count)) count = 0;
-    diagnostics() << "There are : " << count << " submodels" << std::endl;
+    diagnostics() << "There are : " << std::to_string(count) << " submodels" << std::endl;
     std::string refused;
     detail::NameIndex types;
     for (ModelCompGraphNode& node : read_submodels(in, count, refused)) {

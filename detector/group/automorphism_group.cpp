@@ -110,7 +110,8 @@ void SymmetryDetection::FinishSearch(saucy_struct* search) {
     SGSOrbitLengths = SaucyObj->orbit_lengths;
     HasWholeGroup = SaucyObj->is_complete && input_fault_.empty();
   }
-  diagnostics() << "FindMCG_FindAut() Print OrigPermutations: Num:" << OrigPermutations.size() << std::endl;
+  diagnostics() << "FindMCG_FindAut() Print OrigPermutations: Num:" << std::to_string(OrigPermutations.size())
+                << std::endl;
   for (const Permutation& permutation : OrigPermutations) {
     diagnostics() << permutation << std::endl;
     if (permutation.IsIdentity()) diagnostics() << "\t\tIDENTITY" << std::endl;
@@ -126,7 +127,7 @@ void SymmetryDetection::FindMCG_FindSS() {
   SGS = schreier_sims.Go(OrigPermutations, SGSBase);
   SGSOrbitLengths = schreier_sims.OrbitLengths();
   if (SGS.empty()) SGS.emplace_back(node_count);
-  diagnostics() << "SGS Size: " << SGS.size() << std::endl;
+  diagnostics() << "SGS Size: " << std::to_string(SGS.size()) << std::endl;
 }
 
 }  // namespace symfold

@@ -58,7 +58,7 @@ void SymmetryDetection::FindMCG_FindST() {
 void SymmetryDetection::PrintPermutations() {
   diagnostics() << "All VPerms" << std::endl;
   for (const int base : Bases) {
-    diagnostics() << "Base: " << base << std::endl;
+    diagnostics() << "Base: " << std::to_string(base) << std::endl;
     for (const ValPerms& record : VPerms[base]) diagnostics() << record << std::endl;
   }
 }

@@ -1,17 +1,16 @@
 // The search for greedy labels, base by base. For each base point every stored permutation of its orbit is
 // tried on the current state. The largest image, bytes in memcmp order, goes on to the next base.
 //
-// Two roads lead to the same label. The plan (move_plan.h) takes tables of bijections between partitions of
-// equal size, as detection makes them. For all other tables the search goes step by step: it makes every
+// Two roads lead to the same label. The plan (planned_search.h) takes tables of bijections between partitions
+// of equal size, as detection makes them. For all other tables the search goes step by step: it makes every
 // image, at the cost of a pass over the state, and ends the process at an entry that leads outside the state.
-// Neither road allocates anything.
+// Both leave the same contents in every member. Neither allocates anything.
 
-#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <ostream>
 
-#include "detector/labelling/move_plan.h"
+#include "detector/labelling/copying.h"
+#include "detector/labelling/planned_search.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -38,73 +37,41 @@ int SymmetryDetection::FindNewState_static(void* state, int base, int value, voi
   return 0;
 }
 
+// The plan answers for the tables that it was made from. If the caller has changed what the search reads, the
+// search goes step by step, with its checks.
 void SymmetryDetection::FindCanonicalLabel(void* state, void* out, short* perm) {
   const auto state_size = static_cast<std::size_t>(TotalStateSize);
   const auto perm_size = static_cast<std::size_t>(num_partitions) * sizeof(short);
-  std::memcpy(af_best_perm, af_identity_perm, perm_size);
-  if (PlanApplies()) {
-    SearchByPlan(state, perm != nullptr);
+  detail::copy_bytes(af_best_perm, af_identity_perm, perm_size);
+  if (planned_ != nullptr && planned_->applies(*this, perm != nullptr)) {
+    planned_->run(*this, state, perm != nullptr);
   } else {
     SearchStepByStep(state, perm != nullptr);
   }
-  std::memcpy(out, af_current_state, state_size);
-  if (perm != nullptr) std::memcpy(perm, af_best_perm, perm_size);
-}
-
-// The plan answers for the tables that it was made from. If the caller has changed what the search reads, the
-// search goes step by step, with its checks. The same happens if there are more partitions than a short can
-// hold.
-bool SymmetryDetection::PlanApplies() const {
-  return plan_ != nullptr && plan_->state_size() == TotalStateSize &&
-         plan_->partition_count() == num_partitions && num_partitions <= kMaxPartitions &&
-         std::equal(Bases.begin(), Bases.end(), static_bases, static_bases + num_bases);
-}
-
-void SymmetryDetection::SearchByPlan(const void* state, bool composes) {
-  search_->start(static_cast<const unsigned char*>(state));
-  for (int i = 0; i < num_bases; ++i) {
-    af_choice[i] = search_->advance(static_cast<std::size_t>(i));
-    if (!composes || af_choice[i] < 0) continue;
-    FindLastPermutation(i);
-    ComposeBestPerm();
-  }
-  std::memcpy(af_current_state, search_->current(), static_cast<std::size_t>(TotalStateSize));
-  std::memcpy(af_best_state, search_->current(), static_cast<std::size_t>(TotalStateSize));
+  detail::copy_bytes(out, af_current_state, state_size);
+  if (perm != nullptr) detail::copy_bytes(perm, af_best_perm, perm_size);
 }
 
 void SymmetryDetection::SearchStepByStep(const void* state, bool composes) {
   const auto state_size = static_cast<std::size_t>(TotalStateSize);
   const auto perm_size = static_cast<std::size_t>(num_partitions) * sizeof(short);
-  std::memcpy(af_current_state, state, state_size);
-  std::memcpy(af_best_state, state, state_size);
+  detail::copy_bytes(af_current_state, state, state_size);
+  detail::copy_bytes(af_best_state, state, state_size);
   for (int i = 0; i < num_bases; ++i) {
     const int base = static_cast<std::size_t>(i) < Bases.size() ? Bases[static_cast<std::size_t>(i)] : -1;
     const int orbit_length = FindOrbit_static(base, af_orbit);
-    std::memcpy(af_temp_best_perm, af_identity_perm, perm_size);
-    std::memcpy(af_orbit_copy, af_orbit, static_cast<std::size_t>(orbit_length) * sizeof(int));
+    detail::copy_bytes(af_temp_best_perm, af_identity_perm, perm_size);
+    detail::copy_bytes(af_orbit_copy, af_orbit, static_cast<std::size_t>(orbit_length) * sizeof(int));
     af_choice[i] = -1;
     for (int j = 0; j < orbit_length; ++j) {
       FindNewState_static(af_current_state, base, af_orbit_copy[j], af_new_state);
-      if (std::memcmp(af_new_state, af_best_state, state_size) <= 0) continue;
-      std::memcpy(af_best_state, af_new_state, state_size);
-      if (composes) std::memcpy(af_temp_best_perm, af_new_perm, perm_size);
+      if (detail::compare_bytes(af_new_state, af_best_state, state_size) <= 0) continue;
+      detail::copy_bytes(af_best_state, af_new_state, state_size);
+      if (composes) detail::copy_bytes(af_temp_best_perm, af_new_perm, perm_size);
       af_choice[i] = j;
     }
-    std::memcpy(af_current_state, af_best_state, state_size);
+    detail::copy_bytes(af_current_state, af_best_state, state_size);
     if (composes) ComposeBestPerm();
-  }
-}
-
-// Makes af_temp_best_perm the inverse of the permutation that the choice at base `step` applies last.
-void SymmetryDetection::FindLastPermutation(int step) {
-  const int slot = FindBaseSlot(static_bases[step]);
-  const int value = static_vperms[slot][af_choice[step]].Value;
-  for (int j = static_num_vperms[slot]; j-- > 0;) {
-    const ValPerms& record = static_vperms[slot][j];
-    if (record.Value != value || record.Perms.empty()) continue;
-    const int* last = record.Perms.back().GetP();
-    for (int c = 0; c < num_partitions; ++c) af_temp_best_perm[last[c]] = static_cast<short>(c);
-    return;
   }
 }
 
@@ -118,11 +85,15 @@ void SymmetryDetection::ComposeBestPerm() {
     }
     af_perm_scratch[t] = af_best_perm[c];
   }
-  std::memcpy(af_best_perm, af_perm_scratch, static_cast<std::size_t>(num_partitions) * sizeof(short));
+  detail::copy_bytes(af_best_perm, af_perm_scratch, static_cast<std::size_t>(num_partitions) * sizeof(short));
 }
 
 void SymmetryDetection::FindWitness(short* witness) {
-  std::memcpy(witness, af_identity_perm, static_cast<std::size_t>(num_partitions) * sizeof(short));
+  if (planned_ != nullptr && planned_->applies(*this, true)) {
+    planned_->find_witness({af_choice, static_cast<std::size_t>(num_bases)}, witness);
+    return;
+  }
+  detail::copy_bytes(witness, af_identity_perm, static_cast<std::size_t>(num_partitions) * sizeof(short));
   for (int i = 0; i < num_bases; ++i) {
     if (af_choice[i] < 0) continue;
     const int slot = FindBaseSlot(static_bases[i]);

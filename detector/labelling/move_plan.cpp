@@ -98,6 +98,7 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
                         std::span<const int> offsets, std::size_t max_bytes) {
   std::map<int, std::vector<std::size_t>> records_of_value;
   for (std::size_t j = 0; j < records.size(); ++j) records_of_value[records[j].Value].push_back(j);
+  std::map<int, std::size_t> move_of_value;
   std::vector<int> sources(sizes.size());
   std::vector<int> moved(sizes.size());
   for (std::size_t j = 0; j < records.size(); ++j) {
@@ -113,16 +114,26 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
         sources.swap(moved);
       }
     }
-    add_move(static_cast<int>(j), sources, sizes, offsets);
+    if (add_move(static_cast<int>(j), sources, sizes, offsets)) {
+      move_of_value[records[j].Value] = moves_.size();
+    }
     if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > max_bytes) return false;
+  }
+  for (const ValPerms& record : records) {
+    last_image_ = {step_count(), move_of_value[record.Value]};
+    const auto& together = records_of_value[record.Value];
+    if (std::any_of(together.begin(), together.end(),
+                    [&](std::size_t k) { return !records[k].Perms.empty(); })) {
+      last_moved_image_ = last_image_;
+    }
   }
   first_of_step_.push_back(moves_.size());
   return true;
 }
 
 // `sources`: per partition of the image, the partition of the state that lands there. A move of one piece
-// moves nothing and can never win.
-void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
+// moves nothing, can never win and is not added.
+bool MovePlan::add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
                         std::span<const int> offsets) {
   const std::size_t first_piece = pieces_.size();
   for (std::size_t d = 0; d < sources.size(); ++d) {
@@ -133,7 +144,7 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
   }
   if (pieces_.size() <= first_piece + 1) {
     pieces_.resize(first_piece);
-    return;
+    return false;
   }
   const bool starts_later = pieces_[first_piece].shift == 0;
   const int first_byte = starts_later ? pieces_[first_piece].end : 0;
@@ -143,6 +154,7 @@ void MovePlan::add_move(int record, const std::vector<int>& sources, std::span<c
   const int length = std::min(kWord, second->end - first_byte);
   moves_.push_back({leading(first_length), first_byte, first->shift, second->shift, 8 * (kWord - length),
                     static_cast<std::uint32_t>(first_piece), record});
+  return true;
 }
 
 MoveSearch::MoveSearch(const MovePlan& plan)
@@ -176,7 +188,10 @@ int MoveSearch::advance(std::size_t step) {
     best = move;
     best_head = head;
   }
-  if (best != staying_) apply(*best);
+  if (best != staying_) {
+    make_next(*best);
+    std::swap(current_, next_);
+  }
   return best->record;
 }
 
@@ -218,7 +233,12 @@ bool MoveSearch::is_larger(const Move& move, const Move& best, int position) con
   return false;
 }
 
-void MoveSearch::apply(const Move& move) {
+const unsigned char* MoveSearch::make_image(MovePlan::Image image) {
+  make_next(image.move == 0 ? *staying_ : moves_[image.move - 1]);
+  return next_;
+}
+
+void MoveSearch::make_next(const Move& move) {
   const Piece* piece = &pieces_[move.first_piece];
   for (int position = 0; position < state_size_; ++piece) {
     for (; position < piece->end; position += static_cast<int>(kRoom)) {
@@ -226,7 +246,6 @@ void MoveSearch::apply(const Move& move) {
     }
     position = piece->end;
   }
-  std::swap(current_, next_);
 }
 
 }  // namespace symfold::detail

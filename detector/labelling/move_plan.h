@@ -41,6 +41,16 @@ class MovePlan {
   int partition_count() const { return partition_count_; }
   std::size_t step_count() const { return first_of_step_.size() - 1; }  // bases
 
+  // An image that the search step by step makes: move `move` - 1 of base `step`, none if `move` is 0.
+  struct Image {
+    std::size_t step = static_cast<std::size_t>(-1);  // no base: there is no such image
+    std::size_t move = 0;
+  };
+
+  // The last image that the search step by step makes, and the last one that a permutation makes.
+  Image last_image() const { return last_image_; }
+  Image last_moved_image() const { return last_moved_image_; }
+
  private:
   friend class MoveSearch;
 
@@ -64,7 +74,7 @@ class MovePlan {
   MovePlan(int state_size, int partition_count);
   bool add_step(std::span<const ValPerms> records, std::span<const int> sizes, std::span<const int> offsets,
                 std::size_t max_bytes);
-  void add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
+  bool add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
                 std::span<const int> offsets);
 
   int state_size_;
@@ -73,6 +83,8 @@ class MovePlan {
   std::vector<Piece> pieces_;               // move after move, each up to the end of the state
   std::vector<Move> moves_;                 // base after base
   std::vector<std::size_t> first_of_step_;  // for each base its first move; at the end their number
+  Image last_image_;
+  Image last_moved_image_;
 };
 
 // One search at a time.
@@ -90,6 +102,10 @@ class MoveSearch {
   // first record that makes it, or -1 if no image is larger. Allocates nothing.
   int advance(std::size_t step);
 
+  // Makes an image of the current state, which stays what it is. state_size() bytes, valid until the next
+  // call.
+  const unsigned char* make_image(MovePlan::Image image);
+
   // state_size() bytes, valid until the next call.
   const unsigned char* current() const { return current_; }
 
@@ -100,7 +116,7 @@ class MoveSearch {
   std::uint64_t head_of(const Move& move) const;
   bool beats(const Move& move, std::uint64_t head, const Move& best, std::uint64_t best_head) const;
   bool is_larger(const Move& move, const Move& best, int position) const;
-  void apply(const Move& move);
+  void make_next(const Move& move);
 
   // What the plan has, at hand.
   const int state_size_;

@@ -5,16 +5,16 @@
 // be right.
 
 #include <cstdlib>
-#include <cstring>
 #include <ostream>
 
+#include "detector/labelling/copying.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
 namespace {
 
 [[noreturn]] void fail_move(int entry, std::ostream& diagnostics) {
-  diagnostics << "ERROR: moveToIndex: " << entry << std::endl;
+  diagnostics << "ERROR: moveToIndex: " << std::to_string(entry) << std::endl;
   std::exit(1);
 }
 
@@ -34,24 +34,24 @@ void SymmetryDetection::MovePartitions(const Permutation& permutation, const Par
     if (!fits(layout.offsets[c], size, TotalStateSize) || !fits(layout.offsets[d], size, TotalStateSize)) {
       fail_move(d, diagnostics());
     }
-    std::memcpy(af_state_scratch_b + layout.offsets[d], af_state_scratch_a + layout.offsets[c],
-                static_cast<std::size_t>(size));
+    detail::copy_bytes(af_state_scratch_b + layout.offsets[d], af_state_scratch_a + layout.offsets[c],
+                       static_cast<std::size_t>(size));
     af_new_perm[d] = static_cast<short>(c);
   }
-  std::memcpy(af_state_scratch_a, af_state_scratch_b, static_cast<std::size_t>(TotalStateSize));
+  detail::copy_bytes(af_state_scratch_a, af_state_scratch_b, static_cast<std::size_t>(TotalStateSize));
 }
 
 // Applies, in table order, every permutation of every record of this value.
 void SymmetryDetection::ApplyRecords(const void* state, const ValPerms* records, int record_count, int value,
                                      const PartitionLayout& layout, void* out) {
   const auto state_size = static_cast<std::size_t>(TotalStateSize);
-  std::memcpy(af_state_scratch_a, state, state_size);
-  std::memcpy(af_new_perm, af_identity_perm, static_cast<std::size_t>(num_partitions) * sizeof(short));
+  detail::copy_bytes(af_state_scratch_a, state, state_size);
+  detail::copy_bytes(af_new_perm, af_identity_perm, static_cast<std::size_t>(num_partitions) * sizeof(short));
   for (int j = 0; j < record_count; ++j) {
     if (records[j].Value != value) continue;
     for (const Permutation& permutation : records[j].Perms) MovePartitions(permutation, layout);
   }
-  std::memcpy(out, af_state_scratch_a, state_size);
+  detail::copy_bytes(out, af_state_scratch_a, state_size);
 }
 
 }  // namespace symfold

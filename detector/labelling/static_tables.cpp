@@ -2,18 +2,11 @@
 
 #include <algorithm>
 #include <ostream>
-#include <span>
 
-#include "detector/labelling/move_plan.h"
+#include "detector/labelling/planned_search.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
-namespace {
-
-// A larger plan is not made: labels are then found step by step.
-constexpr std::size_t kMaxPlanBytes = std::size_t{1} << 30;
-
-}  // namespace
 
 // The orbit buffers hold num_partitions values, or as many as the longest list if that is longer: repeated
 // values can make it so.
@@ -46,30 +39,24 @@ void SymmetryDetection::ConvertSTLToStatic() {
   af_orbit_copy = new int[longest_orbit];
   af_choice = new int[Bases.size()];
   std::fill_n(af_choice, Bases.size(), -1);
-  std::vector<std::span<const ValPerms>> records_of_base;
-  for (int i = 0; i < num_bases; ++i) {
-    const int slot = FindBaseSlot(static_bases[i]);
-    records_of_base.emplace_back(static_vperms[slot], static_cast<std::size_t>(static_num_vperms[slot]));
-  }
-  plan_ = detail::MovePlan::make(records_of_base, {static_partition_sizes, partition_count},
-                                 {static_partition_offsets, partition_count}, kMaxPlanBytes);
-  if (plan_ != nullptr) search_ = std::make_unique<detail::MoveSearch>(*plan_);
+  planned_ = detail::PlannedSearch::make(*this);
 }
 
 void SymmetryDetection::PrintStaticMembers() {
   diagnostics() << "Bases: " << std::endl;
-  for (int i = 0; i < num_bases; ++i) diagnostics() << "  " << static_bases[i] << std::endl;
-  diagnostics() << "There are: " << num_partitions << " Partitions" << std::endl;
+  for (int i = 0; i < num_bases; ++i) diagnostics() << "  " << std::to_string(static_bases[i]) << std::endl;
+  diagnostics() << "There are: " << std::to_string(num_partitions) << " Partitions" << std::endl;
   diagnostics() << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
   for (int i = 0; i < num_partitions && static_partition_sizes != nullptr; ++i) {
-    diagnostics() << static_partition_sizes[i] << "\t" << static_partition_offsets[i] << std::endl;
+    diagnostics() << std::to_string(static_partition_sizes[i]) << "\t"
+                  << std::to_string(static_partition_offsets[i]) << std::endl;
   }
   diagnostics() << "Permutation Information: " << std::endl;
   for (int i = 0; i < num_bases; ++i) {
-    diagnostics() << "  Base: " << static_bases[i] << " has " << static_num_vperms[i] << " ValPerms"
-                  << std::endl;
+    diagnostics() << "  Base: " << std::to_string(static_bases[i]) << " has "
+                  << std::to_string(static_num_vperms[i]) << " ValPerms" << std::endl;
     for (int j = 0; j < static_num_vperms[i]; ++j) {
-      diagnostics() << "    Value: " << static_vperms[i][j].Value << std::endl;
+      diagnostics() << "    Value: " << std::to_string(static_vperms[i][j].Value) << std::endl;
       for (const Permutation& permutation : static_vperms[i][j].Perms) {
         diagnostics() << "      " << permutation << std::endl;
       }
@@ -87,8 +74,7 @@ void SymmetryDetection::CleanStaticMembers() {
     *array = nullptr;
   }
   num_bases = 0;
-  search_.reset();
-  plan_.reset();
+  planned_.reset();
 }
 
 }  // namespace symfold

@@ -37,7 +37,7 @@ class Renaming {
     const int* const images = permutation.GetP();
     for (int i = 0; i < n; ++i) {
       const int image = has_all ? images[i] : permutation[i];
-      if (image >= n) diagnostics << "p_it too big: " << image << std::endl;
+      if (image >= n) diagnostics << "p_it too big: " << std::to_string(image) << std::endl;
       const int source = (*this)(i);
       const int target = (*this)(image);
       if (has(source) && has(target)) scratch_[static_cast<std::size_t>(source)] = target;
@@ -62,15 +62,16 @@ class Renaming {
 void SymmetryDetection::AdjustPermutations() {
   diagnostics() << "ADJUST PERMUTATIONS" << std::endl << "SS Order\tGraphNode Order: " << std::endl;
   if (SSOrder.size() == GNOrder.size()) {
-    diagnostics() << "Size: " << SSOrder.size() << std::endl;
+    diagnostics() << "Size: " << std::to_string(SSOrder.size()) << std::endl;
   } else {
     diagnostics() << "ERROR: Sizes differ" << std::endl;
-    diagnostics() << "SSOrder: " << SSOrder.size() << "  GNORder: " << GNOrder.size() << std::endl;
+    diagnostics() << "SSOrder: " << std::to_string(SSOrder.size())
+                  << "  GNORder: " << std::to_string(GNOrder.size()) << std::endl;
   }
   for (std::size_t i = 0; i < std::min(SSOrder.size(), GNOrder.size()); ++i) {
     diagnostics() << "  " << SSOrder[i] << "\t\t\t" << GNOrder[i] << std::endl;
   }
-  diagnostics() << "PermSize: " << GNOrder.size() << std::endl;
+  diagnostics() << "PermSize: " << std::to_string(GNOrder.size()) << std::endl;
   diagnostics() << "=====================" << std::endl << "Before Permutations: " << std::endl;
   PrintPermutations();
 
@@ -83,7 +84,7 @@ void SymmetryDetection::AdjustPermutations() {
     new_vperms.push_back(std::move(records));
   }
   diagnostics() << "new_bases: " << std::endl;
-  for (const int base : new_bases) diagnostics() << "\tbase: " << base << std::endl;
+  for (const int base : new_bases) diagnostics() << "\tbase: " << std::to_string(base) << std::endl;
   diagnostics() << "new vperms: " << std::endl;
   for (const auto& records : new_vperms) {
     for (const ValPerms& record : records) diagnostics() << record << std::endl;

@@ -54,13 +54,13 @@ void SymmetryDetection::CreatePartitionInfo() {
 }
 
 void SymmetryDetection::PrintPartitionInfo() {
-  diagnostics() << "There are " << PartitionInfo.size() << " Partitions" << std::endl;
+  diagnostics() << "There are " << std::to_string(PartitionInfo.size()) << " Partitions" << std::endl;
   diagnostics() << "PartitionInfo\tCumPartitionInfo\tStaticCumPartitionInfo" << std::endl;
   const std::size_t rows =
       std::min({PartitionInfo.size(), CumPartitionInfo.size(), StaticCumPartitionInfo.size()});
   for (std::size_t k = 0; k < rows; ++k) {
-    diagnostics() << PartitionInfo[k] << "\t" << CumPartitionInfo[k] << "\t" << StaticCumPartitionInfo[k]
-                  << std::endl;
+    diagnostics() << std::to_string(PartitionInfo[k]) << "\t" << std::to_string(CumPartitionInfo[k]) << "\t"
+                  << std::to_string(StaticCumPartitionInfo[k]) << std::endl;
   }
   diagnostics() << std::endl;
 }

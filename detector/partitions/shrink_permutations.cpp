@@ -80,7 +80,8 @@ class Shrinker {
   bool shrink(ValPerms& record) {
     if (!has(record.Value)) return false;
     const int position = (*this)[record.Value];
-    diagnostics_ << "  Val: " << record.Value << "  map[Val]: " << position << std::endl;
+    diagnostics_ << "  Val: " << std::to_string(record.Value) << "  map[Val]: " << std::to_string(position)
+                 << std::endl;
     record.Value = position;
     for (Permutation& permutation : record.Perms) {
       if (!shrink(permutation)) return false;
@@ -108,7 +109,7 @@ class Shrinker {
 void SymmetryDetection::ShrinkPermutations() {
   std::size_t real_count = 0;
   for (const ModelCompGraphNode& node : GraphNodes) real_count += node.PrivateOrJoin ? 1 : 0;
-  diagnostics() << "num_real: " << real_count << std::endl;
+  diagnostics() << "num_real: " << std::to_string(real_count) << std::endl;
   diagnostics() << "ShrinkPermutations" << std::endl;
   int position_count = 0;
   std::vector<int> map = make_shrink_map(GraphNodes, real_count, position_count, diagnostics());
@@ -121,7 +122,8 @@ void SymmetryDetection::ShrinkPermutations() {
   bool is_sound = true;
   for (auto& [base, records] : VPerms) {
     if (!shrinker.has(base)) continue;
-    diagnostics() << "Base: " << base << "  map[base]: " << shrinker[base] << std::endl;
+    diagnostics() << "Base: " << std::to_string(base) << "  map[base]: " << std::to_string(shrinker[base])
+                  << std::endl;
     for (ValPerms& record : records) is_sound = is_sound && shrinker.shrink(record);
     if (!is_sound) break;
     new_bases.push_back(shrinker[base]);

@@ -57,7 +57,7 @@ void SymmetryDetection::TrimPermutations() {
   }
   diagnostics() << "After TrimPermutation Part 1: " << std::endl;
   PrintPermutations();
-  diagnostics() << "PermSize: " << point_count << std::endl;
+  diagnostics() << "PermSize: " << std::to_string(point_count) << std::endl;
 
   for (const int base : Bases) {
     for (const ValPerms& record : VPerms[base]) {
@@ -72,7 +72,7 @@ void SymmetryDetection::TrimPermutations() {
   }
   Composer composer(point_count);
   for (const int base : Bases) {
-    diagnostics() << "base: " << base << std::endl;
+    diagnostics() << "base: " << std::to_string(base) << std::endl;
     for (ValPerms& record : VPerms[base]) composer.compose(record);
   }
   diagnostics() << "After TrimPermutation: " << std::endl;

@@ -94,9 +94,11 @@ std::string write_perm_file(const std::string& name, SymmetryDetection& tables) 
 }
 
 void print_base(std::ostream& out, int base, const std::vector<ValPerms>& records) {
-  out << "Base: " << base << std::endl << "\tNum Vperm: " << records.size() << std::endl;
+  out << "Base: " << std::to_string(base) << std::endl
+      << "\tNum Vperm: " << std::to_string(records.size()) << std::endl;
   for (const ValPerms& record : records) {
-    out << "\tvalue: " << record.Value << "  num_perm: " << record.Perms.size() << std::endl;
+    out << "\tvalue: " << std::to_string(record.Value)
+        << "  num_perm: " << std::to_string(record.Perms.size()) << std::endl;
     for (const Permutation& permutation : record.Perms) out << "\t\tPerm: " << permutation << std::endl;
   }
 }
@@ -122,7 +124,7 @@ void SymmetryDetection::ReadPermFile(std::string& name) {
   PartitionInfo.insert(PartitionInfo.end(), table.sizes.begin(), table.sizes.end());
   CumPartitionInfo.insert(CumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
   StaticCumPartitionInfo.insert(StaticCumPartitionInfo.end(), table.offsets.begin(), table.offsets.end());
-  diagnostics() << "Number of bases: " << table.bases.size() << std::endl;
+  diagnostics() << "Number of bases: " << std::to_string(table.bases.size()) << std::endl;
   for (auto& [base, records] : table.bases) {
     print_base(diagnostics(), base, records);
     Bases.push_back(base);

@@ -20,7 +20,7 @@ void require_countable_partitions(const ComposedModel& model) {
 }
 
 void write_types(const ComposedModel& model, std::ostream& out) {
-  out << model.submodels.size() << '\n';
+  out << std::to_string(model.submodels.size()) << '\n';
   for (const Submodel& submodel : model.submodels) {
     out << submodel.name << ' ' << model.instance_of(submodel).token << '\n';
   }

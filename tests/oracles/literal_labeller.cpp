@@ -1,5 +1,6 @@
 #include "tests/oracles/literal_labeller.h"
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 
@@ -42,41 +43,61 @@ std::string moved(const std::vector<int>& sizes, const std::vector<int>& permuta
   return result;
 }
 
-LiteralLabel literal_label(const LabelTables& tables, const std::string& state) {
+LiteralLabel literal_label(const LabelTables& tables, const std::string& state, bool composes,
+                           LiteralBuffers& buffers) {
   const std::size_t n = tables.sizes.size();
   std::string current = state;
   std::string best = state;
-  std::string buffer(state.size(), '\0');
-  std::vector<int> composed = identity(n);
+  std::vector<short> no_move(n);
+  std::iota(no_move.begin(), no_move.end(), short{0});
+  buffers.best_perm = no_move;
   std::vector<int> witness = identity(n);
   for (const auto& [base, records] : tables.records) {
-    std::vector<int> chosen_last = identity(n);
+    for (std::size_t j = 0; j < records.size(); ++j) buffers.orbit[j] = records[j].Value;
+    buffers.temp_best_perm = no_move;
+    for (std::size_t j = 0; j < records.size(); ++j) buffers.orbit_copy[j] = buffers.orbit[j];
     std::vector<int> chosen_all = identity(n);
     for (const ValPerms& orbit_point : records) {
-      std::string candidate = current;
-      std::vector<int> last = identity(n);
+      buffers.scratch_a = current;
+      buffers.new_perm = no_move;
       std::vector<int> all = identity(n);
       for (const ValPerms& record : records) {
         if (record.Value != orbit_point.Value) continue;
         for (const Permutation& permutation : record.Perms) {
-          last = images_of(permutation);
-          move_into(buffer, tables.sizes, last, candidate);
-          candidate = buffer;
-          for (int& image : all) image = last[static_cast<std::size_t>(image)];
+          const std::vector<int> images = images_of(permutation);
+          move_into(buffers.scratch_b, tables.sizes, images, buffers.scratch_a);
+          buffers.scratch_a = buffers.scratch_b;
+          for (std::size_t c = 0; c < n; ++c) {
+            buffers.new_perm[static_cast<std::size_t>(images[c])] = static_cast<short>(c);
+          }
+          for (int& image : all) image = images[static_cast<std::size_t>(image)];
         }
       }
-      if (!is_greater(candidate, best)) continue;
-      best = candidate;
-      chosen_last = last;
+      buffers.new_state = buffers.scratch_a;
+      if (!is_greater(buffers.new_state, best)) continue;
+      best = buffers.new_state;
+      if (composes) buffers.temp_best_perm = buffers.new_perm;
       chosen_all = all;
     }
     current = best;
-    std::vector<int> next(n);
-    for (std::size_t y = 0; y < n; ++y) next[y] = composed[static_cast<std::size_t>(chosen_last[y])];
-    composed = next;
+    for (std::size_t c = 0; c < n && composes; ++c) {
+      buffers.perm_scratch[static_cast<std::size_t>(buffers.temp_best_perm[c])] = buffers.best_perm[c];
+    }
+    if (composes) buffers.best_perm = buffers.perm_scratch;
     for (int& image : witness) image = chosen_all[static_cast<std::size_t>(image)];
   }
-  return {current, {composed.begin(), composed.end()}, {witness.begin(), witness.end()}};
+  return {current, buffers.best_perm, {witness.begin(), witness.end()}};
+}
+
+LiteralLabel literal_label(const LabelTables& tables, const std::string& state) {
+  std::size_t longest = 0;
+  for (const auto& [base, records] : tables.records) longest = std::max(longest, records.size());
+  LiteralBuffers buffers;
+  buffers.scratch_b.resize(state.size());
+  buffers.perm_scratch.resize(tables.sizes.size());
+  buffers.orbit.resize(longest);
+  buffers.orbit_copy.resize(longest);
+  return literal_label(tables, state, true, buffers);
 }
 
 }  // namespace symfold

@@ -22,7 +22,19 @@ struct LiteralLabel {
   std::vector<short> witness;  // the permutation that carries the state onto its label
 };
 
-// Bytes that no move of a pass writes are those of the passes before, at first zero.
+// What the members of a detector hold after a search; before it, what they held then.
+struct LiteralBuffers {
+  std::string new_state, scratch_a, scratch_b;
+  std::vector<short> new_perm, best_perm, temp_best_perm, perm_scratch;
+  std::vector<int> orbit, orbit_copy;  // as long as the longest list of records, if not longer
+};
+
+// Composes only if asked to; `perm` is the identity otherwise. Bytes that no move of a pass writes are those
+// of the passes before.
+LiteralLabel literal_label(const LabelTables& tables, const std::string& state, bool composes,
+                           LiteralBuffers& buffers);
+
+// Composes. Bytes that no pass has written are zero.
 LiteralLabel literal_label(const LabelTables& tables, const std::string& state);
 
 // The state whose partition permutation[c] is partition c of this one.

@@ -96,19 +96,66 @@ std::string label_of(SymmetryDetection& detector, std::string state, std::vector
   return label;
 }
 
-void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state) {
-  const LiteralLabel expected = literal_label(tables, state);
-  std::vector<short> perm;
-  ASSERT_EQ(label_of(detector, state, &perm), expected.state);
-  ASSERT_EQ(perm, expected.perm);
-  std::vector<short> witness(tables.sizes.size());
-  detector.FindWitness(witness.data());
-  ASSERT_EQ(witness, expected.witness);
-  ASSERT_EQ(moved(tables.sizes, {witness.begin(), witness.end()}, state), expected.state);
-  ASSERT_EQ(label_of(detector, state), expected.state) << "without a permutation";
-  for (const unsigned char* member : {detector.af_current_state, detector.af_best_state}) {
-    ASSERT_TRUE(std::equal(expected.state.begin(), expected.state.end(), member,
-                           [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+namespace {
+
+template <class T, class Content>
+bool holds(const T* array, const Content& content) {
+  return std::equal(content.begin(), content.end(), array,
+                    [](auto expected, T actual) { return static_cast<T>(expected) == actual; });
+}
+
+// Fills the buffers that a search need not touch, and says so in the answer.
+LiteralBuffers filled_buffers(SymmetryDetection& detector) {
+  const auto states = static_cast<std::size_t>(detector.TotalStateSize);
+  const auto perms = static_cast<std::size_t>(detector.num_partitions);
+  std::size_t orbits = perms;
+  for (int i = 0; i < detector.num_bases; ++i) {
+    orbits = std::max(orbits, static_cast<std::size_t>(detector.static_num_vperms[i]));
+  }
+  const std::string text(states, '\x5a');
+  const std::vector<short> perm(perms, -77);
+  const std::vector<int> orbit(orbits, -777);
+  for (auto* buffer : {detector.af_new_state, detector.af_best_state, detector.af_current_state,
+                       detector.af_state_scratch_a, detector.af_state_scratch_b}) {
+    std::copy(text.begin(), text.end(), buffer);
+  }
+  for (auto* buffer :
+       {detector.af_new_perm, detector.af_best_perm, detector.af_temp_best_perm, detector.af_perm_scratch}) {
+    std::copy(perm.begin(), perm.end(), buffer);
+  }
+  for (auto* buffer : {detector.af_orbit, detector.af_orbit_copy}) {
+    std::copy(orbit.begin(), orbit.end(), buffer);
+  }
+  return {text, text, text, perm, perm, perm, perm, orbit, orbit};
+}
+
+}  // namespace
+
+void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state,
+                          bool wild) {
+  for (const bool composes : {false, true}) {
+    SCOPED_TRACE(composes ? "with a permutation" : "without a permutation");
+    LiteralBuffers buffers = filled_buffers(detector);
+    const LiteralLabel expected = literal_label(tables, state, composes, buffers);
+    std::vector<short> perm;
+    ASSERT_EQ(label_of(detector, state, composes ? &perm : nullptr), expected.state);
+    ASSERT_EQ(perm, composes ? expected.perm : std::vector<short>());
+    ASSERT_TRUE(holds(detector.af_current_state, expected.state));
+    ASSERT_TRUE(holds(detector.af_best_state, expected.state));
+    ASSERT_TRUE(holds(detector.af_new_state, buffers.new_state));
+    ASSERT_TRUE(holds(detector.af_state_scratch_a, buffers.scratch_a));
+    ASSERT_TRUE(holds(detector.af_state_scratch_b, buffers.scratch_b));
+    ASSERT_TRUE(holds(detector.af_new_perm, buffers.new_perm));
+    ASSERT_TRUE(holds(detector.af_best_perm, buffers.best_perm));
+    ASSERT_TRUE(holds(detector.af_temp_best_perm, buffers.temp_best_perm));
+    ASSERT_TRUE(holds(detector.af_perm_scratch, buffers.perm_scratch));
+    ASSERT_TRUE(holds(detector.af_orbit, buffers.orbit));
+    ASSERT_TRUE(holds(detector.af_orbit_copy, buffers.orbit_copy));
+    if (wild) continue;
+    std::vector<short> witness(tables.sizes.size());
+    detector.FindWitness(witness.data());
+    ASSERT_EQ(witness, expected.witness);
+    ASSERT_EQ(moved(tables.sizes, {witness.begin(), witness.end()}, state), expected.state);
   }
 }
 

@@ -60,9 +60,11 @@ void stop_labelling(SymmetryDetection& detector);
 // The label of a state, bytes as text; optionally the composed permutation.
 std::string label_of(SymmetryDetection& detector, std::string state, std::vector<short>* perm = nullptr);
 
-// Expects the label of a state, its permutation, its witness and the member arrays to be those of the literal
-// search on the same tables.
-void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state);
+// Expects the label of a state, its permutation and the contents of all member arrays, with and without the
+// permutation, to be those of the literal search on the same tables; for tables of bijections (not wild ones)
+// its witness, too.
+void expect_literal_label(SymmetryDetection& detector, const LabelTables& tables, const std::string& state,
+                          bool wild = false);
 
 }  // namespace symfold
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <locale>
 #include <random>
 #include <sstream>
 
@@ -117,6 +118,50 @@ TEST(PermFile, TakesEqualTablesInBothDirections) {
   EXPECT_EQ(captured_errors([&] { wide.WritePermFile(name); }),
             "symfold: permutations: error: not written: expected the number of partitions (0 to 32767), got "
             "40000\n");
+}
+
+struct Dotted : std::numpunct<char> {
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+// All that a ring of 300 submodels writes and prints, on streams made in the global locale.
+std::string everything_of_a_ring() {
+  const TempDir dir;
+  std::vector<TestJoin> joins;
+  std::string types = "300\n";
+  for (int i = 0; i < 300; ++i) {
+    const auto submodel = [](int k) { return "P" + std::to_string(k % 300); };
+    types += submodel(i) + " Phil\n";
+    joins.push_back({"J" + std::to_string(i), {{"s", {{submodel(i), "r"}, {submodel(i + 1), "l"}}}}});
+  }
+  TestModel model(joins);
+  SymmetryDetection detector(model.wrapper());
+  std::ostringstream text;
+  detector.SetDiagnostics(&text);
+  detect(detector, types, 4);
+  start_labelling(detector);
+  detector.PrintStaticMembers();
+  detector.WritePermFile(name);
+  detector.WriteTables(text);
+  SymmetryDetection reader;
+  reader.SetDiagnostics(&text);
+  reader.ReadPermFile(name);
+  EXPECT_EQ(reader.PartitionInfo.size(), 600U);
+  detector.PrintMCG(text);
+  std::string state(static_cast<std::size_t>(detector.TotalStateSize), 'x');
+  detector.IsPartiallyCanonical(599, state.data());
+  stop_labelling(detector);
+  return text.str() + read_file("model_comp_graph") + read_file("mcg.viz") + read_file(name);
+}
+
+TEST(PermFile, AndAllOtherTextIsTheSameInEveryLocale) {
+  const std::string expected = everything_of_a_ring();
+  EXPECT_NE(expected.find("\n1200 1200 4 300 600 900\n"), std::string::npos);
+  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Dotted));
+  const std::string actual = everything_of_a_ring();
+  std::locale::global(before);
+  EXPECT_TRUE(actual == expected);
 }
 
 TEST(PermFile, IsRefusedWholeWithTheLineOfTheFault) {
