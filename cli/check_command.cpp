@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "cli/advice.h"
 #include "cli/figures.h"
 #include "components/schreier_sims.h"
 #include "detector/permfile/perm_table.h"
@@ -103,7 +104,8 @@ void print_json(std::ostream& out, const CheckOptions& options, const Report& re
 int run_check(const CheckOptions& options, const Streams& streams) {
   const ComposedModel model = read_input(options.input, streams);
   PermTable table;
-  const std::string error = read_perm_file(options.perm_file, table);
+  const std::string error =
+      read_perm_file(perm_file_at(options.perm_file, "check " + options.input.model), table);
   if (!error.empty()) throw std::runtime_error(error);
   const Folding folding(model, Symmetry::kFast);
   streams.err << folding.refusals();

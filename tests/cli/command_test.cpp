@@ -188,7 +188,7 @@ TEST(CommandLine, SaysWhatToTypeInstead) {
            {{"dr"}, kUsage, "did you mean 'draw'?\n"},
            {{"fold"},
             kUsage,
-            "expected a subcommand (detect, explore, draw, label, show, help), got 'fold'\n"},
+            "expected a subcommand (detect, explore, check, draw, label, show, help), got 'fold'\n"},
            {{"star.sym"}, kUsage, "'symfold explore star.sym', 'symfold detect star.sym' or"},
            {{"run"}, kUsage, "expected a subcommand before 'run': " + types_of_run},
            {{"label", "star.sym"},

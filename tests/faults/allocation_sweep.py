@@ -18,7 +18,9 @@ import sys
 import tempfile
 
 ROTATION = "3\n1 1 1 \n0 1 2 \n1\n0\n2\n1\n1\n2 0 1 \n2\n1\n1 2 0 \n"
+WIDE = "3\n2 2 2 \n0 2 4 \n1\n0\n2\n1\n1\n2 0 1 \n2\n1\n1 2 0 \n"
 STATES = "010203\n030201\n0001ff\n"
+THREE = "type T { private x : [0..2]; [step] x < 2 -> 1.0 : x = x + 1; }\nsystem S { t[i : 0..2] : T; }\n"
 BAD_MODEL = "type T { private x : bool; }\nsystem S { t : U; }\n"
 LIMIT_REACHED = 5
 
@@ -50,6 +52,9 @@ def cases(examples):
         "label exactly": (["label", "table", "--exact", "--perm"], STATES),
         "label raw": (["label", "table", "--raw"], "abcxyzbca"),
         "label wrong lines": (["label", "table", "states", "--perm"], ""),
+        "label by names": (["label", "wide", "--model", "three.sym", "--names"], "t_1.x=2 t_0.x=1\n"),
+        "check": (["check", "three.sym", "wide"], ""),
+        "certify": (["explore"] + ring + quiet + ["--check"], ""),
         "show": (["show", "table"], ""),
         "show as JSON": (["show", "table", "--json"], ""),
         "bad model": (["detect", "-"], BAD_MODEL),
@@ -99,7 +104,8 @@ class Sweep:
     def run(self, arguments, given, **faults):
         shutil.rmtree(self.place, ignore_errors=True)
         os.mkdir(self.place)
-        for name, text in (("table", ROTATION), ("states", "010203\n01\nxx0203\n")):
+        for name, text in (("table", ROTATION), ("states", "010203\n01\nxx0203\n"),
+                           ("three.sym", THREE), ("wide", WIDE)):
             with open(os.path.join(self.place, name), "w") as file:
                 file.write(text)
         environment = dict(self.environment, LD_PRELOAD=self.library, **faults)

@@ -65,9 +65,12 @@ CASES = [
          philosophers("explore", 3, *exports("x.mtx"))),
     Case("plot", ["explore", PHILOSOPHERS, "--const", "N=2..4", "--compare", "--quiet", "--plot", "p.svg"],
          ["explore", PHILOSOPHERS, "--const", "N=2..3", "--compare", "--quiet", "--plot", "p.svg"]),
+    Case("certify", philosophers("explore", 4, "--quiet", "--check", "--export", "x.mtx"),
+         philosophers("explore", 3, "--quiet", "--check", "--export", "x.mtx")),
     Case("draw", philosophers("draw", 4, "-o", "g.svg"), philosophers("draw", 3, "-o", "g.svg")),
     Case("label", ["label", "run/permutations", "--perm"], philosophers("detect", 3, "-o", "run"),
          reads="000000000000000000000000\n" * 4000),
+    Case("check", ["check", PHILOSOPHERS, "run", "--const", "N=3"], philosophers("detect", 3, "-o", "run")),
     Case("show", ["show", "run/permutations"], philosophers("detect", 8, "-o", "run")),
 ]
 
