@@ -256,6 +256,7 @@ int run_chosen(int argc, const char* const* argv, const Streams& streams) {
 // Allocates nothing.
 int report_memory(const Streams& streams) {
   streams.err << "symfold: error: out of memory\n";
+  RefusalWatch::note_told();
   return kLimitReached;
 }
 
@@ -307,8 +308,7 @@ int require_written(int code, const Streams& streams) {
 int run_command_line(int argc, const char* const* argv, const Streams& streams) noexcept {
   const RefusalWatch watch;
   int code = run_reporting(argc, argv, streams);
-  if (watch.has_seen_refusal() && code != kLimitReached && code != kInterrupted)
-    code = report_memory(streams);
+  if (watch.has_untold_refusal()) code = report_memory(streams);
   return require_written(code, streams);
 }
 

@@ -158,6 +158,7 @@ int ExploreRun::report_endings(const std::vector<ExplorationResult>& results) {
   for (const ExplorationResult& result : results) {
     if (result.is_complete()) continue;
     streams_.err << "symfold: " << ending_text(result) << "\n";
+    if (result.ending == Ending::kMemoryLimit) RefusalWatch::note_told();
     code = std::max<int>(code, result.ending == Ending::kInterrupted ? kInterrupted : kLimitReached);
   }
   return code;
@@ -244,6 +245,7 @@ int ExploreRun::run() {
     if (options_.max_memory == MemoryCap::kNone) throw;
     streams_.err << "symfold: error: memory limit of " << options_.max_memory << " bytes reached while "
                  << step_ << "\n";
+    RefusalWatch::note_told();
     return kLimitReached;
   }
 }

@@ -54,6 +54,8 @@ RefusalWatch::RefusalWatch() : before_(std::set_new_handler(note_refusal)) { g_i
 
 RefusalWatch::~RefusalWatch() { std::set_new_handler(before_); }
 
-bool RefusalWatch::has_seen_refusal() const { return g_is_refused; }
+bool RefusalWatch::has_untold_refusal() const { return g_is_refused; }
+
+void RefusalWatch::note_told() { g_is_refused = false; }
 
 }  // namespace symfold

@@ -46,7 +46,11 @@ class RefusalWatch {
   RefusalWatch(const RefusalWatch&) = delete;
   RefusalWatch& operator=(const RefusalWatch&) = delete;
 
-  bool has_seen_refusal() const;
+  // A refusal that the user has not been told of.
+  bool has_untold_refusal() const;
+
+  // To be called by whoever tells the user of one.
+  static void note_told();
 
  private:
   std::new_handler before_;
