@@ -19,6 +19,11 @@
 namespace symfold {
 namespace {
 
+// Apart, so that the making of a text stays out of the loop over all images.
+[[gnu::noinline]] void report_too_big(int image, std::ostream& diagnostics) {
+  diagnostics << "p_it too big: " << std::to_string(image) << std::endl;
+}
+
 // The renaming s of the GNOrder positions.
 class Renaming {
  public:
@@ -37,7 +42,7 @@ class Renaming {
     const int* const images = permutation.GetP();
     for (int i = 0; i < n; ++i) {
       const int image = has_all ? images[i] : permutation[i];
-      if (image >= n) diagnostics << "p_it too big: " << std::to_string(image) << std::endl;
+      if (image >= n) report_too_big(image, diagnostics);
       const int source = (*this)(i);
       const int target = (*this)(image);
       if (has(source) && has(target)) scratch_[static_cast<std::size_t>(source)] = target;
