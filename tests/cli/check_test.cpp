@@ -125,7 +125,7 @@ TEST(Check, SaysInNamesWhatFails) {
             "phil_2, got 4\n");
   EXPECT_EQ(check("6\n2 2\n").code, kBadFile);
   EXPECT_EQ(run({"check", kPhilosophers, "missing"}).code, kBadFile);
-  EXPECT_EQ(run({"check", "missing.sym", "table"}).code, kModelError);
+  EXPECT_EQ(run({"check", "missing.sym", "table"}).code, kBadFile);
   EXPECT_EQ(run({"check", kPhilosophers}).code, kUsage);
 }
 

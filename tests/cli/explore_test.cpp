@@ -62,7 +62,7 @@ TEST(Explore, PrintsBothStateSpacesSideBySide) {
 TEST(Explore, ReportsWhatIsNotFoldedBy) {
   ExplorationResult result{};
   result.symmetry = Symmetry::kExact;
-  result.group_order = "2";
+  result.group_order = result.group_order_text = "2";
   EXPECT_FALSE(results_json({result})["runs"][0].contains("refused"));
   result.refused = {"symfold: the generator (a b) is left out"};
   EXPECT_EQ(results_json({result})["runs"][0]["refused"], result.refused);
