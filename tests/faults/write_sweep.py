@@ -25,18 +25,24 @@ def is_standard_output(call):
     return not call[2].startswith("/dev/shm") and (call[2].startswith("pipe:") or call[2].startswith("/dev/"))
 
 
+def first_failing(fault, call, calls):
+    """The call itself, or on a full disk the first one from it on that needs space; None if there is none."""
+    needs_space = ("write", "fsync", "mkdir", "mkdtemp")
+    return next((each for each in calls if int(each[0]) >= int(call[0]) and
+                 (fault != "full" or each[1] in needs_space)), None)
+
+
 def is_published(fault, call, calls):
     """True if the first call that fails comes after one that removes a file of the earlier run."""
-    number = int(call[0])
-    needs_space = ("write", "fsync", "mkdir", "mkdtemp")
-    failing = [each for each in calls if int(each[0]) >= number and (fault != "full" or each[1] in needs_space)]
+    failing = first_failing(fault, call, calls)
     removals = [each for each in calls if each[1].startswith("unlink")]
-    return bool(failing and removals) and int(removals[0][0]) < int(failing[0][0])
+    return bool(failing and removals) and int(removals[0][0]) < int(failing[0])
 
 
 def faults_of(bench, finished, fault, call, calls, checks_output):
     """What is wrong after a run in which the call has failed."""
     wrong = []
+    failing = first_failing(fault, call, calls)
     files = faulty_runs.snapshot(bench.place)
     lines = finished.stderr.decode().splitlines()
     try:
@@ -55,7 +61,7 @@ def faults_of(bench, finished, fault, call, calls, checks_output):
         has_reason = all("error: " in line and os.strerror(FAULTS[fault]) in line for line in lines)
         if not has_reason or len(lines) not in ((1, 2) if fault in ("short", "full") else (1,)):
             wrong.append("not one line with the reason: %s" % lines)
-        elif not is_standard_output(call) and not any(name_is_told(path, lines[0]) for path in bench.paths()):
+        elif not (failing and is_standard_output(failing)) and not any(name_is_told(path, lines[0]) for path in bench.paths()):
             wrong.append("no file is named: %s" % lines)
     wrong += ["torn: " + path for path in bench.torn(files)]
     for version, marker in zip(verdicts, bench.markers()):
