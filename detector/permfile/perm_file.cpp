@@ -81,14 +81,10 @@ void write_lines(const std::vector<TableLine>& lines, Write write) {
 }
 
 std::string write_perm_file(const std::string& name, SymmetryDetection& tables) {
-  const TableLines lines(tables);
-  const std::string fault =
-      lines.is_complete()
-          ? check_lines(lines.lines())
-          : "expected tables of " + std::to_string(tables.CumPartitionInfo.size()) + " partitions";
+  const std::string fault = tables.FindTableFault();
   if (!fault.empty()) return name + ": error: not written: " + fault;
   WholeFile file(name);
-  write_lines(lines.lines(), [&](const std::string& text) { file.write(text.data(), text.size()); });
+  write_lines(TableLines(tables).lines(), [&](const std::string& text) { file.write(text.data(), text.size()); });
   file.commit();
   return file.error();
 }
@@ -112,6 +108,12 @@ void SymmetryDetection::WritePermFile(std::string& name) {
 
 void SymmetryDetection::WriteTables(std::ostream& out) {
   write_lines(TableLines(*this).lines(), [&](const std::string& text) { out << text; });
+}
+
+std::string SymmetryDetection::FindTableFault() {
+  const TableLines lines(*this);
+  if (lines.is_complete()) return check_lines(lines.lines());
+  return "expected tables of " + std::to_string(CumPartitionInfo.size()) + " partitions";
 }
 
 void SymmetryDetection::ReadPermFile(std::string& name) {

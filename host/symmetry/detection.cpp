@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <sstream>
+#include <stdexcept>
 #include <unordered_map>
 
 #include "host/language/model_description.h"
@@ -87,6 +88,8 @@ void Detection::make_tables(const ComposedModel& model) {
 }
 
 void Detection::save(const std::string& types, RunDirectory& files) {
+  const std::string fault = is_sound() ? detector_.FindTableFault() : "";
+  if (!fault.empty()) throw std::runtime_error("permutations: error: not written: " + fault);
   files.write("types", [&](std::ostream& out) { out << types; });
   files.write("model_comp_graph", [&](std::ostream& out) { detector_.PrintMCG(out); });
   files.write("mcg.viz", [&](std::ostream& out) { detector_.WriteMCGViz(out); });

@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <string>
@@ -44,7 +45,8 @@ TEST(WholeFile, AppearsWithItsLastByte) {
   std::string sum;
   {
     WholeFile file("a");
-    for (const std::size_t size : {1, 16383, 16384, 16385, 5, 100'000, 16379}) {
+    for (const std::size_t size :
+         std::initializer_list<std::size_t>{1, 16383, 16384, 16385, 5, 100'000, 16379}) {
       file.write(large.data(), size);
       sum += large.substr(0, size);
     }

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <filesystem>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <set>
@@ -362,7 +363,7 @@ TEST(Checksum, IsXxh64) {
   for (std::size_t size = 0; size < 200; ++size) {
     std::string text(size, 'x');
     for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * i);
-    for (const std::size_t piece : {1, 5, 31, 32, 33, 64})
+    for (const std::size_t piece : std::initializer_list<std::size_t>{1, 5, 31, 32, 33, 64})
       EXPECT_EQ(checksum(text, piece), checksum(text, 200));
   }
 }
