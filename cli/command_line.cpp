@@ -152,7 +152,8 @@ struct Commands {
     CLI::App* check_app = app.add_subcommand("check", "Check a permutation file against its model");
     add_model(*check_app, check.input);
     add_constants(*check_app, check.input, kConstHelp, false);
-    check_app->add_option("PERMFILE", check.perm_file, "Permutation file of the model, or its run directory")->required();
+    check_app->add_option("PERMFILE", check.perm_file, "Permutation file of the model, or its run directory")
+        ->required();
     check_app->add_flag("--json", check.json, "Print the results as one JSON object");
     check_app->callback([this, streams] { command = [this, streams] { return run_check(check, streams); }; });
 

@@ -132,7 +132,7 @@ std::string size_text(const std::string& digits) {
 }  // namespace
 
 std::string group_order_text(const std::vector<int>& orbit_lengths) {
-  const std::string digits = group_order(orbit_lengths);
+  std::string digits = group_order(orbit_lengths);
   if (digits.size() <= kMaxPlainDigits) return digits;
   std::string product = factorials(orbit_lengths);
   if (product.empty() || product.size() > kMaxProductLength) product = prime_powers(orbit_lengths);

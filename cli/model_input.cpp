@@ -171,7 +171,9 @@ std::string read_constants(const std::vector<std::string>& texts, ModelInput& in
   for (const std::string& text : texts) {
     for (const std::string_view part : split(text, ",")) {
       const std::string error = read_constant(part, input);
-      if (!error.empty()) return "--const " + text + ": " + error;
+      if (error.empty()) continue;
+      std::string told = "--const ";
+      return told.append(text).append(": ").append(error);
     }
   }
   return "";

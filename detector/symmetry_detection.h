@@ -187,8 +187,8 @@ class SymmetryDetection {
   // Writes the tables beside `name` and renames. A failure, and tables that ReadPermFile would not take, are
   // refused with one line, also in PermFileError; what stands at `name` then stays.
   void WritePermFile(std::string& name);
-  // The same text to a stream, unchecked: FindTableFault returns what ReadPermFile would say is wrong with it,
-  // or an empty text. Precondition of writing: every permutation has an image for each partition.
+  // The same text to a stream, unchecked: FindTableFault returns what ReadPermFile would say is wrong with
+  // it, or an empty text. Precondition of writing: every permutation has an image for each partition.
   void WriteTables(std::ostream& out);
   std::string FindTableFault();
   // Reads a whole file and checks it before any member changes. A failure changes nothing, and is refused

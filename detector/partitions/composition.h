@@ -4,11 +4,11 @@
 #ifndef SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
 #define SYMFOLD_DETECTOR_PARTITIONS_COMPOSITION_H
 
-#include <compare>
 #include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -51,7 +51,11 @@ struct Binding {
   int type;    // of the submodel's variable: equal numbers stand for equal texts
   int number;  // of the shared variable in its join
   int join;    // a partition
-  auto operator<=>(const Binding&) const = default;
+
+  bool operator==(const Binding&) const = default;
+  bool operator<(const Binding& other) const {
+    return std::tie(type, number, join) < std::tie(other.type, other.number, other.join);
+  }
 };
 
 // Partitions are numbered in the order of the graph's nodes.

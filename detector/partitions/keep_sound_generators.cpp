@@ -44,6 +44,7 @@ std::vector<int> bound_orbit_lengths(const std::vector<Permutation>& strong, std
   detail::UnionFind under_h(n);
   for (const Permutation& generator : sound) unite_orbits(generator, n, under_h);
   std::vector<std::pair<int, const Permutation*>> by_first;
+  by_first.reserve(strong.size());
   for (const Permutation& generator : strong) by_first.emplace_back(first_moved(generator), &generator);
   std::sort(by_first.begin(), by_first.end(), std::greater<>());
   std::sort(base.begin(), base.end(), std::greater<>());

@@ -84,7 +84,8 @@ std::string write_perm_file(const std::string& name, SymmetryDetection& tables) 
   const std::string fault = tables.FindTableFault();
   if (!fault.empty()) return name + ": error: not written: " + fault;
   WholeFile file(name);
-  write_lines(TableLines(tables).lines(), [&](const std::string& text) { file.write(text.data(), text.size()); });
+  write_lines(TableLines(tables).lines(),
+              [&](const std::string& text) { file.write(text.data(), text.size()); });
   file.commit();
   return file.error();
 }

@@ -92,8 +92,10 @@ class Scope {
 
   void bind(std::string_view name, const Binding& binding) { bindings_.emplace(name, binding); }
 
-  // Requires: the name is bound in this scope itself.
-  void set_type(std::string_view name, const StaticType& type) { bindings_.find(name)->second.type = type; }
+  // Leaves a name alone that is not bound in this scope itself, because it has another meaning outside.
+  void set_type(std::string_view name, const StaticType& type) {
+    if (const auto found = bindings_.find(name); found != bindings_.end()) found->second.type = type;
+  }
 
  private:
   const Scope* outer_;

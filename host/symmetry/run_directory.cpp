@@ -148,6 +148,7 @@ RunDirectory::RunDirectory(std::string directory) : directory_(std::move(directo
     lock_of_own_place_ = std::make_unique<DirectoryLock>(own_place_);
   } catch (const std::system_error& error) {
     if (!own_place_.empty()) rmdir(own_place_.c_str());
+    if (error.code() == std::errc::not_enough_memory) throw std::bad_alloc();
     fail(directory_, "no run directory", error.code().message());
   }
 }

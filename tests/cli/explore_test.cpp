@@ -68,8 +68,8 @@ TEST(Explore, ReportsWhatIsNotFoldedBy) {
   EXPECT_EQ(results_json({result})["runs"][0]["refused"], result.refused);
   std::ostringstream text;
   print_results(text, {result});
-  EXPECT_TRUE(text.str().ends_with(
-      "group order  2: of the symmetries that were not refused\nrefused  " + result.refused[0] + "\n"))
+  EXPECT_TRUE(text.str().ends_with("group order  2: of the symmetries that were not refused\nrefused  " +
+                                   result.refused[0] + "\n"))
       << text.str();
 }
 
