@@ -131,7 +131,7 @@ bool WholeFile::open_partial(mode_t mode) {
     return false;
   }
   descriptor_ = descriptor;
-  partial_ = path;
+  partial_ = std::move(path);  // allocates nothing: the file must not be left without its remover
   return true;
 }
 
