@@ -74,7 +74,8 @@ class Result:
 
 
 def masked(text):
-    return VARYING.sub("#", text.decode("utf-8", "replace"))
+    """What does not vary. The columns of a table are as wide as its longest figure."""
+    return re.sub(" +", " ", VARYING.sub("#", text.decode("utf-8", "replace")))
 
 
 def files_in(directory):
