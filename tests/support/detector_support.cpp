@@ -60,6 +60,15 @@ char* TestModel::text(const std::string& name) {
   return texts_.back()->data();
 }
 
+void make_tables(SymmetryDetection& detector) {
+  detector.CreatePartitionInfo();
+  detector.SSOrder = detector.GNOrder;
+  detector.ShrinkPermutations();
+  detector.AdjustPermutations();
+  detector.AdjustPartitionInfo();
+  detector.TrimPermutations();
+}
+
 void detect(SymmetryDetection& detector, const std::string& types, int submodel_bytes) {
   write_file("types", types);
   captured([&] {
@@ -67,12 +76,7 @@ void detect(SymmetryDetection& detector, const std::string& types, int submodel_
     for (ModelCompGraphNode& node : detector.GraphNodes) {
       if (node.PrivateOrJoin && node.Type != "join") node.StateSize = submodel_bytes;
     }
-    detector.CreatePartitionInfo();
-    detector.SSOrder = detector.GNOrder;
-    detector.ShrinkPermutations();
-    detector.AdjustPermutations();
-    detector.AdjustPartitionInfo();
-    detector.TrimPermutations();
+    make_tables(detector);
   });
 }
 

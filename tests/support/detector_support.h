@@ -49,6 +49,9 @@ class TestModel {
   Wrapper wrapper_{};
 };
 
+// From the group to the tables of partitions, in graph-node order; the submodels' sizes must be set.
+void make_tables(SymmetryDetection& detector);
+
 // Runs the whole detection of a model whose submodels hold `submodel_bytes` each, state vector in graph-node
 // order, up to TrimPermutations; the detector must be new. Works in the current directory.
 void detect(SymmetryDetection& detector, const std::string& types, int submodel_bytes);

@@ -391,12 +391,7 @@ TEST(Soundness, LeavesOutUnsoundGeneratorsAlone) {
       if (node.Type == "T" || node.Type == "U") node.StateSize = 2;
     }
     detector.KeepSoundGenerators();
-    detector.CreatePartitionInfo();
-    detector.SSOrder = detector.GNOrder;
-    detector.ShrinkPermutations();
-    detector.AdjustPermutations();
-    detector.AdjustPartitionInfo();
-    detector.TrimPermutations();
+    make_tables(detector);
   });
   EXPECT_EQ(
       refusals.str(),
