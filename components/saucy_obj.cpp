@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t kMaxImages = std::size_t{1} << 28;
 
-Permutation dense(const detail::SparsePermutation& moves, int n) {
+Permutation dense(const SparsePermutation& moves, int n) {
   Permutation permutation(n);
   for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
   return permutation;
@@ -109,7 +109,7 @@ void saucy_obj::saucy_search(saucy_struct* state) {
            std::to_string(n) + " vertices, got more");
     return;
   }
-  for (const detail::SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));
+  for (const SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));
   base = std::move(group.base);
   orbit_lengths = std::move(group.orbit_lengths);
   is_complete = true;

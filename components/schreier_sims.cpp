@@ -9,8 +9,8 @@ namespace symfold {
 namespace {
 
 // Returns the moves of a permutation of n points; none for the identity and for any other value.
-detail::SparsePermutation sparse(const Permutation& permutation, int n) {
-  detail::SparsePermutation moves;
+SparsePermutation sparse(const Permutation& permutation, int n) {
+  SparsePermutation moves;
   if (permutation.GetN() != n || !permutation.IsPermutation()) return moves;
   for (int i = 0; i < n; ++i) {
     if (permutation[i] != i) moves.push_back({i, permutation[i]});
@@ -27,7 +27,7 @@ void SchreierSims::SetKnownOrder(std::vector<int> orbit_lengths) {
 }
 
 std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::vector<int>& base) {
-  std::vector<detail::SparsePermutation> generators;
+  std::vector<SparsePermutation> generators;
   generators.reserve(gens.size());
   for (const Permutation& permutation : gens) generators.push_back(sparse(permutation, n_));
   gens.clear();
@@ -35,7 +35,7 @@ std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::ve
   base = std::move(chain.base);
   orbit_lengths_ = std::move(chain.orbit_lengths);
   std::vector<Permutation> strong;
-  for (const detail::SparsePermutation& moves : chain.generators) {
+  for (const SparsePermutation& moves : chain.generators) {
     Permutation& permutation = strong.emplace_back(n_);
     for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
   }

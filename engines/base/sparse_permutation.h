@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace symfold::detail {
+namespace symfold {
 
 struct PointMove {
   int point;
@@ -65,6 +65,6 @@ class PermutationList {
   std::vector<std::size_t> ends_;  // of each permutation's moves
 };
 
-}  // namespace symfold::detail
+}  // namespace symfold
 
 #endif  // SYMFOLD_ENGINES_BASE_SPARSE_PERMUTATION_H

@@ -112,7 +112,7 @@ void expect_automorphisms(const detail::ColouredGraph& graph) {
   std::vector<int> identity(static_cast<std::size_t>(graph.vertex_count()));
   std::iota(identity.begin(), identity.end(), 0);
   const auto edges = edges_of(graph, identity);
-  for (const detail::SparsePermutation& generator : detail::find_automorphisms(graph).generators) {
+  for (const SparsePermutation& generator : detail::find_automorphisms(graph).generators) {
     std::vector<int> images = identity;
     for (const auto& [point, image] : generator) images[static_cast<std::size_t>(point)] = image;
     for (int v = 0; v < graph.vertex_count(); ++v) {
