@@ -93,9 +93,11 @@ std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, 
   DegreeReduction reduction(graph);
   GeneratorCollector generators(graph.vertex_count(), limits.max_generators);
   const auto add = [&generators](const SparsePermutation& moves) { return generators.add(moves); };
+  SearchEnd end = SearchEnd::kComplete;
   bool is_sound = reduction.for_each_fibre_symmetry(add);
   if (is_sound && reduction.reduced().vertex_count() > 0) {
     const AutomorphismGroup core = search_paths(reduction.reduced(), limits);
+    end = core.end;
     AutomorphismCheck check(graph);
     SparsePermutation lifted;
     for (std::size_t g = 0; is_sound && g < core.generators.size(); ++g) {
@@ -104,8 +106,8 @@ std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, 
     }
   }
   if (!is_sound && !generators.is_over_limit()) return std::nullopt;
-  const bool is_complete = !generators.is_over_limit();
-  return AutomorphismGroup{generators.release(), {}, {}, is_complete};
+  if (generators.is_over_limit()) end = SearchEnd::kGeneratorLimit;
+  return AutomorphismGroup{generators.release(), {}, {}, end == SearchEnd::kComplete, end};
 }
 
 // Reads the base once the reduction's memory is free again.

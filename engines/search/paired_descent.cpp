@@ -7,8 +7,12 @@
 namespace symfold::detail {
 
 PairedDescent::PairedDescent(const ColouredGraph& graph, const OrderedPartition& end, OrderedPartition& right,
-                             Refiner& right_refiner)
-    : left_(end), left_refiner_(graph, left_), right_(right), right_refiner_(right_refiner) {}
+                             Refiner& right_refiner, WorkBudget& budget)
+    : left_(end),
+      left_refiner_(graph, left_, budget),
+      right_(right),
+      right_refiner_(right_refiner),
+      budget_(budget) {}
 
 void PairedDescent::set_level(int splits, int vertex) {
   splits_before_ = splits;
@@ -41,6 +45,7 @@ PairedDescent::Answer PairedDescent::run(int first_split, int max_failures,
     }
     bool has_same_trace = take_step(split, on_left, on_right);
     while (!has_same_trace) {
+      if (budget_.is_spent()) return Answer::kOpen;
       const int candidate = backtrack();
       if (candidate < 0) return Answer::kNone;
       if (++failures > max_failures) return Answer::kOpen;
@@ -72,6 +77,7 @@ int PairedDescent::backtrack() {
   for (; !steps_.empty(); steps_.pop_back()) {
     Step& step = steps_.back();
     right_.undo(step.right_splits);
+    budget_.spend(static_cast<std::size_t>(right_.length(right_.split_at(step.split).start)));
     step.latest = right_.next_member(right_.split_at(step.split).start, step.latest, step.preferred);
     if (step.latest < 0) continue;
     left_.undo(step.left_splits);

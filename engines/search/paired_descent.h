@@ -30,9 +30,9 @@ class PairedDescent {
   enum class Answer { kFound, kNone, kOpen };
 
   // `end` is the end of the first path, with its splits. The right side is changed in place. The graph, the
-  // right side and its refiner must outlive this.
+  // right side, its refiner and the budget must outlive this.
   PairedDescent(const ColouredGraph& graph, const OrderedPartition& end, OrderedPartition& right,
-                Refiner& right_refiner);
+                Refiner& right_refiner, WorkBudget& budget);
 
   const OrderedPartition& left() const { return left_; }
 
@@ -43,8 +43,8 @@ class PairedDescent {
   // Descends from the node in which w has been individualised on the right. The right side had first_split
   // splits before that. `attempt` tries to read an automorphism off the two sides; it may skip the attempt
   // unless is_last. Returns kFound if an attempt succeeds and kNone if there is no such automorphism. kOpen
-  // proves nothing: no cell differs and yet the last attempt failed, or refinement failed more often than
-  // max_failures.
+  // proves nothing: no cell differs and yet the last attempt failed, refinement failed more often than
+  // max_failures, or the budget is spent.
   Answer run(int first_split, int max_failures, const std::function<bool(bool is_last)>& attempt);
 
  private:
@@ -68,6 +68,7 @@ class PairedDescent {
   Refiner left_refiner_;
   OrderedPartition& right_;
   Refiner& right_refiner_;
+  WorkBudget& budget_;
   Trace trace_;  // of the steps, one after the other
   std::vector<Step> steps_;
 

@@ -1,7 +1,11 @@
 #include "engines/search/partial_image.h"
 
 #include <algorithm>
+#include <bit>
 #include <tuple>
+#include <utility>
+
+#include "engines/base/mix.h"
 
 namespace symfold::detail {
 namespace {
@@ -76,7 +80,8 @@ bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedParti
   constexpr int kMaxRounds = 6;
   for (int round = 0; round < kMaxRounds && !left_movers_.empty(); ++round) {
     const std::size_t known = sources_.size();
-    if (!gather_clues(left, right)) return false;
+    if (!gather_left_clues(left, right)) return false;
+    gather_right_clues(right);
     pair_unique_clues();
     if (sources_.size() < known + left_movers_.size() / 8 + 1) return false;
     std::erase_if(left_movers_, [this](int v) { return image_[v] >= 0; });
@@ -85,46 +90,58 @@ bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedParti
   return left_movers_.empty();
 }
 
-// Returns false if the left has too few clues to be worth the sorting.
-bool PartialImage::gather_clues(const OrderedPartition& left, const OrderedPartition& right) {
-  left_clues_.clear();
-  right_clues_.clear();
+// Returns false if the left has too few clues that are unique there.
+bool PartialImage::gather_left_clues(const OrderedPartition& left, const OrderedPartition& right) {
+  std::size_t max_clues = 0;
+  for (const int v : left_movers_) max_clues += graph_.neighbours(v).size();
+  clues_.assign(std::bit_ceil(2 * max_clues + 1), {-1, -1, kNone, kNone});
+  std::size_t unique = 0;
   for (const int v : left_movers_) {
     const int cell = cell_at(right, left.position_of(v));
     for (const int neighbour : graph_.neighbours(v)) {
       const int image = known_image(left, right, neighbour);
-      if (image >= 0) left_clues_.push_back({cell, image, v});
+      if (image < 0) continue;
+      Clue& clue = clue_at(cell, image);
+      if (clue.on_left == kNone) {
+        clue = {cell, image, v, kNone};
+        ++unique;
+      } else if (std::exchange(clue.on_left, kSeveral) != kSeveral) {
+        --unique;
+      }
     }
   }
-  if (left_clues_.size() < left_movers_.size() / 8) return false;
+  return unique > left_movers_.size() / 8;
+}
+
+void PartialImage::gather_right_clues(const OrderedPartition& right) {
   for (const int v : right_movers_) {
-    for (const int neighbour : graph_.neighbours(v)) right_clues_.push_back({right.cell_of(v), neighbour, v});
+    for (const int neighbour : graph_.neighbours(v)) {
+      Clue& clue = clue_at(right.cell_of(v), neighbour);
+      if (clue.on_left != kNone) clue.on_right = clue.on_right == kNone ? v : kSeveral;
+    }
   }
-  return true;
 }
 
 void PartialImage::pair_unique_clues() {
-  const auto is_before = [](const Clue& a, const Clue& b) {
-    return std::tie(a.cell, a.neighbour, a.vertex) < std::tie(b.cell, b.neighbour, b.vertex);
-  };
-  const auto is_same_place = [](const Clue& a, const Clue& b) {
-    return a.cell == b.cell && a.neighbour == b.neighbour;
-  };
-  std::sort(left_clues_.begin(), left_clues_.end(), is_before);
-  std::sort(right_clues_.begin(), right_clues_.end(), is_before);
-  auto candidate = right_clues_.begin();
-  for (auto clue = left_clues_.begin(); clue != left_clues_.end();) {
-    const auto next =
-        std::find_if_not(clue, left_clues_.end(), [&](const Clue& c) { return is_same_place(c, *clue); });
-    const Clue lowest{clue->cell, clue->neighbour, -1};
-    candidate =
-        std::find_if_not(candidate, right_clues_.end(), [&](const Clue& c) { return is_before(c, lowest); });
-    const bool is_unique = next - clue == 1 && candidate != right_clues_.end() &&
-                           is_same_place(*candidate, *clue) &&
-                           (candidate + 1 == right_clues_.end() || !is_same_place(candidate[1], *clue));
-    if (is_unique) add_pair(clue->vertex, candidate->vertex);
-    clue = next;
+  unique_clues_.clear();
+  for (const Clue& clue : clues_) {
+    if (clue.on_left >= 0 && clue.on_right >= 0) unique_clues_.push_back(clue);
   }
+  std::ranges::sort(unique_clues_, [](const Clue& a, const Clue& b) {
+    return std::tie(a.cell, a.neighbour) < std::tie(b.cell, b.neighbour);
+  });
+  for (const Clue& clue : unique_clues_) add_pair(clue.on_left, clue.on_right);
+}
+
+// Returns the clue of this cell and neighbour, or the empty place for it.
+PartialImage::Clue& PartialImage::clue_at(int cell, int neighbour) {
+  const std::size_t mask = clues_.size() - 1;
+  std::size_t place = mix(cell, neighbour) & mask;
+  while (clues_[place].on_left != kNone &&
+         (clues_[place].cell != cell || clues_[place].neighbour != neighbour)) {
+    place = (place + 1) & mask;
+  }
+  return clues_[place];
 }
 
 // The first pair of a vertex is kept.

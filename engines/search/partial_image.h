@@ -42,18 +42,25 @@ class PartialImage {
             SparsePermutation& moves);
 
  private:
+  // A vertex next to `neighbour` stands in `cell`. The neighbour is one of the right side; for left vertices,
+  // the image of theirs.
   struct Clue {
     int cell;
-    int neighbour;  // on the right; for a left vertex, the image of its neighbour
-    int vertex;     // stands in this cell and has this neighbour
+    int neighbour;
+    int on_left;  // the one such vertex, kNone or kSeveral
+    int on_right;
   };
+  static constexpr int kNone = -1;
+  static constexpr int kSeveral = -2;
 
   void collect(const OrderedPartition& left, const OrderedPartition& right, int first_split);
   void collect_movers(const OrderedPartition& left, const OrderedPartition& right, int cell);
   int known_image(const OrderedPartition& left, const OrderedPartition& right, int v) const;
   bool follow_clues(const OrderedPartition& left, const OrderedPartition& right);
-  bool gather_clues(const OrderedPartition& left, const OrderedPartition& right);
+  bool gather_left_clues(const OrderedPartition& left, const OrderedPartition& right);
+  void gather_right_clues(const OrderedPartition& right);
   void pair_unique_clues();
+  Clue& clue_at(int cell, int neighbour);
   void add_pair(int from, int to);
   void close_runs();
 
@@ -65,8 +72,8 @@ class PartialImage {
   std::vector<int> sources_;       // the vertices with an image
   std::vector<int> left_movers_;   // in a larger new cell on the left only, without an image yet
   std::vector<int> right_movers_;  // in a larger new cell on the right only, without a preimage yet
-  std::vector<Clue> left_clues_;
-  std::vector<Clue> right_clues_;
+  std::vector<Clue> clues_;        // by open addressing; empty places have no left vertex
+  std::vector<Clue> unique_clues_;
 };
 
 }  // namespace symfold::detail

@@ -16,6 +16,8 @@
 #include "engines/search/paired_descent.h"
 #include "engines/search/partial_image.h"
 #include "engines/search/refinement.h"
+#include "engines/search/subtree_match.h"
+#include "engines/search/work_budget.h"
 
 namespace symfold::detail {
 namespace {
@@ -66,21 +68,25 @@ class PathSearch {
  public:
   // The references must outlive this. `keys` tell at least the colours apart.
   PathSearch(const ColouredGraph& graph, BallHashes& balls, PointVector<std::uint64_t>& keys,
-             const SearchLimits& limits)
+             const SearchLimits& limits, WorkBudget& budget)
       : balls_(balls),
         keys_(keys),
+        budget_(budget),
         partition_(graph.vertex_count()),
-        refiner_(graph, partition_),
+        refiner_(graph, partition_, budget),
         end_(follow_first_path()),
-        descent_(graph, end_, partition_, refiner_),
+        descent_(graph, end_, partition_, refiner_, budget),
+        subtrees_(graph, partition_, refiner_, group_.generators, budget),
         partial_image_(graph),
         check_(graph),
         orbits_(graph.vertex_count()),
-        limits_(limits) {}
+        limits_(limits),
+        max_descent_failures_(limits.max_descent_failures) {}
 
   // Returns nothing if so much failed that the keys have been made finer: a new search has to begin with
   // them.
   std::optional<AutomorphismGroup> run() {
+    if (budget_.is_spent()) end_search(SearchEnd::kWorkBudget);
     for (int i = levels_.size() - 1; i >= 0 && group_.is_complete; --i) {
       if (!explore_level(i)) return std::nullopt;
       if (levels_[i].orbit_length == 1) continue;
@@ -93,11 +99,16 @@ class PathSearch {
   }
 
  private:
+  void end_search(SearchEnd end) {
+    group_.is_complete = false;
+    group_.end = end;
+  }
+
   // Individualises vertices in ascending order. No vertex before v shares its cell, since a vertex alone in
   // its cell stays alone.
   const OrderedPartition& follow_first_path() {
     refiner_.refine_by(keys_);
-    for (int v = 0; !partition_.is_discrete(); ++v) {
+    for (int v = 0; !partition_.is_discrete() && !budget_.is_spent(); ++v) {
       const int cell = partition_.cell_of(v);
       if (partition_.length(cell) == 1) continue;
       levels_.push_back({v, cell, partition_.length(cell), partition_.split_count(), trace_.size()});
@@ -116,18 +127,24 @@ class PathSearch {
     // Marks the failed orbits of this level; greater than all marks of earlier levels.
     const int failed = levels_.size() - i;
     descent_.set_level(level.splits, level.vertex);
+    subtrees_.set_level(end_, level.splits, level.vertex);
     for (int position = level.cell + level.length - 1; position >= level.cell; --position) {
       if (orbits_.size(level.vertex) == level.length) break;
       const int v = end_.vertex_at(position);
       if (orbits_.are_together(v, level.vertex) || orbits_.mark(v) == failed) continue;
       const std::size_t work = refiner_.work();
-      if (!find_image(i, orbits_.largest(v))) {
+      const bool is_found = find_image(i, orbits_.largest(v));
+      if (budget_.is_spent()) {
+        end_search(SearchEnd::kWorkBudget);
+        break;
+      }
+      if (!is_found) {
         orbits_.set_mark(v, failed);
         failed_work_ += refiner_.work() - work;
         if (make_finer_keys()) return false;
       }
       if (group_.generators.size() > limits_.max_generators) {
-        group_.is_complete = false;
+        end_search(SearchEnd::kGeneratorLimit);
         break;
       }
     }
@@ -154,12 +171,27 @@ class PathSearch {
     const auto attempt = [this, top](bool is_last) {
       return attempt_generator(descent_.left(), top, is_last);
     };
-    switch (descent_.run(levels_[top].splits, limits_.max_descent_failures, attempt)) {
+    switch (descent_.run(levels_[top].splits, max_descent_failures_, attempt)) {
       case PairedDescent::Answer::kFound:
         return true;
       case PairedDescent::Answer::kNone:
         return false;
       case PairedDescent::Answer::kOpen:
+        break;
+    }
+    if (!limits_.matches_subtrees) return follow_levels(top, w);
+    max_descent_failures_ = std::min(max_descent_failures_, 1);
+    partition_.undo(levels_[top].splits);
+    individualise(top, w);
+    const auto last_attempt = [this, top](const OrderedPartition& left) {
+      return attempt_generator(left, top, true);
+    };
+    switch (subtrees_.run(levels_[top].splits, last_attempt)) {
+      case SubtreeMatch::Answer::kFound:
+        return true;
+      case SubtreeMatch::Answer::kNone:
+        return false;
+      case SubtreeMatch::Answer::kOpen:
         break;
     }
     return follow_levels(top, w);
@@ -225,6 +257,8 @@ class PathSearch {
     for (; i > top; --i) {
       Level& level = levels_[i];
       partition_.undo(level.splits);
+      if (budget_.is_spent()) break;
+      budget_.spend(static_cast<std::size_t>(level.length));
       if (level.tries > level.length - level.orbit_length) continue;
       ++level.tries;
       level.latest = partition_.next_member(level.cell, level.latest, level.preferred);
@@ -235,19 +269,22 @@ class PathSearch {
 
   BallHashes& balls_;
   PointVector<std::uint64_t>& keys_;
+  WorkBudget& budget_;
+  AutomorphismGroup group_;
   PointVector<Level> levels_;
   Trace trace_;                 // of the first path
   OrderedPartition partition_;  // the right side
   Refiner refiner_;
   OrderedPartition end_;  // of the first path
   PairedDescent descent_;
+  SubtreeMatch subtrees_;
   PartialImage partial_image_;
   AutomorphismCheck check_;
   SearchOrbits orbits_;
-  AutomorphismGroup group_;
   SearchLimits limits_;
-  SparsePermutation moves_;  // the current guess
-  int next_attempt_ = 0;     // the number of splits that it needs
+  int max_descent_failures_;  // 1 at most once a descent has had more
+  SparsePermutation moves_;   // the current guess
+  int next_attempt_ = 0;      // the number of splits that it needs
   std::size_t failed_work_ = 0;
 };
 
@@ -257,8 +294,9 @@ AutomorphismGroup search_paths(const ColouredGraph& graph, const SearchLimits& l
   if (is_rigid_by_hashes(graph)) return {};
   BallHashes balls(graph);
   PointVector<std::uint64_t> keys = colour_keys(graph);
+  WorkBudget budget(limits.max_work);
   for (;;) {
-    if (auto group = PathSearch(graph, balls, keys, limits).run()) return *std::move(group);
+    if (auto group = PathSearch(graph, balls, keys, limits, budget).run()) return *std::move(group);
   }
 }
 

@@ -46,19 +46,31 @@
 
 namespace symfold::detail {
 
+enum class SearchEnd { kComplete, kGeneratorLimit, kWorkBudget };
+
+// If the search did not end by itself, the generators found by then are those of a subgroup. They are strong
+// for it, and base and lengths are its own.
 struct AutomorphismGroup {
   PermutationList generators;      // strong relative to the base; none is the identity
   std::vector<int> base;           // each the smallest vertex moved by the stabiliser of those before
   std::vector<int> orbit_lengths;  // of the base points, each at least 2
-  bool is_complete = true;         // false: the search stopped at the generator limit
+  bool is_complete = true;         // false: the group may be larger; `end` says why the search ended
+  SearchEnd end = SearchEnd::kComplete;
 };
 
 struct SearchLimits {
   // The search ends when it has found more generators.
   std::size_t max_generators = std::numeric_limits<std::size_t>::max();
 
+  // The search ends when it has examined so many edges, or done work that costs about as much. One takes
+  // about ten nanoseconds, so the default is about a minute.
+  std::size_t max_work = 5'000'000'000;
+
   // A paired descent with more failures leaves its question open; 0 forbids descents.
-  int max_descent_failures = 10'000;
+  int max_descent_failures = 20;
+
+  // Forbids what subtree_match.h does.
+  bool matches_subtrees = true;
 };
 
 // Does the same as find_automorphisms (automorphism_search.h), on the graph as it is.

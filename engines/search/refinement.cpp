@@ -27,9 +27,10 @@ PointVector<std::uint64_t> colour_keys(const ColouredGraph& graph) {
   return keys;
 }
 
-Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition)
+Refiner::Refiner(const ColouredGraph& graph, OrderedPartition& partition, WorkBudget& budget)
     : graph_(graph),
       partition_(partition),
+      budget_(budget),
       is_queued_(graph.vertex_count(), 0),
       count_(graph.vertex_count(), 0),
       touched_(graph.vertex_count(), 0) {}
@@ -81,7 +82,7 @@ bool Refiner::run() {
   while (has_same_trace && queue_head_ < queue_.size() && !partition_.is_discrete()) {
     const int splitter = queue_[queue_head_++];
     is_queued_[splitter] = 0;
-    has_same_trace = apply_splitter(splitter);
+    has_same_trace = apply_splitter(splitter) && !budget_.is_spent();
   }
   clear_work();
   return has_same_trace;
@@ -92,9 +93,10 @@ bool Refiner::apply_splitter(int splitter) {
   const auto members = partition_.members(splitter);
   splitter_members_.assign(members.begin(), members.end());
   unsplit_hash_ = 0;
+  std::size_t edges = splitter_members_.size();
   for (const int v : splitter_members_) {
     const auto neighbours = graph_.neighbours(v);
-    work_ += neighbours.size();
+    edges += neighbours.size();
     if (graph_.has_weights()) {
       const auto weights = graph_.weights(v);
       for (std::size_t i = 0; i < neighbours.size(); ++i) count_edge_to(neighbours[i], count_of(weights[i]));
@@ -102,6 +104,8 @@ bool Refiner::apply_splitter(int splitter) {
       for (const int neighbour : neighbours) count_edge_to(neighbour, 1);
     }
   }
+  work_ += edges - splitter_members_.size();
+  budget_.spend(edges);
   return split_touched_cells();
 }
 

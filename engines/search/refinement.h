@@ -27,6 +27,7 @@
 
 #include "engines/graph/coloured_graph.h"
 #include "engines/search/ordered_partition.h"
+#include "engines/search/work_budget.h"
 
 namespace symfold::detail {
 
@@ -37,8 +38,9 @@ PointVector<std::uint64_t> colour_keys(const ColouredGraph& graph);
 
 class Refiner {
  public:
-  // Both must outlive the refiner.
-  Refiner(const ColouredGraph& graph, OrderedPartition& partition);
+  // All must outlive the refiner. Once the budget is spent, every refinement ends: the partition is then not
+  // equitable, comparing returns false, and what has been recorded is no trace.
+  Refiner(const ColouredGraph& graph, OrderedPartition& partition, WorkBudget& budget);
 
   // Splits the one initial cell by the vertices' keys, in ascending order, and makes the partition equitable.
   void refine_by(const PointVector<std::uint64_t>& keys);
@@ -70,6 +72,7 @@ class Refiner {
 
   const ColouredGraph& graph_;
   OrderedPartition& partition_;
+  WorkBudget& budget_;
 
   Trace* recorded_ = nullptr;                // null while comparing
   std::span<const std::uint64_t> expected_;  // the rest of the trace to compare with

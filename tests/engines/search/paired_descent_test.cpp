@@ -35,10 +35,11 @@ ColouredGraph two_roots(unsigned seed, const std::vector<int>& cycles) {
 
 PairedDescent::Answer exchange_roots(const ColouredGraph& graph, int max_failures) {
   OrderedPartition right(graph.vertex_count());
-  Refiner refiner(graph, right);
+  WorkBudget budget(1'000'000);
+  Refiner refiner(graph, right, budget);
   refiner.refine_by(colour_keys(graph));
   const int splits = right.split_count();
-  PairedDescent descent(graph, right, right, refiner);
+  PairedDescent descent(graph, right, right, refiner, budget);
   descent.set_level(splits, 0);
   Trace trace;
   refiner.individualise_and_record(0, trace);
