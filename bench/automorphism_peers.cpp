@@ -1,137 +1,44 @@
-// The automorphism search beside general tools: nauty, Traces and bliss get the same coloured graphs in the
-// same run, in the order in which detection numbers them and shuffled.
+// The automorphism search beside general tools: nauty, Traces, bliss and, if its header was found, dejavu get
+// the same coloured graphs in the same run, in the order in which detection numbers them and shuffled.
 //
-//   automorphism_peers [--limit SECONDS] [--sizes N,N,..] [--only TEXT] [--all-to-the-limit]
+//   automorphism_peers [--limit SECONDS] [--rounds N] [--sizes N,N,..] [--only TEXT] [--all-to-the-limit]
+//   automorphism_peers --unseen SEED COUNT [..]
 //
-// Every search runs in a process of its own, which is ended at the limit (20 s); what is timed is the search
-// alone, from the graph in the tool's own form to the generators, the fastest of several searches where one
-// is short, in rounds over all tools. The tools write nothing down. Once one tool has ended, one that needs
-// fifty times as long is ended too, unless all are let run to the limit. A line for each graph, as a table's
-// row, tells the milliseconds, and ours as a share of the fastest tool's; all that end must agree on the
-// order of the group.
+// The graphs: the examples at each of the sizes, then combinatorial objects, bare and as compositions; or,
+// with
+// --unseen, random compositions alone. Every search runs in a process of its own, which is ended at the limit
+// (20 s); what is timed is the search alone, from the graph in the tool's own form to the generators, the
+// fastest of several searches where one is short, in rounds over all tools. The time is processor time, which
+// other work on the machine disturbs least. The tools write nothing down. Once one tool has ended, one that
+// needs fifty times as long is ended too, unless all are let run to the limit. A line for each graph, as a
+// table's row, tells the milliseconds, and ours as a share of the fastest tool's; all that end must agree on
+// the order of the group.
+//
+// dejavu is probabilistic: with its default error bound, which is used here, it may miss a generator with a
+// probability below 2^-10, and gives no proof. The other tools, and ours, are certain. An order in which
+// dejavu alone differs is therefore shown, and counted apart.
 
-#include <nauty/nausparse.h>
-#include <nauty/traces.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <bliss/graph.hh>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <memory>
-#include <numeric>
 #include <optional>
 #include <sstream>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "bench/automorphism_tools.h"
+#include "bench/combinatorial_graphs.h"
 #include "bench/composition_graphs.h"
-#include "engines/reduction/automorphism_search.h"
+#include "bench/unseen_compositions.h"
 
 namespace symfold::detail {
 namespace {
-
-struct Measurement {
-  double seconds;
-  double log_order;  // decimal
-};
-
-template <class Search>
-double seconds_of(const Search& search) {
-  const auto start = std::chrono::steady_clock::now();
-  search();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-Measurement run_symfold(const GraphParts& parts) {
-  const ColouredGraph graph(parts.n, parts.boundaries, parts.edges);
-  AutomorphismGroup group;
-  const double seconds = seconds_of([&] { group = find_automorphisms(graph); });
-  double log_order = 0;
-  for (const int length : group.orbit_lengths) log_order += std::log10(length);
-  return {seconds, log_order};
-}
-
-// The graph, and the colours as the end of each cell, as nauty and Traces take them.
-class SparseGraph {
- public:
-  explicit SparseGraph(const GraphParts& parts)
-      : first_(static_cast<std::size_t>(parts.n), 0),
-        degree_(first_.size(), 0),
-        colour_order_(first_.size()),
-        continues_(first_.size(), 1),
-        orbits_(first_.size()) {
-    const ColouredGraph graph(parts.n, parts.boundaries, parts.edges);
-    for (int v = 0; v < parts.n; ++v) {
-      const auto neighbours = graph.neighbours(v);
-      const auto i = static_cast<std::size_t>(v);
-      first_[i] = ends_.size();
-      degree_[i] = static_cast<int>(neighbours.size());
-      ends_.insert(ends_.end(), neighbours.begin(), neighbours.end());
-    }
-    std::iota(colour_order_.begin(), colour_order_.end(), 0);
-    for (const int boundary : parts.boundaries) continues_[static_cast<std::size_t>(boundary) - 1] = 0;
-    continues_.back() = 0;
-    graph_ = {ends_.size(), first_.data(), parts.n,        degree_.data(), ends_.data(),
-              nullptr,      first_.size(), degree_.size(), ends_.size(),   0};
-  }
-  SparseGraph(const SparseGraph&) = delete;
-  SparseGraph& operator=(const SparseGraph&) = delete;
-
-  Measurement run_nauty() {
-    static DEFAULTOPTIONS_SPARSEGRAPH(options);
-    statsblk stats;
-    options.defaultptn = FALSE;
-    const double seconds = seconds_of([&] {
-      sparsenauty(&graph_, colour_order_.data(), continues_.data(), orbits_.data(), &options, &stats,
-                  nullptr);
-    });
-    return {seconds, std::log10(stats.grpsize1) + stats.grpsize2};
-  }
-
-  Measurement run_traces() {
-    static DEFAULTOPTIONS_TRACES(options);
-    TracesStats stats;
-    options.defaultptn = FALSE;
-    const double seconds = seconds_of([&] {
-      Traces(&graph_, colour_order_.data(), continues_.data(), orbits_.data(), &options, &stats, nullptr);
-    });
-    return {seconds, std::log10(stats.grpsize1) + stats.grpsize2};
-  }
-
- private:
-  std::vector<size_t> first_;
-  std::vector<int> degree_, ends_, colour_order_, continues_, orbits_;
-  sparsegraph graph_;
-};
-
-Measurement run_nauty(const GraphParts& parts) { return SparseGraph(parts).run_nauty(); }
-Measurement run_traces(const GraphParts& parts) { return SparseGraph(parts).run_traces(); }
-
-Measurement run_bliss(const GraphParts& parts) {
-  bliss::Graph graph;
-  unsigned colour = 0;
-  for (int v = 0; v < parts.n; ++v) {
-    if (colour < parts.boundaries.size() && parts.boundaries[colour] == v) ++colour;
-    graph.add_vertex(colour);
-  }
-  for (const Edge& edge : parts.edges)
-    graph.add_edge(static_cast<unsigned>(edge.from), static_cast<unsigned>(edge.to));
-  bliss::Stats stats;
-  const double seconds = seconds_of([&] { graph.find_automorphisms(stats, nullptr, nullptr); });
-  return {seconds, static_cast<double>(std::log10(stats.get_group_size_approx()))};
-}
-
-struct Tool {
-  const char* name;
-  Measurement (*run)(const GraphParts&);
-};
-
-constexpr std::array<Tool, 4> kTools = {
-    {{"symfold", run_symfold}, {"nauty", run_nauty}, {"Traces", run_traces}, {"bliss", run_bliss}}};
 
 // The fastest of up to eleven searches that together take no more than a quarter of a second or so.
 Measurement fastest_of_several(const Tool& tool, const GraphParts& parts) {
@@ -166,9 +73,12 @@ std::optional<Measurement> measure(const Tool& tool, const GraphParts& parts, do
 
 struct Options {
   double limit = 20;
+  int rounds = 15;
   bool lets_all_run = false;
   std::string only;
   std::vector<int> sizes{1'000, 10'000, 100'000};
+  unsigned unseen_seed = 0;
+  int unseen_count = 0;
 };
 
 Options read_options(int argc, char** argv) {
@@ -182,7 +92,12 @@ Options read_options(int argc, char** argv) {
     }
     ++i;
     if (option == "--limit") options.limit = std::stod(value);
+    if (option == "--rounds") options.rounds = std::stoi(value);
     if (option == "--only") options.only = value;
+    if (option == "--unseen" && i + 1 < argc) {
+      options.unseen_seed = static_cast<unsigned>(std::stoul(value));
+      options.unseen_count = std::stoi(argv[++i]);
+    }
     if (option == "--sizes") {
       options.sizes.clear();
       std::istringstream list(value);
@@ -192,102 +107,132 @@ Options read_options(int argc, char** argv) {
   return options;
 }
 
+// Rows of one kind of graph.
+class Summary {
+ public:
+  void add(const std::string& row, double ratio) { ratios_.emplace_back(ratio, row); }
+
+  void print(const char* kind) {
+    if (ratios_.empty()) return;
+    std::sort(ratios_.rbegin(), ratios_.rend());
+    double sum_of_logs = 0;
+    for (const auto& [ratio, row] : ratios_) sum_of_logs += std::log(ratio);
+    const auto above =
+        std::count_if(ratios_.begin(), ratios_.end(), [](const auto& entry) { return entry.first > 2; });
+    std::printf("\n%s: %zu rows, geometric mean of the ratios %.2f, %td above 2.0; worst:\n", kind,
+                ratios_.size(), std::exp(sum_of_logs / static_cast<double>(ratios_.size())), above);
+    for (std::size_t i = 0; i < std::min<std::size_t>(5, ratios_.size()); ++i)
+      std::printf("  %.2f %s\n", ratios_[i].first, ratios_[i].second.c_str());
+  }
+
+ private:
+  std::vector<std::pair<double, std::string>> ratios_;
+};
+
 class Table {
  public:
   explicit Table(Options options) : options_(std::move(options)) {
     std::printf("| graph | order | vertices |");
-    for (const Tool& tool : kTools) std::printf(" %s |", tool.name);
-    std::printf(" ratio |\n|---|---|---|---|---|---|---|---|\n");
+    for (const Tool& tool : tools_) std::printf(" %s |", tool.name);
+    std::printf(" ratio |\n|---|---|---|");
+    for (std::size_t i = 0; i < tools_.size(); ++i) std::printf("---|");
+    std::printf("---|\n");
   }
 
-  void add_row(const std::string& name, const char* order, const GraphParts& parts) {
-    std::printf("| %s | %s | %d |", name.c_str(), order, parts.n);
-    Results results;
-    double fastest = options_.limit;
-    Limits limits;
-    for (std::size_t i = 0; i < kTools.size(); ++i) {
-      limits[i] =
-          options_.lets_all_run ? options_.limit : std::min(options_.limit, std::max(1.0, 50 * fastest));
-      results[i] = measure(kTools[i], parts, limits[i]);
-      if (results[i].has_value()) fastest = std::min(fastest, results[i]->seconds);
-    }
-    repeat_short_searches(parts, results);
-    for (std::size_t i = 0; i < kTools.size(); ++i) {
-      const bool has_ended = results[i].has_value();
-      std::printf(" %s%.3g |", has_ended ? "" : "> ", 1e3 * (has_ended ? results[i]->seconds : limits[i]));
-    }
-    note_ratio(results, limits);
-    note_orders(results);
+  void add_rows(const NamedGraph& graph) {
+    if (graph.name.find(options_.only) == std::string::npos) return;
+    add_row(graph, "natural", graph.parts);
+    add_row(graph, "shuffled", shuffled(graph.parts, 7));
   }
 
-  // The mean of the ratios, or what kept it from being one.
-  int finish() const {
-    std::printf(
-        "\n%d graphs, geometric mean of the ratios %.2f, largest %.2f (%d above 1.5), %d disagreements\n",
-        rows_, std::exp(sum_of_logs_ / rows_), largest_, above_, disagreements_);
+  // Returns the exit code: 1 if tools that are certain disagree.
+  int finish() {
+    compositions_.print("compositions");
+    bare_.print("bare graphs");
+    std::printf("\n%d disagreements, and %d of dejavu alone\n", disagreements_, probabilistic_disagreements_);
     return disagreements_ == 0 ? 0 : 1;
   }
 
  private:
-  using Results = std::array<std::optional<Measurement>, kTools.size()>;
-  using Limits = std::array<double, kTools.size()>;
+  using Results = std::vector<std::optional<Measurement>>;
+  using Limits = std::vector<double>;
 
-  static constexpr int kRounds = 15;
   static constexpr double kShort = 0.01;  // seconds
+
+  void add_row(const NamedGraph& graph, const char* order, const GraphParts& parts) {
+    std::printf("| %s | %s | %d |", graph.name.c_str(), order, parts.n);
+    std::fflush(stdout);
+    Results results;
+    Limits limits;
+    double fastest = options_.limit;
+    for (const Tool& tool : tools_) {
+      limits.push_back(options_.lets_all_run ? options_.limit
+                                             : std::min(options_.limit, std::max(1.0, 50 * fastest)));
+      results.push_back(measure(tool, parts, limits.back()));
+      if (results.back().has_value()) fastest = std::min(fastest, results.back()->seconds);
+    }
+    repeat_short_searches(parts, results);
+    for (std::size_t i = 0; i < results.size(); ++i) {
+      const bool has_ended = results[i].has_value();
+      std::printf(" %s%.3g |", has_ended ? "" : "> ", 1e3 * (has_ended ? results[i]->seconds : limits[i]));
+    }
+    const double ratio = ratio_of(results, limits);
+    std::printf(" %.2f |", ratio);
+    (graph.kind == GraphKind::kBare ? bare_ : compositions_).add(graph.name + ", " + order, ratio);
+    note_orders(results);
+  }
 
   // In turn, so that what else the machine does slows down all of them or none.
   void repeat_short_searches(const GraphParts& parts, Results& results) const {
-    for (int round = 1; round < kRounds; ++round) {
-      for (std::size_t i = 0; i < kTools.size(); ++i) {
+    for (int round = 1; round < options_.rounds; ++round) {
+      for (std::size_t i = 0; i < tools_.size(); ++i) {
         if (!results[i].has_value() || results[i]->seconds > kShort) continue;
-        if (const auto again = measure(kTools[i], parts, options_.limit))
+        if (const auto again = measure(tools_[i], parts, options_.limit))
           results[i]->seconds = std::min(results[i]->seconds, again->seconds);
       }
     }
   }
 
   // Against a tool that was ended the ratio is at most this.
-  void note_ratio(const Results& results, const Limits& limits) {
+  static double ratio_of(const Results& results, const Limits& limits) {
     const auto seconds = [&](std::size_t i) {
       return results[i].has_value() ? results[i]->seconds : limits[i];
     };
-    double fastest = options_.limit;
-    for (std::size_t i = 1; i < results.size(); ++i) fastest = std::min(fastest, seconds(i));
-    const double ratio = seconds(0) / fastest;
-    std::printf(" %.2f |", ratio);
-    ++rows_;
-    sum_of_logs_ += std::log(ratio);
-    largest_ = std::max(largest_, ratio);
-    if (ratio > 1.5) ++above_;
+    double fastest = seconds(1);
+    for (std::size_t i = 2; i < results.size(); ++i) fastest = std::min(fastest, seconds(i));
+    return seconds(0) / fastest;
   }
 
   // Orders beyond what a tool's numbers hold are infinite and say nothing.
   void note_orders(const Results& results) {
-    for (const auto& result : results) {
+    for (std::size_t i = 1; i < results.size(); ++i) {
+      const auto& result = results[i];
       if (!result.has_value() || !results[0].has_value() || !std::isfinite(result->log_order)) continue;
       if (std::abs(result->log_order - results[0]->log_order) < 1e-6 * (1 + results[0]->log_order)) continue;
-      std::printf(" order 10^%.6f, here 10^%.6f", result->log_order, results[0]->log_order);
-      ++disagreements_;
+      std::printf(" %s: order 10^%.6f, here 10^%.6f", tools_[i].name, result->log_order,
+                  results[0]->log_order);
+      ++(tools_[i].is_certain ? disagreements_ : probabilistic_disagreements_);
     }
     std::printf("\n");
     std::fflush(stdout);
   }
 
+  const std::vector<Tool>& tools_ = automorphism_tools();
   Options options_;
-  int rows_ = 0;
-  int above_ = 0;
+  Summary compositions_, bare_;
   int disagreements_ = 0;
-  double sum_of_logs_ = 0;
-  double largest_ = 0;
+  int probabilistic_disagreements_ = 0;
 };
 
 int run(const Options& options) {
   Table table(options);
-  for (const NamedGraph& graph : graph_families(options.sizes)) {
-    if (graph.name.find(options.only) == std::string::npos) continue;
-    table.add_row(graph.name, "natural", graph.parts);
-    table.add_row(graph.name, "shuffled", shuffled(graph.parts, 7));
+  if (options.unseen_count > 0) {
+    for (const NamedGraph& graph : unseen_compositions(options.unseen_seed, options.unseen_count))
+      table.add_rows(graph);
+    return table.finish();
   }
+  for (const NamedGraph& graph : graph_families(options.sizes)) table.add_rows(graph);
+  for (const NamedGraph& graph : combinatorial_families()) table.add_rows(graph);
   return table.finish();
 }
 

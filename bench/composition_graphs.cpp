@@ -6,72 +6,17 @@
 #include <random>
 #include <utility>
 
+#include "bench/incidence_structures.h"
+
 namespace symfold::detail {
 namespace {
 
-// Parts in any order; finish() numbers them by colour: types in the order of their numbers, joins, variables.
-class Composition {
- public:
-  int add_submodel(int type = 0) { return add(type); }
-  int add_join() { return add(kJoin); }
-
-  void bind(int join, int submodel, int variable = 0) {
-    const int local = add(kJoin + 1 + colours_[static_cast<std::size_t>(submodel)] * kJoin + variable);
-    edges_.push_back({join, local});
-    edges_.push_back({local, submodel});
-  }
-
-  // A join of two submodels.
-  void link(int a, int b, int a_variable = 0, int b_variable = 0) {
-    const int join = add_join();
-    bind(join, a, a_variable);
-    bind(join, b, b_variable);
-  }
-
-  GraphParts finish() && {
-    std::vector<int> order(colours_.size());
-    std::iota(order.begin(), order.end(), 0);
-    const auto colour = [this](int part) { return colours_[static_cast<std::size_t>(part)]; };
-    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return colour(a) < colour(b); });
-    GraphParts parts{static_cast<int>(order.size()), {}, std::move(edges_)};
-    std::vector<int> number(order.size());
-    for (int v = 0; v < parts.n; ++v) {
-      const int part = order[static_cast<std::size_t>(v)];
-      number[static_cast<std::size_t>(part)] = v;
-      if (v > 0 && colour(part) != colour(order[static_cast<std::size_t>(v) - 1]))
-        parts.boundaries.push_back(v);
-    }
-    for (Edge& edge : parts.edges) {
-      edge = {number[static_cast<std::size_t>(edge.from)], number[static_cast<std::size_t>(edge.to)]};
-    }
-    return parts;
-  }
-
- private:
-  static constexpr int kJoin = 64;  // more than types, and than the variables of a type
-
-  int add(int colour) {
-    colours_.push_back(colour);
-    return static_cast<int>(colours_.size()) - 1;
-  }
-
-  std::vector<int> colours_;
-  std::vector<Edge> edges_;
-};
-
 int root(double x) { return static_cast<int>(std::lround(std::sqrt(x))); }
-
-// `count` submodels, added in a row, so that their numbers follow the first one's, which is given.
-int add_row(Composition& composition, int count, int type = 0) {
-  int first = 0;
-  for (int i = 0; i < count; ++i) first = composition.add_submodel(type) - i;
-  return first;
-}
 
 NamedGraph star(int size) {
   const int clients = size / 2;
   Composition composition;
-  add_row(composition, clients);
+  composition.add_submodels(clients);
   const int bus = composition.add_join();
   for (int i = 0; i < clients; ++i) composition.bind(bus, i);
   return {"star N=" + std::to_string(clients), std::move(composition).finish()};
@@ -80,7 +25,7 @@ NamedGraph star(int size) {
 NamedGraph philosophers(int size) {
   const int count = size / 4;
   Composition composition;
-  add_row(composition, count);
+  composition.add_submodels(count);
   for (int i = 0; i < count; ++i) composition.link(i, (i + 1) % count, 0, 1);
   return {"philosophers N=" + std::to_string(count), std::move(composition).finish()};
 }
@@ -88,8 +33,8 @@ NamedGraph philosophers(int size) {
 NamedGraph arms(int size) {
   const int count = size / 10;
   Composition composition;
-  add_row(composition, count);
-  const int arm = add_row(composition, 2 * count, 1);
+  composition.add_submodels(count);
+  const int arm = composition.add_submodels(2 * count, 1);
   for (int i = 0; i < count; ++i) {
     const int shoulders = composition.add_join();
     composition.bind(shoulders, i);
@@ -111,7 +56,7 @@ void for_each_site(int width, Visit visit) {
 NamedGraph routers(int size) {
   const int width = root(size / 7.0);
   Composition composition;
-  add_row(composition, width * width);
+  composition.add_submodels(width * width);
   for_each_site(width, [&](int site, int right, int down) {
     composition.link(site, right, 0, 1);
     composition.link(site, down, 2, 3);
@@ -123,8 +68,8 @@ NamedGraph torus(int size) {
   const int width = root(size / 15.0);
   const int sites = width * width;
   Composition composition;
-  add_row(composition, sites);
-  const int contact = add_row(composition, 4 * sites, 1);
+  composition.add_submodels(sites);
+  const int contact = composition.add_submodels(4 * sites, 1);
   std::vector<int> health;
   for (int site = 0; site < sites; ++site) {
     health.push_back(composition.add_join());
@@ -147,8 +92,8 @@ NamedGraph torus(int size) {
 NamedGraph wreath(int size) {
   const int racks = root(size / 2.0);
   Composition composition;
-  add_row(composition, racks);
-  const int server = add_row(composition, racks * racks, 1);
+  composition.add_submodels(racks);
+  const int server = composition.add_submodels(racks * racks, 1);
   const int backbone = composition.add_join();
   for (int m = 0; m < racks; ++m) {
     const int bus = composition.add_join();
@@ -168,7 +113,7 @@ int hypercube_dimension(int size) {
 
 GraphParts hypercube_graph(int dimension, bool has_named_dimensions) {
   Composition composition;
-  add_row(composition, 1 << dimension);
+  composition.add_submodels(1 << dimension);
   for (int k = 0; k < dimension; ++k) {
     for (int node = 0; node < 1 << dimension; ++node) {
       const int variable = has_named_dimensions ? k : 0;
@@ -191,8 +136,8 @@ NamedGraph even_hypercube(int size) {
 NamedGraph complete(int size) {
   const int hubs = root(size / 3.0);
   Composition composition;
-  add_row(composition, hubs);
-  const int channel = add_row(composition, hubs * (hubs - 1), 1);
+  composition.add_submodels(hubs);
+  const int channel = composition.add_submodels(hubs * (hubs - 1), 1);
   std::vector<std::pair<int, int>> ends;
   for (int i = 0; i < hubs; ++i) {
     for (int j = 0; j < hubs; ++j) {
@@ -215,9 +160,9 @@ NamedGraph complete(int size) {
 NamedGraph clients_servers(int size) {
   const int count = root(size / 3.0);
   Composition composition;
-  add_row(composition, count);
-  const int server = add_row(composition, count, 1);
-  const int session = add_row(composition, count * count, 2);
+  composition.add_submodels(count);
+  const int server = composition.add_submodels(count, 1);
+  const int session = composition.add_submodels(count * count, 2);
   for (int side = 0; side < 2; ++side) {
     for (int i = 0; i < count; ++i) {
       const int join = composition.add_join();
@@ -233,7 +178,7 @@ NamedGraph clients_servers(int size) {
 NamedGraph pairs(int size) {
   const int count = size / 5;
   Composition composition;
-  add_row(composition, 2 * count);
+  composition.add_submodels(2 * count);
   for (int i = 0; i < count; ++i) composition.link(2 * i, 2 * i + 1);
   return {"pairs N=" + std::to_string(count), std::move(composition).finish()};
 }
@@ -241,7 +186,7 @@ NamedGraph pairs(int size) {
 NamedGraph every_two(int size) {
   const int count = root(size / 1.5);
   Composition composition;
-  add_row(composition, count);
+  composition.add_submodels(count);
   for (int i = 0; i < count; ++i) {
     for (int j = 0; j < i; ++j) composition.link(i, j);
   }
@@ -253,7 +198,7 @@ NamedGraph random_tree(int size) {
   GraphParts parts{size, {}, {}};
   for (int v = 1; v < size; ++v)
     parts.edges.push_back({v, static_cast<int>(random() % static_cast<unsigned>(v))});
-  return {"random tree n=" + std::to_string(size), std::move(parts)};
+  return {"random tree n=" + std::to_string(size), std::move(parts), GraphKind::kBare};
 }
 
 // A cycle through all vertices and random edges, `per_vertex` for each.
@@ -270,31 +215,7 @@ NamedGraph random_sparse(int size, int per_vertex) {
     if (a != b) parts.edges.push_back({a, b});
   }
   return {"random degree " + std::to_string(2 + 2 * per_vertex) + " n=" + std::to_string(size),
-          std::move(parts)};
-}
-
-// Half edges paired at random; a pair that makes a loop or a parallel edge is exchanged with a random other
-// one.
-NamedGraph random_regular(int size, int degree) {
-  std::mt19937 random(3);
-  std::vector<int> ends;
-  for (int i = 0; i < size * degree; ++i) ends.push_back(i / degree);
-  std::shuffle(ends.begin(), ends.end(), random);
-  for (bool is_simple = false; !is_simple;) {
-    is_simple = true;
-    std::vector<std::pair<std::pair<int, int>, std::size_t>> places;
-    for (std::size_t i = 0; i < ends.size(); i += 2) places.push_back({std::minmax(ends[i], ends[i + 1]), i});
-    std::sort(places.begin(), places.end());
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      const auto& [pair, place] = places[i];
-      if (pair.first != pair.second && (i == 0 || pair != places[i - 1].first)) continue;
-      std::swap(ends[place], ends[random() % ends.size()]);
-      is_simple = false;
-    }
-  }
-  GraphParts parts{size, {}, {}};
-  for (std::size_t i = 0; i < ends.size(); i += 2) parts.edges.push_back({ends[i], ends[i + 1]});
-  return {"random " + std::to_string(degree) + "-regular n=" + std::to_string(size), std::move(parts)};
+          std::move(parts), GraphKind::kBare};
 }
 
 }  // namespace
@@ -309,7 +230,10 @@ std::vector<NamedGraph> graph_families(const std::vector<int>& sizes) {
     for (const int size : sizes) graphs.push_back(random_sparse(size, per_vertex));
   }
   for (const int degree : {3, 6}) {
-    for (const int size : sizes) graphs.push_back(random_regular(size, degree));
+    for (const int size : sizes) {
+      std::mt19937 random(3);
+      graphs.push_back(bare_graph(random_regular(size, degree, random)));
+    }
   }
   return graphs;
 }

@@ -1,28 +1,13 @@
-// Composition graphs of any size, as detection makes them of the models in examples/: a vertex per submodel,
-// per join, and per variable that a join binds, the latter between the other two and coloured by the
-// submodel's type and the variable's name.
+// Composition graphs of any size, as detection makes them of the models in examples/.
 
 #ifndef SYMFOLD_BENCH_COMPOSITION_GRAPHS_H
 #define SYMFOLD_BENCH_COMPOSITION_GRAPHS_H
 
-#include <string>
 #include <vector>
 
-#include "engines/graph/coloured_graph.h"
+#include "bench/composition.h"
 
 namespace symfold::detail {
-
-// What a ColouredGraph is made of.
-struct GraphParts {
-  int n = 0;
-  std::vector<int> boundaries;
-  std::vector<Edge> edges;
-};
-
-struct NamedGraph {
-  std::string name;
-  GraphParts parts;
-};
 
 // Every family at about each of the sizes, in vertices. Beside the examples: submodels joined in pairs, a
 // join between every two submodels, hypercubes whose dimensions are alike, and graphs of other origin: random
