@@ -10,6 +10,9 @@
 namespace symfold::detail {
 namespace {
 
+// Clues of so few edges per vertex are always followed.
+constexpr std::size_t kCheapCluesPerMover = 4;
+
 int cell_at(const OrderedPartition& partition, int position) {
   return partition.cell_of(partition.vertex_at(position));
 }
@@ -26,6 +29,7 @@ PartialImage::PartialImage(const ColouredGraph& graph)
 
 bool PartialImage::read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
                         SparsePermutation& moves) {
+  latest_dense_clues_ = 0;
   collect(left, right, first_split);
   close_runs();
   const bool is_ready = follow_clues(left, right);
@@ -94,6 +98,11 @@ bool PartialImage::follow_clues(const OrderedPartition& left, const OrderedParti
 bool PartialImage::gather_left_clues(const OrderedPartition& left, const OrderedPartition& right) {
   std::size_t max_clues = 0;
   for (const int v : left_movers_) max_clues += graph_.neighbours(v).size();
+  if (max_clues > kCheapCluesPerMover * left_movers_.size()) {
+    if (dense_clues_ > max_dense_clues_) return false;
+    dense_clues_ += max_clues;
+    latest_dense_clues_ += max_clues;
+  }
   clues_.assign(std::bit_ceil(2 * max_clues + 1), {-1, -1, kNone, kNone});
   std::size_t unique = 0;
   for (const int v : left_movers_) {

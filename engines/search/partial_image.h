@@ -17,6 +17,9 @@
 #ifndef SYMFOLD_ENGINES_SEARCH_PARTIAL_IMAGE_H
 #define SYMFOLD_ENGINES_SEARCH_PARTIAL_IMAGE_H
 
+#include <algorithm>
+#include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "engines/base/sparse_permutation.h"
@@ -40,6 +43,12 @@ class PartialImage {
   // vertices, times a logarithm.
   bool read(const OrderedPartition& left, const OrderedPartition& right, int first_split,
             SparsePermutation& moves);
+
+  // Clues of dense graphs may be a waste: they decide at once in rook's graphs, and hardly ever in Hadamard
+  // matrices. Those that led to no automorphism may have had so many edges more than those that did. Without
+  // this limit, the search of such matrices and of block designs takes two to four times as long.
+  void allow_dense_clues(std::size_t max_edges) { max_dense_clues_ = max_edges; }
+  void note_success() { dense_clues_ -= std::min(dense_clues_, 2 * latest_dense_clues_); }
 
  private:
   // A vertex next to `neighbour` stands in `cell`. The neighbour is one of the right side; for left vertices,
@@ -69,10 +78,13 @@ class PartialImage {
   // What the current call has read. Between calls images are -1; sources and movers are empty.
   PointVector<int> image_;
   PointVector<int> preimage_;
-  std::vector<int> sources_;       // the vertices with an image
-  std::vector<int> left_movers_;   // in a larger new cell on the left only, without an image yet
-  std::vector<int> right_movers_;  // in a larger new cell on the right only, without a preimage yet
-  std::vector<Clue> clues_;        // by open addressing; empty places have no left vertex
+  std::vector<int> sources_;            // the vertices with an image
+  std::vector<int> left_movers_;        // in a larger new cell on the left only, without an image yet
+  std::vector<int> right_movers_;       // in a larger new cell on the right only, without a preimage yet
+  std::size_t latest_dense_clues_ = 0;  // edges, in the latest call
+  std::size_t dense_clues_ = 0;         // in all calls, less twice those of successful ones
+  std::size_t max_dense_clues_ = std::numeric_limits<std::size_t>::max();
+  std::vector<Clue> clues_;  // by open addressing; empty places have no left vertex
   std::vector<Clue> unique_clues_;
 };
 

@@ -22,6 +22,9 @@
 namespace symfold::detail {
 namespace {
 
+// Clues that did not help may cost about as much as a quarter of the refinements.
+constexpr std::size_t kSearchEdgesPerDenseClue = 4;
+
 struct Level {
   int vertex;  // v(i), individualised by the first path
   int cell;    // its cell before that
@@ -229,10 +232,12 @@ class PathSearch {
     const int splits = partition_.split_count() - levels_[top].splits;
     if (splits < next_attempt_ && !is_last) return false;
     next_attempt_ = 2 * splits;
+    partial_image_.allow_dense_clues(refiner_.work() / kSearchEdgesPerDenseClue);
     if (!partial_image_.read(left, partition_, levels_[top].splits, moves_) ||
         !check_.is_automorphism(moves_)) {
       return false;
     }
+    partial_image_.note_success();
     for (const auto& [point, image] : moves_) orbits_.unite(point, image);
     group_.generators.push_back(moves_);
     return true;

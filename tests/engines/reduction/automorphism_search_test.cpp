@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <numeric>
 #include <random>
@@ -91,13 +92,40 @@ Graph random_symmetric_graph(unsigned seed) {
   return graph;
 }
 
+// Whatever the budget, generators, base and lengths must be those of a subgroup, and of the whole group if
+// the search says so.
+void expect_subgroups_for_little_work(const Graph& graph, const oracle::Group& whole) {
+  const ColouredGraph coloured = graph_of(graph);
+  for (const std::size_t work : {0, 1, 10, 30, 60, 100, 150, 200, 300}) {
+    for (const auto search : {find_automorphisms, search_paths}) {
+      const AutomorphismGroup found = search(coloured, {.max_work = work, .max_descent_failures = 0});
+      std::vector<oracle::Images> generators;
+      for (const SparsePermutation& moves : found.generators) {
+        oracle::Images& images = generators.emplace_back(static_cast<std::size_t>(graph.n));
+        std::iota(images.begin(), images.end(), 0);
+        for (const auto& [point, image] : moves) images[static_cast<std::size_t>(point)] = image;
+      }
+      const oracle::Group subgroup = oracle::closure(graph.n, generators);
+      EXPECT_TRUE(std::ranges::includes(whole, subgroup)) << work << ": " << graph.file_text();
+      const auto order = std::accumulate(found.orbit_lengths.begin(), found.orbit_lengths.end(),
+                                         std::size_t{1}, std::multiplies<>());
+      EXPECT_EQ(order, subgroup.size()) << work << ": " << graph.file_text();
+      EXPECT_EQ(found.is_complete, found.end == SearchEnd::kComplete);
+      EXPECT_TRUE(!found.is_complete || order == whole.size()) << work << ": " << graph.file_text();
+    }
+  }
+}
+
 TEST(AutomorphismSearch, AgreesWithAllPermutationsOnRandomGraphsOfUpToEightVertices) {
   // One group in thirty is larger; closing those takes most of the time.
   constexpr std::size_t kMaxOrder = 1024;
   for (unsigned seed = 0; seed < 2000 && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const Graph graph = random_symmetric_graph(seed);
-    if (oracle::all_automorphisms(graph).size() <= kMaxOrder) expect_automorphisms(graph);
+    const oracle::Group group = oracle::all_automorphisms(graph);
+    if (group.size() > kMaxOrder) continue;
+    expect_automorphisms(graph);
+    expect_subgroups_for_little_work(graph, group);
   }
 }
 
@@ -111,6 +139,9 @@ double group_order(const Graph& graph) {
     EXPECT_EQ(find_automorphisms(coloured, {.max_descent_failures = failures}).orbit_lengths,
               group.orbit_lengths);
   }
+  EXPECT_EQ(
+      find_automorphisms(coloured, {.max_descent_failures = 0, .matches_subtrees = false}).orbit_lengths,
+      group.orbit_lengths);
   return std::accumulate(group.orbit_lengths.begin(), group.orbit_lengths.end(), 1.0, std::multiplies<>());
 }
 
@@ -192,6 +223,28 @@ TEST(AutomorphismSearch, SeesWhatRefinementIsBlindTo) {
   add_differences(regular, shrikhande);
   for (unsigned seed = 0; seed < 20; ++seed) {
     EXPECT_EQ(group_order(renumbered(regular, seed)), 192.0 * 192 * 2 * 1152) << "seed " << seed;
+  }
+}
+
+// The order of the plane's group is |PGL(3, q)|, doubled by the exchange of points and lines: P. Dembowski,
+// Finite Geometries, 1968. Cells hold several orbits here if the first vertices lie on a line, and no cell
+// tells a wrong choice.
+TEST(AutomorphismSearch, FindsTheOrdersOfProjectivePlanes) {
+  for (const int q : {2, 3, 5}) {
+    std::vector<std::array<int, 3>> points{{0, 0, 1}};
+    for (int b = 0; b < q; ++b) points.push_back({0, 1, b});
+    for (int a = 0; a < q * q; ++a) points.push_back({1, a / q, a % q});
+    const auto count = static_cast<int>(points.size());
+    Graph plane{2 * count, {}, {}};
+    for (int p = 0; p < count; ++p) {
+      for (int line = 0; line < count; ++line) {
+        const auto& a = points[static_cast<std::size_t>(p)];
+        const auto& b = points[static_cast<std::size_t>(line)];
+        if ((a[0] * b[0] + a[1] * b[1] + a[2] * b[2]) % q == 0) plane.edges.emplace_back(p, count + line);
+      }
+    }
+    const double order = 2.0 * q * q * q * (q * q - 1) * (q * q * q - 1);
+    for (unsigned seed = 0; seed < 5; ++seed) EXPECT_EQ(group_order(renumbered(plane, seed)), order) << q;
   }
 }
 
