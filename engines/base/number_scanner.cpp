@@ -46,4 +46,12 @@ std::optional<int> NumberScanner::number(int low, int high) const {
   return value;
 }
 
+std::optional<std::uint64_t> NumberScanner::large_number() const {
+  std::uint64_t value = 0;
+  const char* end = token_.data() + token_.size();
+  const auto [stop, error] = std::from_chars(token_.data(), end, value);
+  if (is_cut_ || error != std::errc() || stop != end) return std::nullopt;
+  return value;
+}
+
 }  // namespace symfold::detail

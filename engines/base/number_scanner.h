@@ -4,6 +4,7 @@
 #define SYMFOLD_ENGINES_BASE_NUMBER_SCANNER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <streambuf>
 #include <string>
@@ -31,6 +32,9 @@ class NumberScanner {
   // Returns the number that the token is, with a minus sign if `low` is negative; nothing if the token is no
   // number from low to high, or was cut.
   std::optional<int> number(int low, int high) const;
+
+  // The same for a number from 0 to 2^64-1.
+  std::optional<std::uint64_t> large_number() const;
 
   // The line in which the token stands, or the text ends, from 1 on.
   int line() const { return line_; }

@@ -33,29 +33,43 @@ bool AutomorphismCheck::is_permutation(const SparsePermutation& moves) {
   return is_onto;
 }
 
-// The images of the point's neighbours must be the neighbours of its image, with the same sum of weights for
-// each. The numbers of neighbours are equal, so no image is left over.
+// The images of the point's neighbours must be the neighbours of its image, with as many edges or the same
+// weight.
 bool AutomorphismCheck::keeps_edges(PointMove move) {
   const auto neighbours = graph_.neighbours(move.point);
   const auto expected = graph_.neighbours(move.image);
   if (graph_.kind(move.point) != graph_.kind(move.image) || neighbours.size() != expected.size())
     return false;
-  if (neighbours.size() == 1 && !graph_.has_weights()) return image_[neighbours[0]] == expected[0];
-  if (neighbours.size() == 2 && !graph_.has_weights()) {
+  if (graph_.has_weights()) return keeps_weights(move);
+  if (neighbours.size() == 1) return image_[neighbours[0]] == expected[0];
+  if (neighbours.size() == 2) {
     const auto images = std::minmax(image_[neighbours[0]], image_[neighbours[1]]);
     return images == std::minmax(expected[0], expected[1]);
   }
-  if (count_.empty()) count_.assign(image_.size(), 0);
+  if (mark_.empty()) mark_.assign(image_.size(), 0);
+  // The numbers of neighbours are equal, so no image is left over.
+  for (const int v : expected) ++mark_[v];
+  for (const int v : neighbours) --mark_[image_[v]];
+  const bool is_kept = std::ranges::all_of(expected, [this](int v) { return mark_[v] == 0; });
+  for (const int v : expected) mark_[v] = 0;
+  for (const int v : neighbours) mark_[image_[v]] = 0;
+  return is_kept;
+}
+
+// A neighbour appears once, so equally many different images leave no neighbour over.
+bool AutomorphismCheck::keeps_weights(PointMove move) {
+  if (mark_.empty()) mark_.assign(image_.size(), 0);
+  const auto neighbours = graph_.neighbours(move.point);
+  const auto expected = graph_.neighbours(move.image);
   const auto weights = graph_.weights(move.point);
   const auto expected_weights = graph_.weights(move.image);
-  const auto weight = [](std::span<const std::uint64_t> list, std::size_t i) {
-    return list.empty() ? 1 : list[i];
-  };
-  for (std::size_t i = 0; i < expected.size(); ++i) count_[expected[i]] += weight(expected_weights, i);
-  for (std::size_t i = 0; i < expected.size(); ++i) count_[image_[neighbours[i]]] -= weight(weights, i);
-  const bool is_kept = std::ranges::all_of(expected, [this](int v) { return count_[v] == 0; });
-  for (const int v : expected) count_[v] = 0;
-  for (const int v : neighbours) count_[image_[v]] = 0;
+  for (std::size_t i = 0; i < expected.size(); ++i) mark_[expected[i]] = static_cast<int>(i) + 1;
+  bool is_kept = true;
+  for (std::size_t i = 0; i < neighbours.size() && is_kept; ++i) {
+    const int place = mark_[image_[neighbours[i]]];
+    is_kept = place > 0 && expected_weights[static_cast<std::size_t>(place) - 1] == weights[i];
+  }
+  for (const int v : expected) mark_[v] = 0;
   return is_kept;
 }
 

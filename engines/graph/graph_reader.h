@@ -4,8 +4,17 @@
 //     a b                        one pair of vertex numbers for each edge, E times
 //
 // Vertices are 0 .. N-1. The boundaries b(i) ascend strictly within 1 .. N-1. "0 0 0" is the empty graph.
+// A file that begins with the word "weighted" holds edges with directions and weights:
+//
+//     weighted N E T  b(1) .. b(T-1)
+//     a - b w                    an edge between a and b of weight w, 0 to 2^64-1
+//     a > b w                    an edge from a to b
+//
+// Weights are colours: only equality counts, and of parallel edges how many there are of each direction and
+// weight.
+//
 // Example: a path of three vertices whose middle one has a colour of its own, and is therefore numbered last:
-// "3 2 2 2 / 0 2 / 2 1".
+// "3 2 2 2 / 0 2 / 2 1". A directed triangle: "weighted 3 3 1 / 0 > 1 0 / 1 > 2 0 / 2 > 0 0".
 
 #ifndef SYMFOLD_ENGINES_GRAPH_GRAPH_READER_H
 #define SYMFOLD_ENGINES_GRAPH_GRAPH_READER_H

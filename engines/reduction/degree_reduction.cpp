@@ -6,25 +6,11 @@
 
 #include "engines/base/images.h"
 #include "engines/base/mix.h"
+#include "engines/graph/automorphism_check.h"
 #include "engines/reduction/cyclic_sequence.h"
 
 namespace symfold::detail {
 namespace {
-
-template <class Iterator>
-Shape shape_of(const FibreForest& forest, Iterator begin, Iterator end) {
-  Shape shape = 0;
-  for (; begin != end; ++begin) shape = mix(shape + forest.shape(*begin));
-  return shape;
-}
-
-Shape forward_shape(const FibreForest& forest, std::span<const int> nodes) {
-  return shape_of(forest, nodes.begin(), nodes.end());
-}
-
-Shape backward_shape(const FibreForest& forest, std::span<const int> nodes) {
-  return shape_of(forest, nodes.rbegin(), nodes.rend());
-}
 
 int middle(std::span<const int> vertices) { return vertices[vertices.size() / 2]; }
 
@@ -87,14 +73,42 @@ int DegreeReduction::attach_leaf(const PointVector<int>& degree, int v) {
   const int parent =
       *std::ranges::find_if(graph_.neighbours(v), [&degree](int neighbour) { return degree[neighbour] > 0; });
   if (degree[parent] > 1) {
-    forest_.attach(v, parent);
+    forest_.attach(v, parent, weight(v, parent));
   } else if (v < parent) {
     const int centres = forest_.add_set();
-    forest_.attach(v, centres);
-    forest_.attach(parent, centres);
+    forest_.attach(v, centres, weight(v, parent));
+    forest_.attach(parent, centres, weight(parent, v));
     forest_.attach(centres, components_);
   }
   return parent;
+}
+
+// Seen from v; 0 in a graph without weights.
+Shape DegreeReduction::weight(int v, int neighbour) const {
+  return graph_.has_weights() ? graph_.weight(v, neighbour) : 0;
+}
+
+Shape DegreeReduction::forward_shape(const CorePaths::Path& path) const {
+  const auto inner = paths_.inner_vertices(path);
+  return shape_of_path(path.from, inner.begin(), inner.end(), path.to);
+}
+
+Shape DegreeReduction::backward_shape(const CorePaths::Path& path) const {
+  const auto inner = paths_.inner_vertices(path);
+  return shape_of_path(path.to, inner.rbegin(), inner.rend(), path.from);
+}
+
+// Hashes the shapes of the inner vertices, and the weight of each edge seen from the end that is nearer to
+// `from`.
+template <class Iterator>
+Shape DegreeReduction::shape_of_path(int from, Iterator begin, Iterator end, int to) const {
+  Shape shape = 0;
+  int before = from;
+  for (; begin != end; ++begin) {
+    shape = mix(shape + weight(before, *begin) + forest_.shape(*begin));
+    before = *begin;
+  }
+  return graph_.has_weights() ? mix(shape + weight(before, to)) : shape;
 }
 
 // Makes anchors of the middles of reversible core paths, for every kind of which one path has its middle
@@ -103,8 +117,8 @@ void DegreeReduction::keep_middles() {
   const auto reversible_shape = [this](const CorePaths::Path& path) {
     const auto inner = paths_.inner_vertices(path);
     if (inner.size() % 2 == 0 || path.from == path.to) return Shape{0};
-    const Shape shape = forward_shape(forest_, inner);
-    return shape == backward_shape(forest_, inner) ? shape : 0;
+    const Shape shape = forward_shape(path);
+    return shape == backward_shape(path) ? shape : 0;
   };
   std::vector<Shape> kept;
   for (const CorePaths::Path& path : paths_.paths()) {
@@ -130,8 +144,8 @@ void DegreeReduction::attach_loops() {
     if (path.from != path.to) continue;
     const auto inner = paths_.inner_vertices(path);
     std::vector<int> members(inner.begin(), inner.end());
-    const Shape forwards = forward_shape(forest_, inner);
-    const Shape backwards = backward_shape(forest_, inner);
+    const Shape forwards = forward_shape(path);
+    const Shape backwards = backward_shape(path);
     if (backwards < forwards) std::ranges::reverse(members);
     const int loop = forest_.add_sequence(members, std::min(forwards, backwards));
     if (forwards == backwards) reversible_loops_.push_back(loop);
@@ -139,13 +153,23 @@ void DegreeReduction::attach_loops() {
   }
 }
 
+// By vertex of a cycle, read in the direction given: its shape, and the weight of the edge to the next
+// vertex.
+std::vector<Shape> DegreeReduction::shapes_around(const std::vector<int>& cycle) const {
+  std::vector<Shape> shapes;
+  for (std::size_t i = 0; i < cycle.size(); ++i) {
+    const int next = cycle[i + 1 < cycle.size() ? i + 1 : 0];
+    shapes.push_back(forest_.shape(cycle[i]) + weight(cycle[i], next));
+  }
+  return shapes;
+}
+
 // The cycle is read from the start and in the direction that make the sequence of shapes least.
 void DegreeReduction::attach_cycle(std::span<const int> vertices) {
   const auto length = static_cast<int>(vertices.size());
   std::vector<int> members(vertices.begin(), vertices.end());
-  std::vector<Shape> shapes;
-  for (const int v : vertices) shapes.push_back(forest_.shape(v));
-  std::vector<Shape> reversed(shapes.rbegin(), shapes.rend());
+  std::vector<Shape> shapes = shapes_around(members);
+  std::vector<Shape> reversed = shapes_around({members.rbegin(), members.rend()});
   const int start = least_rotation(shapes);
   const int reversed_start = least_rotation(reversed);
   std::rotate(shapes.begin(), shapes.begin() + start, shapes.end());
@@ -187,13 +211,13 @@ void DegreeReduction::make_arcs() {
   for (const CorePaths::Path& path : paths_.paths()) {
     if (path.from == path.to) continue;
     const auto inner = paths_.inner_vertices(path);
-    const Shape forwards = forward_shape(forest_, inner);
+    const Shape forwards = forward_shape(path);
     const int sequence = inner.empty() ? -1 : forest_.add_sequence(inner, forwards);
     const int smallest = inner.empty() ? graph_.vertex_count() : forest_.smallest_vertex(sequence);
     const int from = number_[path.from];
     const int to = number_[path.to];
     arcs_.push_back({from, to, forwards, smallest, sequence, false});
-    arcs_.push_back({to, from, backward_shape(forest_, inner), smallest, sequence, true});
+    arcs_.push_back({to, from, backward_shape(path), smallest, sequence, true});
   }
   sort_arcs();
 }
@@ -225,7 +249,7 @@ void DegreeReduction::make_reduced_graph() {
     const auto place = std::ranges::lower_bound(colours, shapes[static_cast<std::size_t>(i)]);
     colour[i] = static_cast<int>(place - colours.begin());
   }
-  std::vector<DirectedEdge> edges;
+  std::vector<HalfEdge> edges;
   for (std::size_t i = 0; i < arcs_.size(); ++i) {
     const Arc& arc = arcs_[i];
     const bool is_first = i == 0 || arcs_[i - 1].from != arc.from || arcs_[i - 1].to != arc.to;
@@ -235,7 +259,15 @@ void DegreeReduction::make_reduced_graph() {
   reduced_ = ColouredGraph(colour, edges);
 }
 
+// Fibres are carried without a look at weights, which shapes may have hashed to the same number by chance.
 bool DegreeReduction::for_each_fibre_symmetry(const Visitor& visit) {
+  if (!graph_.has_weights()) return visit_all(visit);
+  AutomorphismCheck check(graph_);
+  return visit_all(
+      [&](const SparsePermutation& moves) { return check.is_automorphism(moves) && visit(moves); });
+}
+
+bool DegreeReduction::visit_all(const Visitor& visit) {
   return std::ranges::all_of(forest_.branching_nodes(),
                              [&](int node) { return exchange_twins(node, visit); }) &&
          exchange_parallels(visit) && reverse_loops(visit) &&

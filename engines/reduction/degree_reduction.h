@@ -24,8 +24,12 @@
 //
 // Shapes and weights are hashes. Two shapes that agree by chance show when one fibre is carried to another.
 // So the fibres' own symmetries are automorphisms by their making: a tree hangs from one edge, a core path
-// from its ends, and all edges inside are compared. A lift need not be an automorphism, since weights can
-// agree by chance. It has to be checked, and if the check fails, the graph has to be searched as it is.
+// from its ends, and all edges inside are compared. If the graph has weights, shapes hash those of the edges
+// inside and of the edge to what a fibre hangs from, each seen from one end, which determines the other; and
+// each symmetry of a fibre is checked against the graph's weights, which costs as much as writing down its
+// moves: the vertices that it moves have few edges outside the fibre. A lift need not be an automorphism,
+// since weights can agree by chance. It has to be checked, and if the check fails, the graph has to be
+// searched as it is.
 //
 // Cost: linear, but for sorting the core paths and anchors. That taking off all leaves again and again ends
 // at one or two centres: C. Jordan, Sur les assemblages de lignes, 1869.
@@ -80,6 +84,12 @@ class DegreeReduction {
 
   PointVector<int> attach_trees();
   int attach_leaf(const PointVector<int>& degree, int v);
+  Shape weight(int v, int neighbour) const;
+  Shape forward_shape(const CorePaths::Path& path) const;
+  Shape backward_shape(const CorePaths::Path& path) const;
+  template <class Iterator>
+  Shape shape_of_path(int from, Iterator begin, Iterator end, int to) const;
+  std::vector<Shape> shapes_around(const std::vector<int>& cycle) const;
   void keep_middles();
   void attach_loops();
   void attach_cycle(std::span<const int> vertices);
@@ -88,6 +98,7 @@ class DegreeReduction {
   void sort_arcs();
   void make_reduced_graph();
 
+  bool visit_all(const Visitor& visit);
   bool exchange_twins(int node, const Visitor& visit);
   bool exchange_parallels(const Visitor& visit);
   bool reverse_loops(const Visitor& visit);

@@ -28,7 +28,8 @@ int FibreForest::add_sequence(std::span<const int> members, Shape shape) {
   return node;
 }
 
-void FibreForest::attach(int child, int parent) {
+void FibreForest::attach(int child, int parent, Shape weight) {
+  nodes_[child].shape += weight;
   set_parent(child, parent);
   Node& above = nodes_[parent];
   above.shape += nodes_[child].shape;

@@ -2,9 +2,9 @@
 //
 // A node is a vertex, a set or a sequence, and other nodes, its parts, hang from it. Vertices and sets hold
 // their parts in no order. Sequences, which are the core paths and cycles of the graph, hold them in an order
-// that counts. The shape of a node is a hash of the colours and loops of all that hangs from it: isomorphic
-// nodes have the same shape. Others do by a chance of about 1 in 2^64, which shows when one is carried to the
-// other.
+// that counts. The shape of a node is a hash of the colours, loops and edge weights of all that hangs from
+// it, and of its own edge to what it hangs from: isomorphic nodes have the same shape. Others do by a chance
+// of about 1 in 2^64, which shows when one is carried to the other.
 //
 // Parts of one shape in a set are twins: exchanging two of them is a symmetry. The parts of a node stand in
 // the order of their shapes, twins in the order of their smallest vertices, and a node is carried to another
@@ -49,8 +49,9 @@ class FibreForest {
   // their shapes in their order.
   int add_sequence(std::span<const int> members, Shape shape);
 
-  // Hangs the child, from which nothing more will hang, from a vertex or set.
-  void attach(int child, int parent);
+  // Hangs the child, from which nothing more will hang, from a vertex or set, over an edge of this weight
+  // seen from the child; 0 if the graph has no weights, or for no edge.
+  void attach(int child, int parent, Shape weight = 0);
 
   // Puts the parts of vertices and sets in order. After this nothing is attached or added any more.
   void arrange();
@@ -66,7 +67,8 @@ class FibreForest {
   // Appends the moves, in no order, that carry all vertices of one node to those of another one of the same
   // shape; no moves if the two are the same. The members of a sequence are carried to those of the other one
   // in their order, or in reversed order if is_reversed. The moves keep colours, loops and the edges inside
-  // the nodes. Returns false, with moves that mean nothing, if the two differ in spite of their shapes.
+  // the nodes; the weights of these edges are not compared. Returns false, with moves that mean nothing, if
+  // the two differ in spite of their shapes.
   bool carry(int from, int to, SparsePermutation& moves, bool is_reversed = false);
 
  private:

@@ -1,6 +1,7 @@
 #include "tests/oracles/automorphisms.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <sstream>
 
@@ -15,24 +16,48 @@ Images identity(int n) {
   return images;
 }
 
+// Numbers the multisets of labels from one vertex to another; an undirected edge leads both ways.
+std::vector<Images> numbered_labels(const Graph& graph) {
+  const std::size_t n = index(graph.n);
+  std::vector<std::vector<std::multiset<Graph::Label>>> labels(n,
+                                                               std::vector<std::multiset<Graph::Label>>(n));
+  for (std::size_t e = 0; e < graph.edges.size(); ++e) {
+    const auto& [a, b] = graph.edges[e];
+    const Graph::Label label = graph.labels.empty() ? Graph::Label{false, 0} : graph.labels[e];
+    labels[index(a)][index(b)].insert(label);
+    if (a != b && !label.is_directed) labels[index(b)][index(a)].insert(label);
+  }
+  std::map<std::multiset<Graph::Label>, int> number;
+  std::vector<Images> numbers(n, Images(n, 0));
+  for (std::size_t v = 0; v < n; ++v) {
+    for (std::size_t w = 0; w < n; ++w)
+      numbers[v][w] = number.try_emplace(labels[v][w], static_cast<int>(number.size())).first->second;
+  }
+  return numbers;
+}
+
 }  // namespace
 
 std::string Graph::file_text() const {
   std::ostringstream text;
-  text << n << ' ' << edges.size() << ' ' << (n == 0 ? 0 : boundaries.size() + 1);
+  text << (labels.empty() ? "" : "weighted ") << n << ' ' << edges.size() << ' '
+       << (n == 0 ? 0 : boundaries.size() + 1);
   for (const int boundary : boundaries) text << ' ' << boundary;
   text << '\n';
-  for (const auto& [a, b] : edges) text << a << ' ' << b << '\n';
+  for (std::size_t e = 0; e < edges.size(); ++e) {
+    const auto& [a, b] = edges[e];
+    text << a;
+    if (!labels.empty()) text << (labels[e].is_directed ? " >" : " -");
+    text << ' ' << b;
+    if (!labels.empty()) text << ' ' << labels[e].weight;
+    text << '\n';
+  }
   return text.str();
 }
 
 Group all_automorphisms(const Graph& graph) {
   const std::size_t n = index(graph.n);
-  std::vector<Images> multiplicity(n, Images(n, 0));
-  for (const auto& [a, b] : graph.edges) {
-    ++multiplicity[index(a)][index(b)];
-    if (a != b) ++multiplicity[index(b)][index(a)];
-  }
+  const std::vector<Images> edges = numbered_labels(graph);
   Images colour(n, 0);
   for (const int boundary : graph.boundaries) {
     for (std::size_t v = index(boundary); v < n; ++v) ++colour[v];
@@ -41,7 +66,8 @@ Group all_automorphisms(const Graph& graph) {
     for (std::size_t v = 0; v < n; ++v) {
       if (colour[index(images[v])] != colour[v]) return false;
       for (std::size_t w = 0; w <= v; ++w) {
-        if (multiplicity[index(images[v])][index(images[w])] != multiplicity[v][w]) return false;
+        if (edges[index(images[v])][index(images[w])] != edges[v][w]) return false;
+        if (edges[index(images[w])][index(images[v])] != edges[w][v]) return false;
       }
     }
     return true;

@@ -4,6 +4,8 @@
 #ifndef SYMFOLD_TESTS_ORACLES_AUTOMORPHISMS_H
 #define SYMFOLD_TESTS_ORACLES_AUTOMORPHISMS_H
 
+#include <compare>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <utility>
@@ -21,11 +23,20 @@ struct Graph {
   std::vector<int> boundaries;  // first vertex of every colour but the first
   std::vector<std::pair<int, int>> edges;
 
+  struct Label {
+    bool is_directed;
+    std::uint64_t weight;
+
+    auto operator<=>(const Label&) const = default;
+  };
+  std::vector<Label> labels{};  // by edge; empty for a graph without directions and weights
+
   // Returns the text of a graph file, to be read or to be shown when a test fails.
   std::string file_text() const;
 };
 
-// Tries all permutations of the vertices and returns those that keep colours and edge multiplicities.
+// Tries all permutations of the vertices and returns those that keep colours and edge multiplicities, for
+// each direction and weight.
 Group all_automorphisms(const Graph& graph);
 
 // Returns all products of the generators, and the identity of n points.

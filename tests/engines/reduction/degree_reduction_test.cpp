@@ -70,6 +70,47 @@ oracle::Graph random_even_graph(unsigned seed) {
   return graph;
 }
 
+// Gives each edge one of a few labels, and turns some around.
+void label_edges(oracle::Graph& graph, std::mt19937& random) {
+  const int kinds = 1 + below(random, 4);
+  for (auto& [a, b] : graph.edges) {
+    const int kind = below(random, kinds);
+    graph.labels.push_back({kind % 2 == 1, kind < 2 ? ~std::uint64_t{0} : 1});
+    if (below(random, 4) == 0) std::swap(a, b);
+  }
+}
+
+// Any edges, loops and parallel edges among few vertices, all labelled; the same label is likely.
+oracle::Graph random_labelled_graph(unsigned seed) {
+  std::mt19937 random(seed);
+  oracle::Graph graph{2 + below(random, 5), {}, {}};
+  for (int edges = below(random, 3 * graph.n); edges > 0; --edges) {
+    graph.edges.emplace_back(below(random, graph.n), below(random, graph.n));
+    if (below(random, 6) == 0) graph.edges.push_back(graph.edges.back());
+  }
+  label_edges(graph, random);
+  if (seed % 3 == 0) graph.boundaries.push_back(1 + below(random, graph.n - 1));
+  return graph;
+}
+
+// A ring of four to six vertices, labelled alike in every second or third edge, with or without chords.
+oracle::Graph random_labelled_ring(unsigned seed) {
+  std::mt19937 random(seed);
+  oracle::Graph graph{4 + below(random, 3), {}, {}};
+  const int period = 1 + below(random, 3);
+  for (const int step : {1, 2}) {
+    const bool has_alternating_direction = below(random, 2) == 0;
+    for (int v = 0; v < graph.n && (step == 1 || seed % 2 == 0); ++v) {
+      graph.edges.emplace_back(v, (v + step) % graph.n);
+      if (has_alternating_direction && v % 2 == 1)
+        std::swap(graph.edges.back().first, graph.edges.back().second);
+      graph.labels.push_back({seed % 3 != 0, static_cast<std::uint64_t>(v % period)});
+    }
+  }
+  renumber(graph, random);
+  return graph;
+}
+
 // Expects the reduction to be sound by itself, without a second search of the graph as it is.
 void expect_sound(const oracle::Graph& graph) {
   const ColouredGraph coloured = graph_of(graph);
@@ -83,6 +124,23 @@ void expect_sound(const oracle::Graph& graph) {
   }
 }
 
+// Expects the check to accept the automorphisms among all permutations, and nothing else.
+void expect_exact_check(const oracle::Graph& graph) {
+  const ColouredGraph coloured = graph_of(graph);
+  AutomorphismCheck check(coloured);
+  const oracle::Group group = oracle::all_automorphisms(graph);
+  oracle::Images images(static_cast<std::size_t>(graph.n));
+  std::iota(images.begin(), images.end(), 0);
+  while (std::next_permutation(images.begin(), images.end())) {
+    SparsePermutation moves;
+    for (int v = 0; v < graph.n; ++v) {
+      const int image = images[static_cast<std::size_t>(v)];
+      if (image != v) moves.push_back({v, image});
+    }
+    EXPECT_EQ(check.is_automorphism(moves), group.contains(images));
+  }
+}
+
 TEST(DegreeReduction, AgreesWithAllPermutationsOnThinGraphs) {
   for (unsigned seed = 0; seed < 1500 && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -92,10 +150,26 @@ TEST(DegreeReduction, AgreesWithAllPermutationsOnThinGraphs) {
   }
 }
 
+TEST(DegreeReduction, KeepsDirectionsAndWeights) {
+  for (unsigned seed = 0; seed < 4000 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    oracle::Graph graph = seed % 4 == 0   ? random_thin_graph(seed, 4 + static_cast<int>(seed % 3))
+                          : seed % 4 == 1 ? random_labelled_ring(seed)
+                                          : random_labelled_graph(seed);
+    std::mt19937 random(seed);
+    if (graph.labels.empty()) label_edges(graph, random);
+    expect_sound(graph);
+    expect_automorphisms(graph);
+    if (graph.n < 6) expect_exact_check(graph);
+  }
+}
+
 TEST(DegreeReduction, AgreesWithTheSearchOnLargerThinGraphs) {
   for (unsigned seed = 0; seed < 5000 && !HasFailure(); ++seed) {
-    const oracle::Graph graph =
+    oracle::Graph graph =
         seed % 4 == 0 ? random_even_graph(seed) : random_thin_graph(seed, 8 + static_cast<int>(seed % 40));
+    std::mt19937 random(seed);
+    if (seed % 3 == 0) label_edges(graph, random);
     SCOPED_TRACE("seed " + std::to_string(seed) + ": " + graph.file_text());
     expect_sound(graph);
     const ColouredGraph coloured = graph_of(graph);
