@@ -12,6 +12,7 @@ set(symfold_public_headers
   detector/labeller.h
   detector/labelling_tables.h
   detector/symmetry_detection.h
+  engines/base/sparse_permutation.h
   host/chain/exploration.h
   host/chain/markov_chain.h
   host/export/chain_export.h

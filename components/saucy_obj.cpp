@@ -18,13 +18,7 @@ struct saucy_struct {
 
 namespace {
 
-constexpr std::size_t kMaxImages = std::size_t{1} << 28;
-
-Permutation dense(const SparsePermutation& moves, int n) {
-  Permutation permutation(n);
-  for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
-  return permutation;
-}
+constexpr std::size_t kMaxMoves = std::size_t{1} << 28;
 
 std::string expectation(const std::string& what, std::size_t low, std::size_t high, long long got) {
   const std::string range =
@@ -102,14 +96,14 @@ void saucy_obj::saucy_init(saucy_struct*) {
 void saucy_obj::saucy_search(saucy_struct* state) {
   if (state == nullptr) return;
   const int n = state->graph.vertex_count();
-  const std::size_t limit = n == 0 ? 0 : kMaxImages / static_cast<std::size_t>(n);
-  detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.max_generators = limit});
+  detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.max_moves = kMaxMoves});
   if (!group.is_complete) {
-    report(state->name + ": error: expected at most " + std::to_string(limit) + " generators for " +
-           std::to_string(n) + " vertices, got more");
+    report(state->name + ": error: expected generators of at most " + std::to_string(kMaxMoves) +
+           " moves together, got more");
     return;
   }
-  for (const SparsePermutation& moves : group.generators) generators.push_back(dense(moves, n));
+  generators.reserve(group.generators.size());
+  for (std::size_t g = 0; g < group.generators.size(); ++g) generators.emplace_back(n, group.generators[g]);
   base = std::move(group.base);
   orbit_lengths = std::move(group.orbit_lengths);
   is_complete = true;

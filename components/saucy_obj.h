@@ -56,8 +56,8 @@ class saucy_obj {
   // Makes the state ready for a search and drops the results of an earlier one.
   void saucy_init(saucy_struct* state);
 
-  // Fills these members; leaves them as they are if state is null. A group that would need more than
-  // 2^28 images in all (1 GiB) is reported in one line and leaves them empty.
+  // Fills these members; leaves them as they are if state is null. A group whose generators have
+  // more than 2^28 moves in all (2 GiB) is reported in one line and leaves them empty.
   void saucy_search(saucy_struct* state);
 
   // Releases the state, null or not; the results stay.

@@ -12,9 +12,8 @@ namespace {
 SparsePermutation sparse(const Permutation& permutation, int n) {
   SparsePermutation moves;
   if (permutation.GetN() != n || !permutation.IsPermutation()) return moves;
-  for (int i = 0; i < n; ++i) {
-    if (permutation[i] != i) moves.push_back({i, permutation[i]});
-  }
+  moves.reserve(permutation.CountMoves());
+  permutation.VisitMoves([&moves](int point, int image) { moves.push_back({point, image}); });
   return moves;
 }
 
@@ -35,10 +34,8 @@ std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::ve
   base = std::move(chain.base);
   orbit_lengths_ = std::move(chain.orbit_lengths);
   std::vector<Permutation> strong;
-  for (const SparsePermutation& moves : chain.generators) {
-    Permutation& permutation = strong.emplace_back(n_);
-    for (const auto& [point, image] : moves) permutation.GetP()[point] = image;
-  }
+  strong.reserve(chain.generators.size());
+  for (const SparsePermutation& moves : chain.generators) strong.emplace_back(n_, moves);
   return strong;
 }
 

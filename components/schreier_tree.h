@@ -48,6 +48,10 @@ class SchreierTree {
   // Returns the number of permutations in all records of the latest tree.
   std::size_t CountPathPermutations() const;
 
+  // Returns the bytes that the records of the latest tree take. Each is counted with its path and with the
+  // composite of its path on the first `point_count` points, which replaces the path in the end.
+  std::size_t CountTableBytes(int point_count);
+
   // Returns the points of the latest tree without its root, breadth-first, each with its path: Perms[0],
   // applied first, moves the root, and the last one arrives at Value.
   std::vector<ValPerms> GetAllPermutationsToRoot();
@@ -55,6 +59,9 @@ class SchreierTree {
  private:
   std::vector<Permutation> perms_;
   int root_ = -1;
+  int counted_points_ = -1;                            // of CountTableBytes
+  std::vector<std::size_t> move_counts_;               // by generator, among these points
+  std::vector<std::size_t> path_moves_;                // by point, those of its path's generators
   std::unique_ptr<detail::StabiliserFirstTree> tree_;  // null while there are no generators
 };
 

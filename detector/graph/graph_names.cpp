@@ -2,22 +2,26 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 namespace symfold::detail {
 namespace {
 
-// Calls `visit` with every cycle of the points that `is_wanted`, fixed points included, smallest point first.
-template <class IsWanted, class Visit>
-void walk_cycles(const Permutation& permutation, IsWanted is_wanted, Visit visit) {
-  std::vector<bool> is_done(static_cast<std::size_t>(permutation.GetN()), false);
+// Calls `visit` with every cycle of at least two points, smallest point first.
+template <class Visit>
+void walk_cycles(const Permutation& permutation, Visit visit) {
+  std::vector<int> points;
+  permutation.VisitMoves([&points](int point, int) { points.push_back(point); });
+  std::vector<char> is_done(points.size(), 0);
   std::vector<int> cycle;
-  for (int start = 0; start < permutation.GetN(); ++start) {
+  const auto is_new = [&](int point) {
+    const auto place = std::lower_bound(points.begin(), points.end(), point) - points.begin();
+    const auto i = static_cast<std::size_t>(place);
+    return i < points.size() && points[i] == point && std::exchange(is_done[i], 1) == 0;
+  };
+  for (const int start : points) {
     cycle.clear();
-    for (int point = start; !is_done[static_cast<std::size_t>(point)] && is_wanted(point);
-         point = permutation[point]) {
-      is_done[static_cast<std::size_t>(point)] = true;
-      cycle.push_back(point);
-    }
+    for (int point = start; is_new(point); point = permutation[point]) cycle.push_back(point);
     if (!cycle.empty()) visit(cycle);
   }
 }
@@ -57,15 +61,13 @@ std::string named_cycles(const std::vector<ModelCompGraphNode>& nodes, const Per
   const auto node = [&](int point) -> const ModelCompGraphNode& {
     return nodes[static_cast<std::size_t>(point)];
   };
-  walk_cycles(
-      permutation, [&](int point) { return node(point).PrivateOrJoin; },
-      [&](const std::vector<int>& cycle) {
-        if (cycle.size() == 1 || ++count > max_cycles) return;
-        for (std::size_t i = 0; i < std::min(cycle.size(), max_names); ++i) {
-          text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
-        }
-        text += cycle.size() > max_names ? " ... " + std::to_string(cycle.size()) + ")" : ")";
-      });
+  walk_cycles(permutation, [&](const std::vector<int>& cycle) {
+    if (!node(cycle.front()).PrivateOrJoin || ++count > max_cycles) return;
+    for (std::size_t i = 0; i < std::min(cycle.size(), max_names); ++i) {
+      text += (i == 0 ? "(" : " ") + name_of(node(cycle[i]));
+    }
+    text += cycle.size() > max_names ? " ... " + std::to_string(cycle.size()) + ")" : ")";
+  });
   if (count > max_cycles) text += " ... " + std::to_string(count) + " cycles";
   return text.empty() ? "()" : text;
 }

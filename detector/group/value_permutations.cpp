@@ -11,20 +11,28 @@
 namespace symfold {
 namespace {
 
-// The images of all permutations of the table together: 4 GiB.
-constexpr std::size_t kMaxImages = std::size_t{1} << 30;
+constexpr std::size_t kGiB = std::size_t{1} << 30;
+constexpr std::size_t kMaxTableBytes = 4 * kGiB;
 
-// The points ascend and are distinct. Returns the first one whose tree makes the table too large, -1 if the
-// table fits.
-int first_point_too_many(SchreierTree& tree, const std::vector<int>& points) {
-  std::size_t images = 0;
-  for (const int point : points) {
-    tree.SetRootValue(point);
-    tree.CreateTree(point);
-    images += tree.CountPathPermutations() * static_cast<std::size_t>(tree.GetN());
-    if (images > kMaxImages) return point;
+// Says what a table of `base_count` base points would need if as many as `counted` of them need these bytes.
+std::string too_large(std::size_t bytes, std::size_t counted, std::size_t base_count) {
+  const std::size_t tenths = 10 * (bytes / counted) * base_count / kGiB;
+  return "expected tables of at most " + std::to_string(kMaxTableBytes / kGiB) + " GiB, got " +
+         std::to_string(base_count) + (base_count == 1 ? " base point" : " base points") +
+         " that would need about " + std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) +
+         " GiB; exact labels need no tables";
+}
+
+// The points ascend and are distinct. Returns an empty text if the table fits.
+std::string find_table_limit(SchreierTree& tree, const std::vector<int>& points, int partition_count) {
+  std::size_t bytes = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    tree.SetRootValue(points[i]);
+    tree.CreateTree(points[i]);
+    bytes += tree.CountTableBytes(partition_count);
+    if (bytes > kMaxTableBytes) return too_large(bytes, i + 1, points.size());
   }
-  return -1;
+  return "";
 }
 
 }  // namespace
@@ -41,9 +49,11 @@ void SymmetryDetection::FindMCG_FindST() {
   std::sort(points.begin(), points.end());
   std::vector<int> roots = points;
   roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
-  if (const int point = first_point_too_many(tree, roots); point >= 0) {
-    Refuse("expected a value-permutation table of at most " + std::to_string(kMaxImages) +
-           " images, got more at base point " + std::to_string(point));
+  const auto real_count =
+      std::ranges::count_if(GraphNodes, [](const ModelCompGraphNode& node) { return node.PrivateOrJoin; });
+  const std::string limit = find_table_limit(tree, roots, static_cast<int>(real_count));
+  if (!limit.empty()) {
+    Refuse(limit);
     HasWholeGroup = false;
     return;
   }

@@ -23,13 +23,10 @@ ChosenMoves::ChosenMoves(std::vector<std::span<const ValPerms>> records_of_base,
 
 // Adds no moves for a permutation that moves many partitions.
 void ChosenMoves::add(const Permutation& permutation) {
-  const std::size_t first = moves_.size();
-  const int* images = permutation.GetP();
-  for (std::size_t c = 0; c < partition_count_; ++c) {
-    if (static_cast<std::size_t>(images[c]) == c) continue;
-    moves_.push_back({static_cast<short>(c), static_cast<short>(images[c])});
-    if (4 * (moves_.size() - first) > partition_count_) return moves_.resize(first);
-  }
+  if (4 * permutation.CountMoves() > partition_count_) return;
+  permutation.VisitMoves([this](int c, int image) {
+    moves_.push_back({static_cast<short>(c), static_cast<short>(image)});
+  });
 }
 
 // Empty if the permutations themselves must be read. A chosen permutation moves something.
@@ -38,13 +35,13 @@ std::span<const ChosenMoves::Move> ChosenMoves::moves_of(std::size_t base, int r
   return std::span(moves_).subspan(ends_[i], ends_[i + 1] - ends_[i]);
 }
 
-const int* ChosenMoves::last_of(std::size_t base, int record) const {
+const Permutation& ChosenMoves::last_of(std::size_t base, int record) const {
   const std::span<const ValPerms> records = records_of_base_[base];
   const int value = records[static_cast<std::size_t>(record)].Value;
   const auto last = std::find_if(records.rbegin(), records.rend(), [value](const ValPerms& candidate) {
     return candidate.Value == value && !candidate.Perms.empty();
   });
-  return last->Perms.back().GetP();
+  return last->Perms.back();
 }
 
 void ChosenMoves::compose_last(std::size_t base, int record, short* composed, short* scratch) const {
@@ -54,17 +51,16 @@ void ChosenMoves::compose_last(std::size_t base, int record, short* composed, sh
     for (std::size_t k = 0; k < moves.size(); ++k) composed[moves[k].point] = scratch[k];
     return;
   }
-  const int* images = last_of(base, record);
-  for (std::size_t c = 0; c < partition_count_; ++c) scratch[c] = composed[images[c]];
-  std::copy_n(scratch, partition_count_, composed);
+  const Permutation& last = last_of(base, record);
+  last.VisitMoves([&](int c, int image) { scratch[c] = composed[image]; });
+  last.VisitMoves([&](int c, int) { composed[c] = scratch[c]; });
 }
 
 void ChosenMoves::invert_last(std::size_t base, int record, short* images) const {
   const std::span<const Move> moves = moves_of(base, record);
   for (const Move& move : moves) images[move.image] = move.point;
   if (!moves.empty()) return;
-  const int* last = last_of(base, record);
-  for (std::size_t c = 0; c < partition_count_; ++c) images[last[c]] = static_cast<short>(c);
+  last_of(base, record).VisitMoves([&](int c, int image) { images[image] = static_cast<short>(c); });
 }
 
 // Composes the inverses: (P after w)^-1 sends P[p] to w^-1[p], and so changes only where P moves something.
@@ -82,9 +78,8 @@ void ChosenMoves::find_witness(std::span<const int> choices, short* witness, sho
     for (const ValPerms& record : records) {
       if (record.Value != value) continue;
       for (const Permutation& permutation : record.Perms) {
-        const int* images = permutation.GetP();
-        for (std::size_t p = 0; p < partition_count_; ++p) scratch[images[p]] = inverse[p];
-        std::copy_n(scratch, partition_count_, inverse);
+        permutation.VisitMoves([&](int p, int image) { scratch[image] = inverse[p]; });
+        permutation.VisitMoves([&](int, int image) { inverse[image] = scratch[image]; });
       }
     }
   }

@@ -42,7 +42,7 @@ class ChosenMoves {
 
   void add(const Permutation& permutation);
   std::span<const Move> moves_of(std::size_t base, int record) const;
-  const int* last_of(std::size_t base, int record) const;
+  const Permutation& last_of(std::size_t base, int record) const;
 
   std::vector<std::span<const ValPerms>> records_of_base_;
   std::size_t partition_count_;

@@ -36,6 +36,7 @@
 #include <cstring>
 #include <map>
 #include <numeric>
+#include <utility>
 
 namespace symfold::detail {
 namespace {
@@ -67,10 +68,11 @@ bool is_tiling(std::span<const int> sizes, std::span<const int> offsets) {
 
 bool keeps_sizes(const Permutation& permutation, std::span<const int> sizes) {
   if (permutation.GetN() != static_cast<int>(sizes.size()) || !permutation.IsPermutation()) return false;
-  for (std::size_t c = 0; c < sizes.size(); ++c) {
-    if (sizes[c] != sizes[static_cast<std::size_t>(permutation.GetP()[c])]) return false;
-  }
-  return true;
+  bool keeps = true;
+  permutation.VisitMoves([&](int c, int image) {
+    keeps = keeps && sizes[static_cast<std::size_t>(c)] == sizes[static_cast<std::size_t>(image)];
+  });
+  return keeps;
 }
 
 std::unique_ptr<MovePlan> MovePlan::make(const std::vector<std::span<const ValPerms>>& records_of_base,
@@ -93,28 +95,58 @@ MovePlan::MovePlan(int state_size, int partition_count)
   staying_ = {0, state_size, 0, 0, 0, 0, -1};
 }
 
+// Composes the permutations of one move after the other, at the cost of what they move.
+class MovePlan::Composer {
+ public:
+  explicit Composer(std::size_t partition_count) : sources_(partition_count) {
+    std::iota(sources_.begin(), sources_.end(), 0);
+  }
+
+  // The moves so far, then the permutation.
+  void append(const Permutation& permutation) {
+    arrivals_.clear();
+    permutation.VisitMoves([this](int c, int image) { arrivals_.push_back({image, source(c)}); });
+    for (const auto& [place, source_of_place] : arrivals_) {
+      if (source(place) == place) touched_.push_back(place);
+      source(place) = source_of_place;
+    }
+  }
+
+  // Calls visit(place, source) for each place, ascending, at which another partition lands, and begins anew.
+  template <class Visit>
+  void take(const Visit& visit) {
+    std::sort(touched_.begin(), touched_.end());
+    for (const int place : touched_) {
+      if (source(place) != place) visit(place, std::exchange(source(place), place));
+    }
+    touched_.clear();
+  }
+
+ private:
+  int& source(int place) { return sources_[static_cast<std::size_t>(place)]; }
+
+  std::vector<int> sources_;  // by place: the partition that lands there
+  std::vector<int> touched_;  // all places with other partitions, and others
+  SparsePermutation arrivals_;
+};
+
 // All records of a value act together, so only the first of them is a move of its own.
 bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> sizes,
                         std::span<const int> offsets, std::size_t max_bytes) {
   std::map<int, std::vector<std::size_t>> records_of_value;
   for (std::size_t j = 0; j < records.size(); ++j) records_of_value[records[j].Value].push_back(j);
   std::map<int, std::size_t> move_of_value;
-  std::vector<int> sources(sizes.size());
-  std::vector<int> moved(sizes.size());
+  Composer composer(sizes.size());
   for (std::size_t j = 0; j < records.size(); ++j) {
     const std::vector<std::size_t>& together = records_of_value[records[j].Value];
     if (together.front() != j) continue;
-    std::iota(sources.begin(), sources.end(), 0);
     for (const std::size_t k : together) {
       for (const Permutation& permutation : records[k].Perms) {
         if (!keeps_sizes(permutation, sizes)) return false;
-        for (std::size_t c = 0; c < sizes.size(); ++c) {
-          moved[static_cast<std::size_t>(permutation.GetP()[c])] = sources[c];
-        }
-        sources.swap(moved);
+        composer.append(permutation);
       }
     }
-    if (add_move(static_cast<int>(j), sources, sizes, offsets)) {
+    if (add_move(static_cast<int>(j), composer, sizes, offsets)) {
       move_of_value[records[j].Value] = moves_.size();
     }
     if (pieces_.size() * sizeof(Piece) + moves_.size() * sizeof(Move) > max_bytes) return false;
@@ -131,17 +163,24 @@ bool MovePlan::add_step(std::span<const ValPerms> records, std::span<const int> 
   return true;
 }
 
-// `sources`: per partition of the image, the partition of the state that lands there. A move of one piece
-// moves nothing, can never win and is not added.
-bool MovePlan::add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
+// Stretches that stay lie between the places that are moved. A move of one piece moves nothing, can never win
+// and is not added.
+bool MovePlan::add_move(int record, Composer& composer, std::span<const int> sizes,
                         std::span<const int> offsets) {
   const std::size_t first_piece = pieces_.size();
-  for (std::size_t d = 0; d < sources.size(); ++d) {
-    if (sizes[d] == 0) continue;
-    const int shift = offsets[static_cast<std::size_t>(sources[d])] - offsets[d];
-    if (pieces_.size() == first_piece || pieces_.back().shift != shift) pieces_.push_back({0, shift});
-    pieces_.back().end = offsets[d] + sizes[d];
-  }
+  const auto extend = [&](int end, int shift) {
+    const bool is_new = pieces_.size() == first_piece || pieces_.back().shift != shift;
+    const int begin = pieces_.size() == first_piece ? 0 : pieces_.back().end;
+    if (end == begin) return;
+    if (is_new) pieces_.push_back({0, shift});
+    pieces_.back().end = end;
+  };
+  composer.take([&](int place, int source) {
+    const auto d = static_cast<std::size_t>(place);
+    extend(offsets[d], 0);
+    extend(offsets[d] + sizes[d], offsets[static_cast<std::size_t>(source)] - offsets[d]);
+  });
+  extend(state_size_, 0);
   if (pieces_.size() <= first_piece + 1) {
     pieces_.resize(first_piece);
     return false;

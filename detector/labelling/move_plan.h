@@ -71,11 +71,12 @@ class MovePlan {
     int record;
   };
 
+  class Composer;
+
   MovePlan(int state_size, int partition_count);
   bool add_step(std::span<const ValPerms> records, std::span<const int> sizes, std::span<const int> offsets,
                 std::size_t max_bytes);
-  bool add_move(int record, const std::vector<int>& sources, std::span<const int> sizes,
-                std::span<const int> offsets);
+  bool add_move(int record, Composer& composer, std::span<const int> sizes, std::span<const int> offsets);
 
   int state_size_;
   int partition_count_;

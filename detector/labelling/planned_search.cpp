@@ -1,6 +1,7 @@
 #include "detector/labelling/planned_search.h"
 
 #include <algorithm>
+#include <numeric>
 #include <unordered_map>
 #include <utility>
 
@@ -70,13 +71,12 @@ void PlannedSearch::fill_orbits(std::span<const ValPerms> records) {
   orbits_.resize(std::max(orbits_.size(), records.size()));
   for (std::size_t j = 0; j < records.size(); ++j) orbits_[j] = records[j].Value;
   last_perm_.resize(sizes_.size());
-  for (std::size_t c = 0; c < last_perm_.size(); ++c) last_perm_[c] = static_cast<short>(c);
+  std::iota(last_perm_.begin(), last_perm_.end(), short{0});
   for (const ValPerms& record : records) {
     if (record.Value != records.back().Value || record.Perms.empty()) continue;
-    const int* last = record.Perms.back().GetP();
-    for (std::size_t c = 0; c < last_perm_.size(); ++c) {
-      last_perm_[static_cast<std::size_t>(last[c])] = static_cast<short>(c);
-    }
+    std::iota(last_perm_.begin(), last_perm_.end(), short{0});
+    record.Perms.back().VisitMoves(
+        [this](int c, int image) { last_perm_[static_cast<std::size_t>(image)] = static_cast<short>(c); });
   }
 }
 

@@ -9,20 +9,18 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
+#include <optional>
 #include <ostream>
 #include <utility>
 
 #include "detector/graph/graph_names.h"
 #include "detector/partitions/byte_sizes.h"
+#include "detector/partitions/once_per_shared.h"
 #include "detector/symmetry_detection.h"
+#include "engines/base/images.h"
 
 namespace symfold {
 namespace {
-
-// Apart, so that the making of a text stays out of the loop over all images.
-[[gnu::noinline]] void report_too_big(int image, std::ostream& diagnostics) {
-  diagnostics << "p_it too big: " << std::to_string(image) << std::endl;
-}
 
 // The renaming s of the GNOrder positions.
 class Renaming {
@@ -31,18 +29,18 @@ class Renaming {
     const detail::NameIndex index(to);
     image_.reserve(from.size());
     for (const std::string& name : from) image_.push_back(index.find(name));
+    is_bijection_ = detail::is_permutation(image_);
   }
 
   int operator()(int point) const { return has(point) ? image_[static_cast<std::size_t>(point)] : -1; }
 
   void conjugate(Permutation& permutation, std::ostream& diagnostics) {
+    if (once_(permutation, [this](const Permutation& before) { return conjugated(before); })) return;
     const int n = static_cast<int>(image_.size());
     std::iota(scratch_.begin(), scratch_.end(), 0);
-    const bool has_all = n > 0 && permutation[n - 1] >= 0;  // then the images can be read in place
-    const int* const images = permutation.GetP();
     for (int i = 0; i < n; ++i) {
-      const int image = has_all ? images[i] : permutation[i];
-      if (image >= n) report_too_big(image, diagnostics);
+      const int image = permutation[i];
+      if (image >= n) diagnostics << "p_it too big: " << std::to_string(image) << std::endl;
       const int source = (*this)(i);
       const int target = (*this)(image);
       if (has(source) && has(target)) scratch_[static_cast<std::size_t>(source)] = target;
@@ -58,7 +56,20 @@ class Renaming {
  private:
   bool has(int point) const { return point >= 0 && static_cast<std::size_t>(point) < image_.size(); }
 
+  // Returns nothing unless both the renaming and what it renames are permutations.
+  std::optional<Permutation> conjugated(const Permutation& permutation) {
+    const int n = static_cast<int>(image_.size());
+    if (!is_bijection_ || permutation.GetN() != n || !permutation.IsPermutation()) return std::nullopt;
+    moves_.clear();
+    permutation.VisitMoves([this](int i, int image) { moves_.push_back({(*this)(i), (*this)(image)}); });
+    std::ranges::sort(moves_, {}, &PointMove::point);
+    return Permutation(n, moves_);
+  }
+
   std::vector<int> image_;
+  bool is_bijection_;
+  detail::OncePerShared once_;
+  SparsePermutation moves_;
   std::vector<int> scratch_;
 };
 

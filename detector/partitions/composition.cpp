@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <functional>
+#include <numeric>
 
 namespace symfold::detail {
 namespace {
@@ -181,49 +182,17 @@ std::string Reader::bind() {
   return "";
 }
 
-bool is_bijection(std::span<const int> images) {
-  std::vector<char> is_image(images.size(), 0);
-  for (const int image : images) {
-    if (image < 0 || index(image) >= images.size() || is_image[index(image)] != 0) return false;
-    is_image[index(image)] = 1;
+Lists<int> reversed(const Lists<int>& lists, std::size_t count) {
+  std::vector<std::pair<int, int>> pairs;
+  for (int i = 0; index(i) < count; ++i) {
+    for (const int item : lists[i]) pairs.emplace_back(item, i);
   }
-  return true;
+  return {count, pairs};
 }
 
-// Returns the first node of a join whose variables, in order, are not carried onto those of one join; -1 if
-// there is none.
-int find_broken_join(const Composition& composition, std::span<const int> images) {
-  for (int join = 0; index(join) < composition.partitions.size(); ++join) {
-    if (!composition.partitions[index(join)].is_join) continue;
-    const std::span<const int> nodes = composition.nodes[join];
-    const std::span<const int> targets =
-        composition.nodes[composition.partition_of[index(images[index(nodes[0])])]];
-    if (!std::equal(nodes.begin(), nodes.end(), targets.begin(), targets.end(),
-                    [&](int node, int target) { return images[index(node)] == target; })) {
-      return nodes[0];
-    }
-  }
-  return -1;
-}
-
-// Every edge has one submodel's variable. So it is enough that each of these keeps its neighbours.
-int find_broken_variable(const Composition& composition, std::span<const int> images) {
-  std::vector<int> found, expected;
-  for (int local = 0; index(local) < images.size(); ++local) {
-    const std::span<const int> neighbours = composition.neighbours[local];
-    const std::span<const int> targets = composition.neighbours[images[index(local)]];
-    if (std::equal(neighbours.begin(), neighbours.end(), targets.begin(), targets.end(),
-                   [&](int node, int target) { return images[index(node)] == target; })) {
-      continue;
-    }
-    found.clear();
-    for (const int node : neighbours) found.push_back(images[index(node)]);
-    expected.assign(targets.begin(), targets.end());
-    std::sort(found.begin(), found.end());
-    std::sort(expected.begin(), expected.end());
-    if (found != expected) return local;
-  }
-  return -1;
+void sort_once(std::vector<int>& numbers) {
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
 }
 
 }  // namespace
@@ -237,42 +206,105 @@ std::string read_composition(const std::vector<ModelCompGraphNode>& nodes,
   return fault;
 }
 
-std::string find_generator_fault(const std::vector<ModelCompGraphNode>& nodes, const Composition& composition,
-                                 const Permutation& generator) {
-  if (generator.GetN() != static_cast<int>(nodes.size())) {
-    return "moves " + std::to_string(generator.GetN()) + " points, expected " + std::to_string(nodes.size()) +
-           " graph nodes";
+GeneratorCheck::GeneratorCheck(const std::vector<ModelCompGraphNode>& nodes, const Composition& composition)
+    : nodes_(nodes),
+      composition_(composition),
+      locals_(reversed(composition.neighbours, nodes.size())),
+      images_(nodes.size()) {
+  std::iota(images_.begin(), images_.end(), 0);
+}
+
+std::string GeneratorCheck::find_fault(const Permutation& generator) {
+  if (generator.GetN() != static_cast<int>(nodes_.size())) {
+    return "moves " + std::to_string(generator.GetN()) + " points, expected " +
+           std::to_string(nodes_.size()) + " graph nodes";
   }
-  if (nodes.empty()) return "";
-  const bool has_all = generator[generator.GetN() - 1] >= 0;
-  const std::span<const int> images(generator.GetP(), has_all ? nodes.size() : 0);
-  if (!has_all || !is_bijection(images)) return "is no permutation of the graph nodes";
-  const auto name_of = [&](int node) { return nodes[index(node)].Name; };
-  const auto bytes_of = [&](int node) { return nodes[index(node)].StateSize; };
-  for (int node = 0; index(node) < images.size(); ++node) {
-    const int image = images[index(node)];
-    if (image == node) continue;
-    const bool is_real = composition.partition_of[index(node)] >= 0;
-    if (composition.types[index(node)] != composition.types[index(image)] ||
-        is_real != (composition.partition_of[index(image)] >= 0)) {
-      return "carries " + name_of(node) + " to " + name_of(image) + ", which has another type";
-    }
-    if (is_real && bytes_of(node) != bytes_of(image)) {
-      return "carries " + name_of(node) + " (" + std::to_string(bytes_of(node)) + " bytes) to " +
-             name_of(image) + " (" + std::to_string(bytes_of(image)) + " bytes)";
-    }
-  }
-  if (const int node = find_broken_join(composition, images); node >= 0) {
+  if (!generator.IsPermutation()) return "is no permutation of the graph nodes";
+  moved_.clear();
+  generator.VisitMoves([this](int node, int image) {
+    moved_.push_back(node);
+    images_[index(node)] = image;
+  });
+  std::string fault = find_fault();
+  for (const int node : moved_) images_[index(node)] = node;
+  return fault;
+}
+
+std::string GeneratorCheck::find_fault() const {
+  if (std::string fault = find_type_fault(); !fault.empty()) return fault;
+  if (const int node = find_broken_join(); node >= 0) {
     return "does not carry the variables of join " +
-           std::string(composition.partitions[index(composition.partition_of[index(node)])].name) +
-           ", in order, onto those of one join: it carries " + name_of(node) + " to " +
-           name_of(images[index(node)]);
+           std::string(composition_.partitions[index(composition_.partition_of[index(node)])].name) +
+           ", in order, onto those of one join: it carries " + nodes_[index(node)].Name + " to " +
+           nodes_[index(image(node))].Name;
   }
-  if (const int local = find_broken_variable(composition, images); local >= 0) {
-    return "does not carry the edges of " + name_of(local) + " onto those of " +
-           name_of(images[index(local)]);
+  if (const int local = find_broken_variable(); local >= 0) {
+    return "does not carry the edges of " + nodes_[index(local)].Name + " onto those of " +
+           nodes_[index(image(local))].Name;
   }
   return "";
+}
+
+std::string GeneratorCheck::find_type_fault() const {
+  for (const int node : moved_) {
+    const auto from = index(node);
+    const auto to = index(image(node));
+    const bool is_real = composition_.partition_of[from] >= 0;
+    if (composition_.types[from] != composition_.types[to] ||
+        is_real != (composition_.partition_of[to] >= 0)) {
+      return "carries " + nodes_[from].Name + " to " + nodes_[to].Name + ", which has another type";
+    }
+    if (is_real && nodes_[from].StateSize != nodes_[to].StateSize) {
+      return "carries " + nodes_[from].Name + " (" + std::to_string(nodes_[from].StateSize) + " bytes) to " +
+             nodes_[to].Name + " (" + std::to_string(nodes_[to].StateSize) + " bytes)";
+    }
+  }
+  return "";
+}
+
+// Returns the first node of the first join whose variables, in order, are not carried onto those of one join;
+// -1 if there is none.
+int GeneratorCheck::find_broken_join() const {
+  std::vector<int> joins;
+  for (const int node : moved_) {
+    const int partition = composition_.partition_of[index(node)];
+    if (partition >= 0 && composition_.partitions[index(partition)].is_join) joins.push_back(partition);
+  }
+  sort_once(joins);
+  const auto broken = std::ranges::find_if(joins, [this](int join) { return is_broken_join(join); });
+  return broken == joins.end() ? -1 : composition_.nodes[*broken][0];
+}
+
+bool GeneratorCheck::is_broken_join(int join) const {
+  const std::span<const int> nodes = composition_.nodes[join];
+  const std::span<const int> targets = composition_.nodes[composition_.partition_of[index(image(nodes[0]))]];
+  return !std::ranges::equal(nodes, targets, {}, [this](int node) { return image(node); });
+}
+
+// Every edge has one submodel's variable. So it is enough that each of these keeps its neighbours. Those that
+// stay and have no moved neighbour do.
+int GeneratorCheck::find_broken_variable() const {
+  std::vector<int> touched;
+  for (const int node : moved_) {
+    touched.push_back(node);
+    for (const int local : locals_[node]) touched.push_back(local);
+  }
+  sort_once(touched);
+  const auto broken = std::ranges::find_if(touched, [this](int local) { return is_broken_variable(local); });
+  return broken == touched.end() ? -1 : *broken;
+}
+
+// False for the nodes of submodels and joins, which have empty lists of neighbours.
+bool GeneratorCheck::is_broken_variable(int local) const {
+  const std::span<const int> neighbours = composition_.neighbours[local];
+  const std::span<const int> targets = composition_.neighbours[image(local)];
+  if (std::ranges::equal(neighbours, targets, {}, [this](int node) { return image(node); })) return false;
+  std::vector<int> found;
+  for (const int node : neighbours) found.push_back(image(node));
+  std::vector<int> expected(targets.begin(), targets.end());
+  std::sort(found.begin(), found.end());
+  std::sort(expected.begin(), expected.end());
+  return found != expected;
 }
 
 }  // namespace symfold::detail

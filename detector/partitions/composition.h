@@ -79,11 +79,32 @@ struct Composition {
 std::string read_composition(const std::vector<ModelCompGraphNode>& nodes,
                              const std::vector<ModelCompGraphEdge>& edges, Composition& composition);
 
-// Says, as the end of a sentence about the generator, why it is no symmetry of the composition that was read
-// from `nodes`; empty if it is one: it keeps types, bytes and edges, each as often as it is there, and
-// carries the variables of each join, in order, onto those of one join. Linear in the graph.
-std::string find_generator_fault(const std::vector<ModelCompGraphNode>& nodes, const Composition& composition,
-                                 const Permutation& generator);
+// Tells whether generators are symmetries of a composition: they keep types, bytes and edges, each as often
+// as it is there, and carry the variables of each join, in order, onto those of one join.
+class GeneratorCheck {
+ public:
+  // The composition was read from the nodes. Both must outlive the check.
+  GeneratorCheck(const std::vector<ModelCompGraphNode>& nodes, const Composition& composition);
+
+  // Says, as the end of a sentence about the generator, why it is no symmetry; empty if it is one. Cost:
+  // near-linear in the nodes that it moves and their neighbours. For what lies elsewhere stays as it is.
+  std::string find_fault(const Permutation& generator);
+
+ private:
+  std::string find_fault() const;
+  std::string find_type_fault() const;
+  int find_broken_join() const;
+  int find_broken_variable() const;
+  bool is_broken_join(int join) const;
+  bool is_broken_variable(int local) const;
+  int image(int node) const { return images_[static_cast<std::size_t>(node)]; }
+
+  const std::vector<ModelCompGraphNode>& nodes_;
+  const Composition& composition_;
+  Lists<int> locals_;        // by node; of a submodel or join: the variables that have an edge to it
+  std::vector<int> images_;  // by node; the identity between calls
+  std::vector<int> moved_;   // nodes, ascending
+};
 
 }  // namespace symfold::detail
 

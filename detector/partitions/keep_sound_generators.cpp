@@ -23,14 +23,14 @@ constexpr std::size_t kToldCycles = 6;  // of a generator
 
 // Returns the smallest point that the permutation moves.
 int first_moved(const Permutation& permutation) {
-  int point = 0;
-  while (point < permutation.GetN() && permutation[point] == point) ++point;
-  return point;
+  int first = permutation.GetN();
+  permutation.VisitMoves([&first](int point, int) { first = std::min(first, point); });
+  return first;
 }
 
 void unite_orbits(const Permutation& permutation, int n, detail::UnionFind& orbits) {
   if (permutation.GetN() != n || !permutation.IsPermutation()) return;
-  for (int point = 0; point < n; ++point) orbits.unite(point, permutation[point]);
+  permutation.VisitMoves([&orbits](int point, int image) { orbits.unite(point, image); });
 }
 
 // Bounds the orbit lengths of the base of the group H that the sound generators generate, a subgroup of the
@@ -50,14 +50,18 @@ std::vector<int> bound_orbit_lengths(const std::vector<Permutation>& strong, std
   std::sort(base.begin(), base.end(), std::greater<>());
   detail::UnionFind under_g(n);  // under those that fix all points below the base point
   std::vector<int> lengths;
+  const std::vector<std::vector<int>> orbits_of_h = under_h.lists<int>();
+  std::vector<std::size_t> orbit_of(static_cast<std::size_t>(n));
+  for (std::size_t i = 0; i < orbits_of_h.size(); ++i) {
+    for (const int point : orbits_of_h[i]) orbit_of[static_cast<std::size_t>(point)] = i;
+  }
   auto next = by_first.begin();
   for (const int b : base) {
     if (b < 0 || b >= n) continue;
     for (; next != by_first.end() && next->first >= b; ++next) unite_orbits(*next->second, n, under_g);
     int length = 0;
-    for (int point = 0; point < n; ++point) {
-      const bool is_shared = under_g.find(point) == under_g.find(b) && under_h.find(point) == under_h.find(b);
-      length += is_shared ? 1 : 0;
+    for (const int point : orbits_of_h[orbit_of[static_cast<std::size_t>(b)]]) {
+      length += under_g.find(point) == under_g.find(b) ? 1 : 0;
     }
     if (length > 1) lengths.push_back(length);
   }
@@ -73,8 +77,9 @@ void SymmetryDetection::KeepSoundGenerators() {
   detail::Composition composition;
   if (!detail::read_composition(GraphNodes, GraphEdges, composition).empty()) return;
   const auto name_of = [](const ModelCompGraphNode& node) { return node.Name; };
+  detail::GeneratorCheck check(GraphNodes, composition);
   const auto is_unsound = [&](const Permutation& generator) {
-    const std::string fault = detail::find_generator_fault(GraphNodes, composition, generator);
+    const std::string fault = check.find_fault(generator);
     if (fault.empty()) return false;
     const bool has_cycles =
         generator.IsPermutation() && generator.GetN() == static_cast<int>(GraphNodes.size());

@@ -18,10 +18,12 @@
 // A table that is not of this form (an orbit point that is no real node, a permutation that moves real nodes
 // elsewhere or keeps another number of images) is refused.
 
+#include <optional>
 #include <ostream>
 #include <utility>
 
 #include "detector/graph/graph_names.h"
+#include "detector/partitions/once_per_shared.h"
 #include "detector/symmetry_detection.h"
 
 namespace symfold {
@@ -55,23 +57,23 @@ std::string blank_separated(const std::vector<int>& numbers) {
 class Shrinker {
  public:
   Shrinker(std::vector<int> map, std::size_t partition_count, std::ostream& diagnostics)
-      : map_(std::move(map)), partition_count_(partition_count), diagnostics_(diagnostics) {}
+      : map_(std::move(map)), partition_count_(partition_count), diagnostics_(diagnostics) {
+    int position = 0;
+    for (const int entry : map_) is_numbered_ = is_numbered_ && (entry == -1 || entry == position++);
+    is_numbered_ = is_numbered_ && position == static_cast<int>(partition_count);
+  }
 
   bool has(int node) const { return node >= 0 && static_cast<std::size_t>(node) < map_.size(); }
   int operator[](int node) const { return map_[static_cast<std::size_t>(node)]; }
 
   // Replaces a permutation of the nodes by the induced one and prints it. Returns false if there is none.
   bool shrink(Permutation& permutation) {
-    kept_.clear();
-    if (!map_.empty() && !has(permutation[static_cast<int>(map_.size()) - 1])) return false;
-    const int* const images = permutation.GetP();  // of all real nodes, because the last one has an image
-    for (std::size_t node = 0; node < map_.size(); ++node) {
-      const int image = images[node];
-      if (!has(image)) return false;
-      if ((*this)[image] != -1) kept_.push_back((*this)[image]);
+    if (diagnostics_) {
+      if (!keep_images(permutation)) return false;
+      print_kept();
     }
-    if (kept_.size() != partition_count_) return false;
-    if (diagnostics_) print_kept();
+    if (once_(permutation, [this](const Permutation& of_nodes) { return induced(of_nodes); })) return true;
+    if (!keep_images(permutation)) return false;
     permutation = Permutation(static_cast<int>(kept_.size()), kept_.data());
     return true;
   }
@@ -90,6 +92,38 @@ class Shrinker {
   }
 
  private:
+  // Reads the induced permutation off the moves of the real nodes. Returns nothing unless they are permuted,
+  // and those that have a position among themselves.
+  std::optional<Permutation> induced(const Permutation& permutation) {
+    if (!is_numbered_ || !permutation.IsPermutation() || !has_all(permutation)) return std::nullopt;
+    moves_.clear();
+    bool is_induced = true;
+    permutation.VisitMoves([&](int node, int image) {
+      if (!has(node)) return;
+      is_induced = is_induced && has(image) && ((*this)[node] == -1) == ((*this)[image] == -1);
+      if (is_induced && (*this)[node] != -1) moves_.push_back({(*this)[node], (*this)[image]});
+    });
+    if (!is_induced) return std::nullopt;
+    return Permutation(static_cast<int>(partition_count_), moves_);
+  }
+
+  // Keeps the images of the real nodes that have a position. Returns false if they make no permutation.
+  bool keep_images(const Permutation& permutation) {
+    kept_.clear();
+    if (!has_all(permutation)) return false;
+    for (int node = 0; has(node); ++node) {
+      const int image = permutation[node];
+      if (!has(image)) return false;
+      if ((*this)[image] != -1) kept_.push_back((*this)[image]);
+    }
+    return kept_.size() == partition_count_;
+  }
+
+  // True if the last real node has an image that is one; then all have images.
+  bool has_all(const Permutation& permutation) const {
+    return map_.empty() || has(permutation[static_cast<int>(map_.size()) - 1]);
+  }
+
   // The kept images and the new permutation, which are the same numbers.
   void print_kept() const {
     const std::string images = blank_separated(kept_);
@@ -101,6 +135,9 @@ class Shrinker {
   std::vector<int> map_;
   std::size_t partition_count_;
   std::ostream& diagnostics_;
+  bool is_numbered_ = true;  // the positions are 0, 1, .. in the order of the nodes
+  detail::OncePerShared once_;
+  SparsePermutation moves_;
   std::vector<int> kept_;
 };
 

@@ -3,8 +3,10 @@
 // that ends at position j. For a single permutation P that is the inverse of P, since P carries partition c
 // to position P[c].
 
+#include <algorithm>
 #include <numeric>
 #include <ostream>
+#include <utility>
 
 #include "detector/symmetry_detection.h"
 
@@ -23,25 +25,48 @@ void drop_identities(ValPerms& record, int& point_count, std::ostream& diagnosti
 
 class Composer {
  public:
-  explicit Composer(int point_count)
-      : arrangement_(static_cast<std::size_t>(point_count)), scratch_(arrangement_.size()) {}
+  explicit Composer(int point_count) : arrangement_(static_cast<std::size_t>(point_count)) {
+    std::iota(arrangement_.begin(), arrangement_.end(), 0);
+  }
 
   // Replaces the permutations of the record by their composite.
   void compose(ValPerms& record) {
-    std::iota(arrangement_.begin(), arrangement_.end(), 0);
     for (const Permutation& permutation : record.Perms) {
-      for (std::size_t i = 0; i < arrangement_.size(); ++i) {
-        scratch_[static_cast<std::size_t>(permutation.GetP()[i])] = arrangement_[i];
+      arrivals_.clear();
+      permutation.VisitMoves([this](int i, int image) { arrivals_.push_back({image, at(i)}); });
+      for (const auto& [point, partition] : arrivals_) {
+        if (at(point) == point) touched_.push_back(point);
+        at(point) = partition;
       }
-      arrangement_.swap(scratch_);
     }
     record.Perms.clear();
-    record.Perms.emplace_back(static_cast<int>(arrangement_.size()), arrangement_.data());
+    record.Perms.push_back(take());
   }
 
  private:
-  std::vector<int> arrangement_;
-  std::vector<int> scratch_;
+  int& at(int point) { return arrangement_[static_cast<std::size_t>(point)]; }
+
+  // Returns the arrangement and makes it the identity. Few points are sorted, many are read in passing.
+  Permutation take() {
+    const auto n = static_cast<int>(arrangement_.size());
+    if (touched_.size() > arrangement_.size() / 4) {
+      Permutation composite(n, arrangement_.data());
+      std::iota(arrangement_.begin(), arrangement_.end(), 0);
+      touched_.clear();
+      return composite;
+    }
+    std::sort(touched_.begin(), touched_.end());
+    arrivals_.clear();
+    for (const int point : touched_) {
+      if (at(point) != point) arrivals_.push_back({point, std::exchange(at(point), point)});
+    }
+    touched_.clear();
+    return {n, arrivals_};
+  }
+
+  std::vector<int> arrangement_;  // entry j: the partition that ends at position j
+  SparsePermutation arrivals_;
+  std::vector<int> touched_;  // all positions where the arrangement is not the identity, and others
 };
 
 }  // namespace

@@ -42,7 +42,9 @@ class PermutationCheck {
         order_(order),
         has_names_(order.size() == sizes.size()),
         seen_at_(sizes.size(), 0),
-        moved_(sizes.size()) {}
+        places_(sizes.size()) {
+    std::iota(places_.begin(), places_.end(), 0);
+  }
 
   // Takes the places of the composition's partitions.
   void set_composition(const Composition& composition, const std::vector<int>& places);
@@ -52,14 +54,15 @@ class PermutationCheck {
   // Both say, as the end of a sentence, what is wrong with the permutation. The second is about the one that
   // the first found to be in order last, and returns an empty text without a composition.
   std::string find_size_fault(const Permutation& permutation);
-  std::string find_binding_fault(const Permutation& permutation);
+  std::string find_binding_fault();
 
  private:
   bool is_submodel(int partition) const { return kinds_[index(partition)] >= 0; }
   void touch(int submodel);
   void touch_all();
   void touch_neighbours();
-  bool carries_bindings(const int* images, int from, int to);
+  bool carries_bindings(int from, int to);
+  int image(int partition) const { return places_[index(partition)]; }
 
   const std::vector<int>& sizes_;
   const std::vector<std::string>& order_;
@@ -69,8 +72,8 @@ class PermutationCheck {
   detail::Lists<int> bound_submodels_;  // of joins
   std::vector<std::uint32_t> seen_at_;  // by partition: the latest round in which it was met
   std::uint32_t round_ = 0;
-  std::vector<int> moved_;  // by the latest permutation: the first moved_count_
-  std::size_t moved_count_ = 0;
+  std::vector<int> moved_;   // by the latest permutation, ascending
+  std::vector<int> places_;  // by partition: its image under the latest permutation
   std::vector<int> touched_;
   std::vector<Binding> images_;
 };
@@ -105,48 +108,47 @@ std::string PermutationCheck::name_of(int partition) const {
   return is_named ? order_[index(partition)] : "partition " + std::to_string(partition);
 }
 
+// Distinct images that are moved themselves are the moved partitions in another order.
 std::string PermutationCheck::find_size_fault(const Permutation& permutation) {
   const int n = static_cast<int>(sizes_.size());
   const auto no_permutation = [n] { return "is no permutation of the " + std::to_string(n) + " partitions"; };
+  for (const int c : moved_) places_[index(c)] = c;
+  moved_.clear();
   if (permutation.GetN() != n || (n > 0 && permutation[n - 1] < 0)) return no_permutation();
-  const int* const images = permutation.GetP();
-  moved_count_ = 0;
   ++round_;
-  int misfit = -1;
-  for (int c = 0; c < n; ++c) {
-    const int d = images[c];
-    if (d < 0 || d >= n || seen_at_[index(d)] == round_) return no_permutation();
-    seen_at_[index(d)] = round_;
-    moved_[moved_count_] = c;
-    moved_count_ += d == c ? 0 : 1;
-    if (sizes_[index(c)] != sizes_[index(d)] && misfit < 0) misfit = c;
-  }
-  if (misfit < 0) return "";
-  const int image = images[misfit];
-  return "moves " + name_of(misfit) + bytes_text(sizes_[index(misfit)]) + " to " + name_of(image) +
-         bytes_text(sizes_[index(image)]);
+  bool is_injective = true;
+  permutation.VisitMoves([&](int c, int d) {
+    const bool is_new = d >= 0 && d < n && std::exchange(seen_at_[index(d)], round_) != round_;
+    is_injective = is_injective && is_new;
+    moved_.push_back(c);
+    places_[index(c)] = d;
+  });
+  const auto stays = [this](int c) { return image(image(c)) == image(c); };
+  if (!is_injective || std::ranges::any_of(moved_, stays)) return no_permutation();
+  const auto misfits = [this](int c) { return sizes_[index(c)] != sizes_[index(image(c))]; };
+  const auto misfit = std::ranges::find_if(moved_, misfits);
+  if (misfit == moved_.end()) return "";
+  return "moves " + name_of(*misfit) + bytes_text(sizes_[index(*misfit)]) + " to " + name_of(image(*misfit)) +
+         bytes_text(sizes_[index(image(*misfit))]);
 }
 
 // The permutation is a bijection, so if each submodel's bindings become those of its image, all bindings
 // together become all bindings.
-std::string PermutationCheck::find_binding_fault(const Permutation& permutation) {
+std::string PermutationCheck::find_binding_fault() {
   if (kinds_.empty()) return "";
-  const int* const images = permutation.GetP();
-  const std::span moved(moved_.data(), moved_count_);
-  for (const int c : moved) {
-    if (kinds_[index(c)] == kinds_[index(images[c])]) continue;
-    return "carries " + name_of(c) + " to " + name_of(images[c]) + ", which has another type";
+  for (const int c : moved_) {
+    if (kinds_[index(c)] == kinds_[index(image(c))]) continue;
+    return "carries " + name_of(c) + " to " + name_of(image(c)) + ", which has another type";
   }
   touched_.clear();
-  if (moved_count_ > kinds_.size() / 2) {
+  if (moved_.size() > kinds_.size() / 2) {
     touch_all();
   } else {
     touch_neighbours();
   }
   for (const int submodel : touched_) {
-    const int image = images[submodel];
-    if (carries_bindings(images, submodel, image)) continue;
-    return "does not carry the joins of " + name_of(submodel) + " onto those of " + name_of(image);
+    if (carries_bindings(submodel, image(submodel))) continue;
+    return "does not carry the joins of " + name_of(submodel) + " onto those of " + name_of(image(submodel));
   }
   return "";
 }
@@ -161,9 +163,9 @@ void PermutationCheck::touch_all() {
 // others and their joins stay.
 void PermutationCheck::touch_neighbours() {
   ++round_;
-  for (std::size_t i = 0; i < moved_count_; ++i) {
-    if (is_submodel(moved_[i])) touch(moved_[i]);
-    for (const int submodel : std::as_const(bound_submodels_)[moved_[i]]) touch(submodel);
+  for (const int c : moved_) {
+    if (is_submodel(c)) touch(c);
+    for (const int submodel : std::as_const(bound_submodels_)[c]) touch(submodel);
   }
 }
 
@@ -173,15 +175,15 @@ void PermutationCheck::touch(int submodel) {
 
 // Bindings come by the submodel's variable. If each is bound once, those of two submodels of one type stand
 // in one order.
-bool PermutationCheck::carries_bindings(const int* images, int from, int to) {
+bool PermutationCheck::carries_bindings(int from, int to) {
   const std::span<const Binding> bindings = std::as_const(bindings_)[from];
   const std::span<const Binding> expected = std::as_const(bindings_)[to];
-  const auto is_carried = [images](const Binding& binding, const Binding& image) {
-    return binding.type == image.type && binding.number == image.number && images[binding.join] == image.join;
+  const auto is_carried = [this](const Binding& binding, const Binding& other) {
+    return binding.type == other.type && binding.number == other.number && image(binding.join) == other.join;
   };
   if (std::equal(bindings.begin(), bindings.end(), expected.begin(), expected.end(), is_carried)) return true;
   images_.assign(bindings.begin(), bindings.end());
-  for (Binding& binding : images_) binding.join = images[binding.join];
+  for (Binding& binding : images_) binding.join = image(binding.join);
   std::sort(images_.begin(), images_.end());
   return std::equal(images_.begin(), images_.end(), expected.begin(), expected.end());
 }
@@ -247,8 +249,9 @@ std::string find_layout_fault(const SymmetryDetection& detector, const Compositi
 }
 
 std::string find_generators_fault(const SymmetryDetection& detector, const Composition& composition) {
+  detail::GeneratorCheck check(detector.GraphNodes, composition);
   for (const Permutation& generator : detector.OrigPermutations) {
-    const std::string fault = detail::find_generator_fault(detector.GraphNodes, composition, generator);
+    const std::string fault = check.find_fault(generator);
     if (!fault.empty()) return "a generator " + fault;
   }
   return "";
@@ -279,7 +282,7 @@ std::string find_fault(const SymmetryDetection& detector) {
       for (const Permutation& permutation : record.Perms) {
         std::string fault = check.find_size_fault(permutation);
         if (!fault.empty()) return told(fault);
-        if (binding_fault.empty()) fault = check.find_binding_fault(permutation);
+        if (binding_fault.empty()) fault = check.find_binding_fault();
         if (!fault.empty()) binding_fault = told(fault);
       }
     }

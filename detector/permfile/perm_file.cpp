@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <climits>
-#include <deque>
 #include <ostream>
 #include <utility>
 
@@ -15,77 +13,88 @@
 namespace symfold {
 namespace {
 
-// A detector's tables as the lines of the file. Views them, and gives a base point without an entry an empty
-// one.
-class TableLines {
+// True if there is a size, and an image of every permutation, for each partition.
+bool is_complete(const SymmetryDetection& tables) {
+  const auto partition_count = static_cast<int>(tables.CumPartitionInfo.size());
+  const auto is_complete_base = [&](int base) {
+    const auto found = tables.VPerms.find(base);
+    return found == tables.VPerms.end() || std::ranges::all_of(found->second, [&](const ValPerms& record) {
+             return std::ranges::all_of(record.Perms, [&](const Permutation& permutation) {
+               return permutation.GetN() >= partition_count;
+             });
+           });
+  };
+  return tables.PartitionInfo.size() >= tables.CumPartitionInfo.size() &&
+         std::ranges::all_of(tables.Bases, is_complete_base);
+}
+
+void append_number(std::string& text, int number) {
+  std::array<char, 16> digits;
+  text.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
+}
+
+// The text of a table's lines. Most images of most permutations are their points: the text of these is copied
+// from that of the identity.
+class LineText {
  public:
-  explicit TableLines(SymmetryDetection& tables) {
-    const std::size_t partition_count = tables.CumPartitionInfo.size();
-    is_complete_ = tables.PartitionInfo.size() >= partition_count;
-    add(partition_count);
-    add(tables.PartitionInfo.data(), std::min(partition_count, tables.PartitionInfo.size()));
-    add(tables.CumPartitionInfo.data(), partition_count);
-    add(tables.Bases.size());
-    for (const int& base : tables.Bases) add_base(base, tables.VPerms[base], partition_count);
+  explicit LineText(std::size_t partition_count) {
+    for (std::size_t c = 0; c < partition_count; ++c) {
+      begins_.push_back(identity_.size());
+      append_number(identity_, static_cast<int>(c));
+      identity_ += ' ';
+    }
+    begins_.push_back(identity_.size());
   }
 
-  // True if there is a size, and an image of every permutation, for each partition.
-  bool is_complete() const { return is_complete_; }
-
-  const std::vector<TableLine>& lines() const { return lines_; }
-
- private:
-  // The table keeps the address of `base`.
-  void add_base(const int& base, const std::vector<ValPerms>& records, std::size_t partition_count) {
-    add(&base, 1, false);
-    add(records.size());
-    for (const ValPerms& record : records) {
-      add(&record.Value, 1, false);
-      add(record.Perms.size());
-      for (const Permutation& permutation : record.Perms) {
-        const auto image_count = static_cast<std::size_t>(std::max(permutation.GetN(), 0));
-        is_complete_ = is_complete_ && image_count >= partition_count;
-        add(permutation.GetP(), std::min(image_count, partition_count));
+  // Returns the text of the line, valid until the next call.
+  const std::string& of(const TableLines& lines) {
+    text_.clear();
+    if (lines.permutation() != nullptr) {
+      append_images(*lines.permutation());
+    } else {
+      for (const int number : lines.numbers()) {
+        append_number(text_, number);
+        if (lines.has_blanks()) text_ += ' ';
       }
     }
+    return text_ += '\n';
   }
 
-  void add(std::size_t count) {
-    counts_.push_back(static_cast<int>(std::min(count, std::size_t{INT_MAX})));
-    add(&counts_.back(), 1, false);
+ private:
+  void append_images(const Permutation& permutation) {
+    std::size_t end = 0;  // of the images that the text has
+    permutation.VisitMoves([&](int point, int image) {
+      const auto c = static_cast<std::size_t>(point);
+      if (c + 1 >= begins_.size()) return;
+      append_identity(end, c);
+      append_number(text_, image);
+      text_ += ' ';
+      end = c + 1;
+    });
+    append_identity(end, begins_.size() - 1);
   }
 
-  void add(const int* numbers, std::size_t count, bool is_list = true) {
-    lines_.push_back({{numbers, count}, is_list});
+  void append_identity(std::size_t from, std::size_t to) {
+    text_.append(identity_, begins_[from], begins_[to] - begins_[from]);
   }
 
-  std::deque<int> counts_;
-  std::vector<TableLine> lines_;
-  bool is_complete_;
+  std::string identity_;
+  std::vector<std::size_t> begins_;  // of each image in it; at the end its length
+  std::string text_;
 };
 
 // Calls write(text) for one line after the other.
 template <class Write>
-void write_lines(const std::vector<TableLine>& lines, Write write) {
-  std::string text;
-  for (const TableLine& line : lines) {
-    text.clear();
-    for (const int number : line.numbers) {
-      std::array<char, 16> digits;
-      text.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
-      if (line.is_list) text += ' ';
-    }
-    text += '\n';
-    write(text);
-  }
+void write_lines(SymmetryDetection& tables, Write write) {
+  LineText text(tables.CumPartitionInfo.size());
+  for (TableLines lines(tables); lines.next();) write(text.of(lines));
 }
 
 std::string write_perm_file(const std::string& name, SymmetryDetection& tables) {
   const std::string fault = tables.FindTableFault();
   if (!fault.empty()) return name + ": error: not written: " + fault;
   WholeFile file(name);
-  write_lines(TableLines(tables).lines(),
-              [&](const std::string& text) { file.write(text.data(), text.size()); });
+  write_lines(tables, [&](const std::string& text) { file.write(text.data(), text.size()); });
   file.commit();
   return file.error();
 }
@@ -108,12 +117,11 @@ void SymmetryDetection::WritePermFile(std::string& name) {
 }
 
 void SymmetryDetection::WriteTables(std::ostream& out) {
-  write_lines(TableLines(*this).lines(), [&](const std::string& text) { out << text; });
+  write_lines(*this, [&](const std::string& text) { out << text; });
 }
 
 std::string SymmetryDetection::FindTableFault() {
-  const TableLines lines(*this);
-  if (lines.is_complete()) return check_lines(lines.lines());
+  if (is_complete(*this)) return check_tables(*this);
   return "expected tables of " + std::to_string(CumPartitionInfo.size()) + " partitions";
 }
 

@@ -1,5 +1,6 @@
 #include "detector/permfile/perm_table.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <locale>
 #include <new>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 #include "detector/symmetry_detection.h"
@@ -28,27 +30,54 @@ struct Fault {
 // Numbers in memory, handed over as a NumberScanner hands over those of a text.
 class StoredNumbers {
  public:
-  explicit StoredNumbers(std::span<const TableLine> lines) : lines_(lines) {}
+  explicit StoredNumbers(SymmetryDetection& tables)
+      : lines_(tables), partition_count_(tables.CumPartitionInfo.size()) {}
 
   bool next() {
-    ++column_;
-    while (line_ < lines_.size() && column_ == lines_[line_].numbers.size()) {
-      ++line_;
-      column_ = 0;
+    while (next_ == length_) {
+      if (!next_line()) return false;
     }
-    return line_ < lines_.size();
+    ++next_;
+    return true;
   }
   std::optional<int> number(int low, int high) const {
-    const int value = lines_[line_].numbers[column_];
+    const int value = this->value();
     return value < low || value > high ? std::nullopt : std::optional<int>(value);
   }
-  std::string shown() const { return std::to_string(lines_[line_].numbers[column_]); }
-  int line() const { return static_cast<int>(line_) + 1; }
+  std::string shown() const { return std::to_string(value()); }
+  int line() const { return 0; }
+
+  // Passes over the next line and returns true if it is a sound permutation between partitions of equal size.
+  bool skip_sound_permutation(const std::vector<int>& sizes) {
+    if (!next_line()) return false;
+    const Permutation& permutation = *lines_.permutation();
+    if (permutation.GetN() != static_cast<int>(sizes.size()) || !permutation.IsPermutation()) return false;
+    bool keeps_sizes = true;
+    permutation.VisitMoves([&](int c, int image) {
+      keeps_sizes =
+          keeps_sizes && sizes[static_cast<std::size_t>(c)] == sizes[static_cast<std::size_t>(image)];
+    });
+    if (keeps_sizes) next_ = length_;
+    return keeps_sizes;
+  }
 
  private:
-  std::span<const TableLine> lines_;
-  std::size_t line_ = 0;
-  std::size_t column_ = static_cast<std::size_t>(-1);
+  bool next_line() {
+    if (!lines_.next()) return false;
+    length_ = lines_.permutation() != nullptr ? partition_count_ : lines_.numbers().size();
+    next_ = 0;
+    return true;
+  }
+  int value() const {
+    const std::size_t column = next_ - 1;
+    const Permutation* const permutation = lines_.permutation();
+    return permutation != nullptr ? (*permutation)[static_cast<int>(column)] : lines_.numbers()[column];
+  }
+
+  TableLines lines_;
+  std::size_t partition_count_;
+  std::size_t length_ = 0;  // of the line
+  std::size_t next_ = 0;    // column
 };
 
 // The rules, for numbers from either source. What it reads goes to `table` unless that is null.
@@ -91,6 +120,9 @@ class Reader {
       record.Value = number("the value of a record", -1, partition_count - 1);
       const int permutation_count = number("the number of permutations of a record", 0, INT_MAX);
       for (int p = 0; p < permutation_count; ++p) {
+        if constexpr (std::is_same_v<Numbers, StoredNumbers>) {
+          if (numbers_.skip_sound_permutation(sizes_)) continue;
+        }
         read_images(partition_count);
         if (table_ != nullptr) record.Perms.emplace_back(partition_count, images_.data());
       }
@@ -145,9 +177,66 @@ std::string read_perm_table(std::istream& in, const std::string& name, PermTable
   return "";
 }
 
-std::string check_lines(std::span<const TableLine> lines) {
+bool TableLines::set_list(std::span<const int> numbers, bool has_blanks) {
+  permutation_ = nullptr;
+  numbers_ = numbers;
+  has_blanks_ = has_blanks;
+  return true;
+}
+
+bool TableLines::set_number(int number) {
+  number_ = number;
+  return set_list({&number_, 1}, false);
+}
+
+bool TableLines::set_count(std::size_t count) {
+  return set_number(static_cast<int>(std::min(count, std::size_t{INT_MAX})));
+}
+
+bool TableLines::next() {
+  switch (next_) {
+    case Next::kPartitionCount:
+      next_ = Next::kSizes;
+      return set_count(tables_.CumPartitionInfo.size());
+    case Next::kSizes:
+      next_ = Next::kOffsets;
+      return set_list(std::span(tables_.PartitionInfo).first(tables_.CumPartitionInfo.size()), true);
+    case Next::kOffsets:
+      next_ = Next::kBaseCount;
+      return set_list(tables_.CumPartitionInfo, true);
+    case Next::kBaseCount:
+      next_ = Next::kBase;
+      return set_count(tables_.Bases.size());
+    case Next::kBase:
+      if (base_ == tables_.Bases.size()) return false;
+      records_ = &tables_.VPerms[tables_.Bases[base_]];
+      record_ = 0;
+      next_ = Next::kRecords;
+      return set_number(tables_.Bases[base_++]);
+    case Next::kRecords:
+      next_ = records_->empty() ? Next::kBase : Next::kRecord;
+      return set_count(records_->size());
+    case Next::kRecord:
+      permutation_index_ = 0;
+      next_ = Next::kPermutationCount;
+      return set_number((*records_)[record_].Value);
+    case Next::kPermutationCount:
+      next_ = Next::kPermutation;
+      set_count((*records_)[record_].Perms.size());
+      break;
+    case Next::kPermutation:
+      permutation_ = &(*records_)[record_].Perms[permutation_index_++];
+      break;
+  }
+  if (permutation_index_ == (*records_)[record_].Perms.size()) {
+    next_ = ++record_ == records_->size() ? Next::kBase : Next::kRecord;
+  }
+  return true;
+}
+
+std::string check_tables(SymmetryDetection& tables) {
   try {
-    Reader(StoredNumbers(lines), nullptr).read();
+    Reader(StoredNumbers(tables), nullptr).read();
   } catch (const Fault& fault) {
     return fault.message;
   }

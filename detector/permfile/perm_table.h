@@ -17,6 +17,8 @@
 
 namespace symfold {
 
+class SymmetryDetection;
+
 struct PermTable {
   std::vector<int> sizes;
   std::vector<int> offsets;
@@ -33,15 +35,53 @@ inline constexpr int kMaxStateSize = 1 << 26;
 // unequal size. Memory and time are linear in the length of the input.
 std::string read_perm_table(std::istream& in, const std::string& name, PermTable& table);
 
-// One line of the file. A list ends each of its numbers with a blank; every other line holds one number.
-struct TableLine {
-  std::span<const int> numbers;
-  bool is_list;
+// The lines of a file of a detector's tables, one after the other, so that no copy of large tables is made. A
+// base point without an entry gets an empty one.
+class TableLines {
+ public:
+  explicit TableLines(SymmetryDetection& tables) : tables_(tables) {}
+
+  // Goes to the next line, the first one at first. Returns false if there is none.
+  bool next();
+
+  // A line is a permutation, of which the file has the images of the partitions, or a list of numbers.
+  const Permutation* permutation() const { return permutation_; }  // null for a list
+  std::span<const int> numbers() const { return numbers_; }
+  bool has_blanks() const { return has_blanks_; }  // a blank ends each number
+
+ private:
+  enum class Next {
+    kPartitionCount,
+    kSizes,
+    kOffsets,
+    kBaseCount,
+    kBase,
+    kRecords,
+    kRecord,
+    kPermutationCount,
+    kPermutation
+  };
+
+  bool set_list(std::span<const int> numbers, bool has_blanks);
+  bool set_number(int number);
+  bool set_count(std::size_t count);
+
+  SymmetryDetection& tables_;
+  Next next_ = Next::kPartitionCount;
+  std::size_t base_ = 0;
+  const std::vector<ValPerms>* records_ = nullptr;
+  std::size_t record_ = 0;
+  std::size_t permutation_index_ = 0;
+  const Permutation* permutation_ = nullptr;
+  std::span<const int> numbers_;
+  int number_ = 0;
+  bool has_blanks_ = false;
 };
 
-// Checks lines that are to be written by the rules of read_perm_table. Returns an empty text if it would read
-// them, otherwise "expected X, got Y". Makes no text and stores nothing.
-std::string check_lines(std::span<const TableLine> lines);
+// Checks tables that are to be written by the rules of read_perm_table. Returns an empty text if it would
+// read them, otherwise "expected X, got Y". Requires: there is a size, and an image of every permutation, for
+// each partition. Stores nothing. Cost: that of a look at every move.
+std::string check_tables(SymmetryDetection& tables);
 
 // Does the same as read_perm_table for the file of that name. A file that cannot be read is reported with the
 // system's reason, without a line.

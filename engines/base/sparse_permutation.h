@@ -25,6 +25,7 @@ using SparsePermutation = std::vector<PointMove>;
 class PermutationList {
  public:
   std::size_t size() const { return ends_.size(); }
+  std::size_t move_count() const { return moves_.size(); }  // of all permutations
 
   std::span<const PointMove> operator[](std::size_t i) const {
     const std::size_t begin = i == 0 ? 0 : ends_[i - 1];

@@ -1,18 +1,17 @@
 #include "engines/group/stabiliser_first_tree.h"
 
+#include <span>
+
 namespace symfold::detail {
 
-StabiliserFirstTree::StabiliserFirstTree(int point_count, const std::vector<std::span<const int>>& generators)
+StabiliserFirstTree::StabiliserFirstTree(int point_count, const PermutationList& generators)
     : smallest_moved_(static_cast<int>(generators.size()), point_count),
       first_step_(point_count + 1, 0),
       tree_(point_count) {
   for (int g = 0; g < smallest_moved_.size(); ++g) {
-    const std::span<const int> images = generators[static_cast<std::size_t>(g)];
-    for (int i = point_count - 1; i >= 0; --i) {
-      if (images[static_cast<std::size_t>(i)] == i) continue;
-      smallest_moved_[g] = i;
-      ++first_step_[i];
-    }
+    const std::span<const PointMove> moves = generators[static_cast<std::size_t>(g)];
+    if (!moves.empty()) smallest_moved_[g] = moves.front().point;
+    for (const PointMove move : moves) ++first_step_[move.point];
   }
   // Running sums make each entry the end of its point's stretch; filling backwards leaves it at the
   // beginning.
@@ -20,10 +19,8 @@ StabiliserFirstTree::StabiliserFirstTree(int point_count, const std::vector<std:
   for (std::size_t& entry : first_step_) entry = total += entry;
   steps_.resize(total);
   for (int g = smallest_moved_.size() - 1; g >= 0; --g) {
-    const std::span<const int> images = generators[static_cast<std::size_t>(g)];
-    for (int i = 0; i < point_count; ++i) {
-      const int image = images[static_cast<std::size_t>(i)];
-      if (image != i) steps_[--first_step_[i]] = {g, image};
+    for (const auto& [point, image] : generators[static_cast<std::size_t>(g)]) {
+      steps_[--first_step_[point]] = {g, image};
     }
   }
 }

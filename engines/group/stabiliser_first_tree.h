@@ -8,9 +8,9 @@
 #define SYMFOLD_ENGINES_GROUP_STABILISER_FIRST_TREE_H
 
 #include <cstddef>
-#include <span>
 #include <vector>
 
+#include "engines/base/sparse_permutation.h"
 #include "engines/group/orbit_tree.h"
 
 namespace symfold::detail {
@@ -18,8 +18,8 @@ namespace symfold::detail {
 class StabiliserFirstTree {
  public:
   // The generators, permutations of 0 .. point_count - 1, are numbered in their order. Keeps no reference to
-  // them.
-  StabiliserFirstTree(int point_count, const std::vector<std::span<const int>>& generators);
+  // them. Takes 8 bytes for each move.
+  StabiliserFirstTree(int point_count, const PermutationList& generators);
 
   // Builds the tree of a new root, a point. Points are found breadth-first, generators tried in their order.
   // Cost: the number of pairs of an orbit point and a generator that moves it.

@@ -66,12 +66,11 @@ class MoveSorter {
 // Collects generators, up to a limit.
 class GeneratorCollector {
  public:
-  GeneratorCollector(int vertex_count, std::size_t max_generators)
-      : sorter_(vertex_count), max_generators_(max_generators) {
+  GeneratorCollector(int vertex_count, std::size_t max_moves) : sorter_(vertex_count), max_moves_(max_moves) {
     list_.reserve(2 * static_cast<std::size_t>(vertex_count));  // enough for exchanges of leaves
   }
 
-  // Takes the moves of an automorphism in any order. Returns false if there are too many generators.
+  // Takes the moves of an automorphism in any order. Returns false if there are too many.
   bool add(std::span<const PointMove> moves) {
     if (moves.empty()) return true;
     if (is_over_limit()) return false;
@@ -79,19 +78,19 @@ class GeneratorCollector {
     return true;
   }
 
-  bool is_over_limit() const { return list_.size() > max_generators_; }
+  bool is_over_limit() const { return list_.move_count() > max_moves_; }
   PermutationList release() { return std::move(list_); }
 
  private:
   MoveSorter sorter_;
-  std::size_t max_generators_;
+  std::size_t max_moves_;
   PermutationList list_;
 };
 
 // Returns generators without a base, or nothing if a lift fails the check.
 std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, const SearchLimits& limits) {
   DegreeReduction reduction(graph);
-  GeneratorCollector generators(graph.vertex_count(), limits.max_generators);
+  GeneratorCollector generators(graph.vertex_count(), limits.max_moves);
   const auto add = [&generators](const SparsePermutation& moves) { return generators.add(moves); };
   SearchEnd end = SearchEnd::kComplete;
   bool is_sound = reduction.for_each_fibre_symmetry(add);
@@ -106,7 +105,7 @@ std::optional<AutomorphismGroup> reduced_generators(const ColouredGraph& graph, 
     }
   }
   if (!is_sound && !generators.is_over_limit()) return std::nullopt;
-  if (generators.is_over_limit()) end = SearchEnd::kGeneratorLimit;
+  if (generators.is_over_limit()) end = SearchEnd::kMoveLimit;
   return AutomorphismGroup{generators.release(), {}, {}, end == SearchEnd::kComplete, end};
 }
 

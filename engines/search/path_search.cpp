@@ -146,8 +146,8 @@ class PathSearch {
         failed_work_ += refiner_.work() - work;
         if (make_finer_keys()) return false;
       }
-      if (group_.generators.size() > limits_.max_generators) {
-        end_search(SearchEnd::kGeneratorLimit);
+      if (group_.generators.move_count() > limits_.max_moves) {
+        end_search(SearchEnd::kMoveLimit);
         break;
       }
     }

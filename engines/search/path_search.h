@@ -46,7 +46,7 @@
 
 namespace symfold::detail {
 
-enum class SearchEnd { kComplete, kGeneratorLimit, kWorkBudget };
+enum class SearchEnd { kComplete, kMoveLimit, kWorkBudget };
 
 // If the search did not end by itself, the generators found by then are those of a subgroup. They are strong
 // for it, and base and lengths are its own.
@@ -59,8 +59,8 @@ struct AutomorphismGroup {
 };
 
 struct SearchLimits {
-  // The search ends when it has found more generators.
-  std::size_t max_generators = std::numeric_limits<std::size_t>::max();
+  // The search ends when its generators have more moves.
+  std::size_t max_moves = std::numeric_limits<std::size_t>::max();
 
   // The search ends when it has examined so many edges, or done work that costs about as much. One takes
   // about ten nanoseconds, so the default is about a minute.

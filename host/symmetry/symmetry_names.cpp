@@ -23,7 +23,7 @@ std::string named_cycles(const SymmetryDetection& detector, const Permutation& g
 NamedOrbits find_orbits(const SymmetryDetection& detector) {
   detail::UnionFind points(static_cast<int>(detector.GraphNodes.size()));
   for (const Permutation& generator : detector.OrigPermutations) {
-    for (int point = 0; point < generator.GetN(); ++point) points.unite(point, generator[point]);
+    generator.VisitMoves([&points](int point, int image) { points.unite(point, image); });
   }
   NamedOrbits orbits;
   for (const std::vector<std::size_t>& orbit : points.lists<std::size_t>()) {

@@ -294,7 +294,7 @@ TEST(AutomorphismSearch, TakesOneGeneratorOfTwoLeavesForEveryLevelOfAStar) {
     EXPECT_EQ(group.orbit_lengths[static_cast<std::size_t>(i)], kLeaves - i);
   }
   EXPECT_FALSE(
-      find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges), {.max_generators = 10}).is_complete);
+      find_automorphisms(ColouredGraph(kLeaves + 1, {kLeaves}, edges), {.max_moves = 20}).is_complete);
 }
 
 TEST(AutomorphismCheck, RefusesWhatBreaksColoursLoopsEdgesOrIsNoPermutation) {
