@@ -183,6 +183,8 @@ class PathSearch {
         break;
     }
     if (!limits_.matches_subtrees) return follow_levels(top, w);
+    // One question of this kind is rarely the only one. A single failure is allowed to the others, because a
+    // descent that finds its automorphism at once is cheaper where parts of a large graph are exchanged.
     max_descent_failures_ = std::min(max_descent_failures_, 1);
     partition_.undo(levels_[top].splits);
     individualise(top, w);

@@ -8,7 +8,10 @@
 namespace symfold::detail {
 namespace {
 
+// A left tree with more nodes, or more generators noted at them, leaves the question open, so that its memory
+// is bounded.
 constexpr std::size_t kMaxNodes = 20'000;
+constexpr std::size_t kMaxNoted = 2'000'000;
 
 std::uint64_t hash_of(const Trace& trace) {
   std::uint64_t hash = trace.size();
@@ -34,6 +37,7 @@ void SubtreeMatch::set_level(const OrderedPartition& end, int splits, int vertex
   vertex_ = vertex;
   generator_count_ = generators_.size();
   nodes_.clear();
+  noted_generators_ = 0;
 }
 
 SubtreeMatch::Answer SubtreeMatch::run(int first_split,
@@ -41,7 +45,7 @@ SubtreeMatch::Answer SubtreeMatch::run(int first_split,
   if (nodes_.empty()) {
     left_.undo(splits_before_);
     individualise_left(vertex_);
-    nodes_.push_back({-1, vertex_, 0, -1, -1, {}});
+    nodes_.push_back({-1, vertex_, 0, true, -1, -1, {}});
     for (std::size_t g = 0; g < generator_count_; ++g) nodes_[0].generators.push_back(g);
     left_path_ = {0};
     left_splits_ = {left_.split_count()};
@@ -54,7 +58,7 @@ SubtreeMatch::Answer SubtreeMatch::run(int first_split,
 }
 
 SubtreeMatch::Answer SubtreeMatch::visit(int node, std::size_t depth) {
-  if (budget_.is_spent() || nodes_.size() > kMaxNodes) return Answer::kOpen;
+  if (budget_.is_spent() || nodes_.size() > kMaxNodes || noted_generators_ > kMaxNoted) return Answer::kOpen;
   move_left_to(node);
   if (depth == right_path_.size()) {
     if (has_right_ended_ || !extend_right()) return (*attempt_)(left_) ? Answer::kFound : Answer::kNone;
@@ -64,7 +68,7 @@ SubtreeMatch::Answer SubtreeMatch::visit(int node, std::size_t depth) {
   const auto [begin, end] = std::pair(nodes_[static_cast<std::size_t>(node)].first_child,
                                       nodes_[static_cast<std::size_t>(node)].children_end);
   for (int child = begin; child < end; ++child) {
-    if (nodes_[static_cast<std::size_t>(child)].hash != step.hash) continue;
+    if (hash_of_child(child) != step.hash) continue;
     const Answer answer = visit(child, depth + 1);
     if (answer != Answer::kNone) return answer;
   }
@@ -99,6 +103,7 @@ int SubtreeMatch::next_cell() const {
 }
 
 void SubtreeMatch::expand(int node, int cell) {
+  budget_.spend(static_cast<std::size_t>(left_.vertex_count()));
   UnionFind orbits(left_.vertex_count());
   std::vector<std::size_t> generators;
   const Node& expanded = nodes_[static_cast<std::size_t>(node)];
@@ -112,23 +117,31 @@ void SubtreeMatch::expand(int node, int cell) {
     generators.push_back(g);
     for (const auto& [point, image] : moves) orbits.unite(point, image);
   }
+  noted_generators_ += generators.size();
   nodes_[static_cast<std::size_t>(node)].generators = std::move(generators);
   const auto members = left_.members(cell);
   const std::vector<int> candidates(members.begin(), members.end());
   PointVector<char> is_taken(left_.vertex_count(), 0);
-  const int splits = left_.split_count();
   const auto first_child = static_cast<int>(nodes_.size());
   for (const int v : candidates) {
-    if (budget_.is_spent()) break;
     const int orbit = orbits.find(v);
     if (is_taken[orbit] != 0) continue;
     is_taken[orbit] = 1;
-    const std::uint64_t hash = individualise_left(v);
-    left_.undo(splits);
-    nodes_.push_back({node, v, hash, -1, -1, {}});
+    nodes_.push_back({node, v, 0, false, -1, -1, {}});
   }
   nodes_[static_cast<std::size_t>(node)].first_child = first_child;
   nodes_[static_cast<std::size_t>(node)].children_end = static_cast<int>(nodes_.size());
+}
+
+// Children are hashed when they are first compared, because the first of them may lead to an automorphism.
+std::uint64_t SubtreeMatch::hash_of_child(int child) {
+  Node& node = nodes_[static_cast<std::size_t>(child)];
+  if (node.is_hashed) return node.hash;
+  move_left_to(node.parent);
+  node.hash = individualise_left(node.vertex);
+  node.is_hashed = !budget_.is_spent();
+  left_.undo(left_splits_.back());
+  return node.hash;
 }
 
 void SubtreeMatch::move_left_to(int node) {

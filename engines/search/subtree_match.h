@@ -49,8 +49,9 @@ class SubtreeMatch {
  private:
   struct Node {
     int parent;
-    int vertex;  // individualised last
-    std::uint64_t hash;
+    int vertex;          // individualised last
+    std::uint64_t hash;  // of the trace that led here
+    bool is_hashed;
     int first_child = -1;  // -1 while it has not been expanded
     int children_end = -1;
     std::vector<std::size_t> generators;  // that fix the vertices of its path, once it has been expanded
@@ -63,6 +64,7 @@ class SubtreeMatch {
   Answer visit(int node, std::size_t depth);
   bool extend_right();
   void expand(int node, int cell);
+  std::uint64_t hash_of_child(int child);
   void move_left_to(int node);
   std::uint64_t individualise_left(int vertex);
   int next_cell() const;
@@ -82,7 +84,8 @@ class SubtreeMatch {
   std::vector<RightStep> right_path_;
   bool has_right_ended_ = false;  // no larger cell is left that could matter
   int first_split_ = 0;
-  std::size_t generator_count_ = 0;  // at the start of the level
+  std::size_t generator_count_ = 0;   // at the start of the level
+  std::size_t noted_generators_ = 0;  // at all nodes
   int splits_before_ = 0;
   int vertex_ = -1;
   const std::function<bool(const OrderedPartition&)>* attempt_ = nullptr;
