@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <set>
@@ -11,7 +14,10 @@
 #include "engines/base/images.h"
 #include "engines/largest_image/chain_search.h"
 #include "engines/largest_image/recognition.h"
+#include "tests/oracles/literal_labeller.h"
 #include "tests/oracles/state_classes.h"
+#include "tests/support/random_group.h"
+#include "tests/support/seeds.h"
 
 namespace symfold::detail {
 namespace {
@@ -131,20 +137,28 @@ Action shuffled(const Action& action, std::mt19937& random) {
   return result;
 }
 
-// A detector with the tables of the group, all partitions of `bytes` bytes.
-void set_tables(SymmetryDetection& detector, const Action& action, int bytes) {
-  for (std::size_t i = 0; i < action.size(); ++i) {
-    detector.CumPartitionInfo.push_back(static_cast<int>(i) * bytes);
-    detector.PartitionInfo.push_back(bytes);
+// A detector with the tables of the group that the generators make of partitions of so many bytes.
+void set_tables(SymmetryDetection& detector, const std::vector<int>& sizes,
+                const std::vector<Images>& generators) {
+  int offset = 0;
+  for (const int size : sizes) {
+    detector.PartitionInfo.push_back(size);
+    detector.CumPartitionInfo.push_back(offset);
+    offset += size;
   }
-  for (const StabiliserLevel& level : make_stabiliser_levels(action.size(), action.generators, 1'000'000)) {
+  for (const StabiliserLevel& level : make_stabiliser_levels(sizes.size(), generators, 1'000'000)) {
     detector.Bases.push_back(static_cast<int>(level.base));
     for (std::size_t i = 1; i < level.orbit.size(); ++i) {
-      Permutation permutation(static_cast<int>(action.size()));
+      Permutation permutation(static_cast<int>(sizes.size()));
       std::copy(level.transversal[i].begin(), level.transversal[i].end(), permutation.GetP());
       detector.VPerms[detector.Bases.back()].push_back({static_cast<int>(level.orbit[i]), {permutation}});
     }
   }
+}
+
+// The same for partitions that are all of one size.
+void set_tables(SymmetryDetection& detector, const Action& action, int bytes) {
+  set_tables(detector, std::vector<int>(action.size(), bytes), action.generators);
 }
 
 std::string image_of(const std::string& state, const Images& images, std::size_t bytes) {
@@ -182,32 +196,26 @@ std::string largest_image(const std::string& state, const std::set<Images>& grou
   return largest;
 }
 
-// One label for each class of all states, in the natural order of the positions and in others, and for every
-// 97th state it is the largest image.
+// One label for each class of all states, and for every 97th state it is the largest image.
 TEST(ExactLabels, AreOneForEachClassOfKnownGroups) {
-  std::mt19937 random(1);
-  for (const Action& known : known_actions()) {
-    const std::set<Images> group = closure(known.generators, known.size());
-    for (int layout = 0; layout < 4; ++layout) {
-      const Action action = layout == 0 ? known : shuffled(known, random);
-      SymmetryDetection detector;
-      set_tables(detector, action, 2);
-      const ExactGroup exact_group(detector);
-      ExactLabeller labeller(exact_group);
-      const std::set<Images> elements = layout == 0 ? group : closure(action.generators, action.size());
-      std::set<std::string> labels;
-      std::size_t number = 0;
-      for (const std::string& state : all_states(std::vector<int>(action.size(), 2), action.values)) {
-        const Label label = label_of(labeller, state, 2);
-        ASSERT_TRUE(label.is_exact) << action.name;
-        labels.insert(label.state);
-        if (number++ % 97 == 0) {
-          ASSERT_EQ(label.state, largest_image(state, elements, 2)) << action.name;
-        }
+  for (const Action& action : known_actions()) {
+    const std::set<Images> elements = closure(action.generators, action.size());
+    SymmetryDetection detector;
+    set_tables(detector, action, 2);
+    const ExactGroup exact_group(detector);
+    ExactLabeller labeller(exact_group);
+    std::set<std::string> labels;
+    std::size_t number = 0;
+    for (const std::string& state : all_states(std::vector<int>(action.size(), 2), action.values)) {
+      const Label label = label_of(labeller, state, 2);
+      ASSERT_TRUE(label.is_exact) << action.name;
+      labels.insert(label.state);
+      if (number++ % 97 == 0) {
+        ASSERT_EQ(label.state, largest_image(state, elements, 2)) << action.name;
       }
-      EXPECT_EQ(labels.size(), action.classes) << action.name << ", layout " << layout;
-      EXPECT_EQ(labeller.inexact_count(), 0U);
     }
+    EXPECT_EQ(labels.size(), action.classes) << action.name;
+    EXPECT_EQ(labeller.inexact_count(), 0U);
   }
 }
 
@@ -290,19 +298,103 @@ TEST(ExactLabels, AreTheLargestOnLongOrbits) {
   }
 }
 
-// Two racks of three servers, where the greedy search gives equivalent states two labels.
-TEST(ExactLabels, AgreeWhereGreedyOnesDoNot) {
-  const Action racks{
-      "racks",
-      std::vector<int>(9, 2),
-      {cycles(9, {{0, 1}}), cycles(9, {{0, 1, 2}}), cycles(9, {{0, 3}, {1, 4}, {2, 5}, {6, 7}})},
-      0};
+// The group that the generators make, searched by way of a list of its elements only if it may be. The sweep
+// below makes all its groups here.
+std::unique_ptr<ExactGroup> exact_group_of(const std::vector<int>& sizes,
+                                           const std::vector<oracle::Images>& generators, bool may_list) {
   SymmetryDetection detector;
-  set_tables(detector, racks, 1);
-  const ExactGroup group(detector);
-  ExactLabeller labeller(group);
-  EXPECT_EQ(label_of(labeller, "101011010", 1).state, "110110100");
-  EXPECT_EQ(label_of(labeller, "011011010", 1).state, "110110100");
+  std::vector<Images> images;
+  for (const oracle::Images& generator : generators) images.emplace_back(generator.begin(), generator.end());
+  set_tables(detector, sizes, images);
+  SearchBounds bounds;
+  if (!may_list) bounds.max_elements = 1;
+  return std::make_unique<ExactGroup>(detector, bounds);
+}
+
+// Labels of a random group's states, each checked against what holds for every state and every canonical
+// label.
+class CheckedLabels {
+ public:
+  explicit CheckedLabels(const RandomGroup& group, std::mt19937& random)
+      : group_(group),
+        size_(static_cast<std::size_t>(std::accumulate(group.sizes.begin(), group.sizes.end(), 0))),
+        exact_group_(exact_group_of(group.sizes, group.generators, true)),
+        labeller_(*exact_group_),
+        same_group_(exact_group_of(group.sizes, other_generators(group.generators, random), false)),
+        same_labeller_(*same_group_),
+        elements_(oracle::closure_up_to(kMaxListed, static_cast<int>(group.sizes.size()), group.generators)) {
+  }
+
+  std::string find(const std::string& state) {
+    std::string label(size_, '\0');
+    std::string other(size_, '\0');
+    std::vector<short> entries(group_.sizes.size());
+    EXPECT_TRUE(labeller_.find(state.data(), label.data())) << "inexact";
+    labeller_.find_witness(entries.data());
+    const oracle::Images witness(entries.begin(), entries.end());
+    EXPECT_EQ(moved(group_.sizes, witness, state), label) << "the witness leads elsewhere";
+    EXPECT_TRUE(elements_.empty() || elements_.contains(witness)) << "the witness is not of the group";
+    EXPECT_TRUE(same_labeller_.find(state.data(), other.data())) << "inexact";
+    EXPECT_EQ(other, label) << "from other generators, and not from a list";
+    EXPECT_TRUE(labeller_.find(label.data(), other.data())) << "inexact";
+    EXPECT_EQ(other, label) << "the label of the label";
+    return label;
+  }
+
+ private:
+  static constexpr std::size_t kMaxListed = 10'000;
+
+  const RandomGroup& group_;
+  std::size_t size_;
+  std::unique_ptr<ExactGroup> exact_group_;
+  ExactLabeller labeller_;
+  std::unique_ptr<ExactGroup> same_group_;
+  ExactLabeller same_labeller_;
+  oracle::Group elements_;  // none if they are too many
+};
+
+// Numbers of values, at most 4, of which there are at most a thousand states, or else 2.
+std::vector<int> random_values(const RandomGroup& group, std::mt19937& random) {
+  std::map<int, int> of_orbit;
+  std::vector<int> fewest;
+  std::vector<int> values;
+  for (const int orbit : oracle::orbit_of_points(static_cast<int>(group.sizes.size()), group.generators)) {
+    fewest.push_back(group.sizes[values.size()] == 0 ? 1 : 2);
+    const auto more = static_cast<int>(random() % 8 / 5 + random() % 8 / 6);
+    values.push_back(fewest.back() == 1 ? 1 : of_orbit.try_emplace(orbit, 2 + more).first->second);
+  }
+  const int states = std::accumulate(values.begin(), values.end(), 1, std::multiplies<>());
+  return states <= 1000 ? values : fewest;
+}
+
+// Each class of states that enumeration finds has one label, and no two have the same.
+TEST(ExactLabels, AreOneForEachClassOfRandomGroups) {
+  const Seeds seeds(300);
+  for (unsigned seed = seeds.first; seed < seeds.end; ++seed) {
+    std::mt19937 random(seed);
+    const RandomGroup group = random_group(random);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ", " + group.name);
+    CheckedLabels labels(group, random);
+    const std::vector<std::string> states = all_states(group.sizes, random_values(group, random));
+    const std::vector<int> classes = classes_of(states, group.sizes, group.generators);
+    std::map<int, std::string> label_of;
+    std::map<std::string, int> class_of;
+    for (std::size_t i = 0; i < states.size(); ++i) {
+      const std::string label = labels.find(states[i]);
+      EXPECT_EQ(label_of.try_emplace(classes[i], label).first->second, label) << "two labels of a class";
+      EXPECT_EQ(class_of.try_emplace(label, classes[i]).first->second, classes[i])
+          << "two classes of a label";
+      if (HasFailure()) FAIL() << "state " << testing::PrintToString(states[i]);
+    }
+    // More values than enumeration can do with.
+    for (int i = 0; i < 20; ++i) {
+      std::string state(states[0]);
+      for (char& byte : state) byte = static_cast<char>(random() % 5 * 60);
+      const std::string image = moved(group.sizes, random_element(group, random), state);
+      EXPECT_EQ(labels.find(image), labels.find(state)) << "two labels of a class";
+      if (HasFailure()) FAIL() << "state " << testing::PrintToString(state);
+    }
+  }
 }
 
 TEST(ExactLabels, RefuseTablesThatAreNone) {

@@ -1,6 +1,7 @@
 #include "tests/oracles/automorphisms.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <numeric>
 #include <sstream>
@@ -81,6 +82,10 @@ Group all_automorphisms(const Graph& graph) {
 }
 
 Group closure(int n, const std::vector<Images>& generators) {
+  return closure_up_to(std::numeric_limits<std::size_t>::max(), n, generators);
+}
+
+Group closure_up_to(std::size_t most, int n, const std::vector<Images>& generators) {
   Group group{identity(n)};
   std::vector<Images> pending{identity(n)};
   while (!pending.empty()) {
@@ -91,8 +96,25 @@ Group closure(int n, const std::vector<Images>& generators) {
       for (const int image : images) product.push_back(generator[index(image)]);
       if (group.insert(product).second) pending.push_back(product);
     }
+    if (group.size() > most) return {};
   }
   return group;
+}
+
+std::vector<int> orbit_of_points(int n, const std::vector<Images>& generators) {
+  std::vector<int> orbit = identity(n);
+  for (bool has_changed = true; has_changed;) {
+    has_changed = false;
+    for (const Images& generator : generators) {
+      for (std::size_t i = 0; i < orbit.size(); ++i) {
+        int& a = orbit[i];
+        int& b = orbit[index(generator[i])];
+        has_changed = has_changed || a != b;
+        a = b = std::min(a, b);
+      }
+    }
+  }
+  return orbit;
 }
 
 int smallest_moved(int n, const Group& group) {

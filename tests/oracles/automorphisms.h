@@ -5,6 +5,7 @@
 #define SYMFOLD_TESTS_ORACLES_AUTOMORPHISMS_H
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -41,6 +42,12 @@ Group all_automorphisms(const Graph& graph);
 
 // Returns all products of the generators, and the identity of n points.
 Group closure(int n, const std::vector<Images>& generators);
+
+// The same, or nothing if there are more than `most` of them.
+Group closure_up_to(std::size_t most, int n, const std::vector<Images>& generators);
+
+// Returns the smallest point of each point's orbit under the group that the permutations generate.
+std::vector<int> orbit_of_points(int n, const std::vector<Images>& generators);
 
 // Returns the smallest point that some member moves; n for the trivial group.
 int smallest_moved(int n, const Group& group);
