@@ -1,10 +1,11 @@
 // Detection over the families of examples/: the automorphism search; the strong generating set with its proof
 // and the Schreier trees of all base points, from the search's generators; and the whole run from the model
 // file to the tables, in memory. The search alone also over random graphs, most of them
-// without symmetry.
+// without symmetry, and over graphs with directions and weights.
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <iostream>
 
 #include "bench/composition_graphs.h"
@@ -60,6 +61,67 @@ void random_automorphisms(benchmark::State& state, const GraphParts& parts) {
   search(state, {parts.n, parts.boundaries, parts.edges});
 }
 
+// Directions and weights as they are, and coded in a graph without them: a weight as that many parallel
+// edges; a directed edge as a vertex in its middle with a double edge to its head.
+void weighted_automorphisms(benchmark::State& state, const std::vector<WeightedEdge>& edges, bool is_coded) {
+  int n = 0;
+  for (const WeightedEdge& edge : edges) n = std::max({n, edge.from + 1, edge.to + 1});
+  if (!is_coded) {
+    search(state, ColouredGraph::weighted(n, {}, edges));
+    return;
+  }
+  std::vector<Edge> coded;
+  std::vector<int> boundaries;
+  int end = n;
+  for (const auto& [from, to, weight, is_directed] : edges) {
+    if (is_directed) coded.insert(coded.end(), {{from, end}, {end, to}, {end, to}});
+    if (!is_directed) coded.insert(coded.end(), static_cast<std::size_t>(weight), {from, to});
+    if (is_directed && end++ == n) boundaries.push_back(n);
+  }
+  search(state, {end, boundaries, coded});
+}
+
+std::vector<WeightedEdge> directed_ring(int n) {
+  std::vector<WeightedEdge> edges;
+  for (int v = 0; v < n; ++v) edges.push_back({v, (v + 1) % n, 1, true});
+  return edges;
+}
+
+std::vector<WeightedEdge> directed_torus(int width) {
+  std::vector<WeightedEdge> edges;
+  for (int v = 0; v < width * width; ++v) {
+    const int row = v - v % width;
+    edges.push_back({v, row + (v + 1) % width, 1, true});
+    edges.push_back({v, (v + width) % (width * width), 1, true});
+  }
+  return edges;
+}
+
+// The weight is the dimension's.
+std::vector<WeightedEdge> weighted_hypercube(int dimension) {
+  std::vector<WeightedEdge> edges;
+  for (int v = 0; v < 1 << dimension; ++v) {
+    for (int k = 0; k < dimension; ++k) {
+      if ((v >> k & 1) == 0) edges.push_back({v, v + (1 << k), static_cast<std::uint64_t>(k) + 1, false});
+    }
+  }
+  return edges;
+}
+
+// Between every two vertices an edge; the weight is that of the larger one's block of ten.
+std::vector<WeightedEdge> weighted_complete_graph(int n) {
+  std::vector<WeightedEdge> edges;
+  for (int v = 0; v < n; ++v) {
+    for (int w = v + 1; w < n; ++w) edges.push_back({v, w, static_cast<std::uint64_t>(w) / 10 + 1, false});
+  }
+  return edges;
+}
+
+void register_weighted(const std::string& name, const std::vector<WeightedEdge>& edges) {
+  benchmark::RegisterBenchmark(("weighted/" + name).c_str(), weighted_automorphisms, edges, false);
+  benchmark::RegisterBenchmark(("weighted/" + name + ", coded").c_str(), weighted_automorphisms, edges, true);
+}
+
 void strong_generators(benchmark::State& state, const Family& family) {
   const NumberedGraph graph = numbered_example(family);
   saucy_obj search;
@@ -103,6 +165,10 @@ const bool kRegistered = [] {
       benchmark::RegisterBenchmark(("automorphisms/" + graph.name).c_str(), random_automorphisms,
                                    graph.parts);
   }
+  register_weighted("directed ring n=10000", directed_ring(10'000));
+  register_weighted("directed torus 100x100", directed_torus(100));
+  register_weighted("weighted hypercube d=12", weighted_hypercube(12));
+  register_weighted("weighted complete graph n=200", weighted_complete_graph(200));
   return true;
 }();
 

@@ -1,6 +1,7 @@
 #include "engines/reduction/degree_reduction.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <tuple>
 
@@ -103,12 +104,14 @@ Shape DegreeReduction::backward_shape(const CorePaths::Path& path) const {
 template <class Iterator>
 Shape DegreeReduction::shape_of_path(int from, Iterator begin, Iterator end, int to) const {
   Shape shape = 0;
-  int before = from;
-  for (; begin != end; ++begin) {
-    shape = mix(shape + weight(before, *begin) + forest_.shape(*begin));
-    before = *begin;
+  if (!graph_.has_weights()) {
+    for (; begin != end; ++begin) shape = mix(shape + forest_.shape(*begin));
+    return shape;
   }
-  return graph_.has_weights() ? mix(shape + weight(before, to)) : shape;
+  int before = from;
+  for (; begin != end; before = *begin++)
+    shape = mix(shape + graph_.weight(before, *begin) + forest_.shape(*begin));
+  return mix(shape + graph_.weight(before, to));
 }
 
 // Makes anchors of the middles of reversible core paths, for every kind of which one path has its middle
@@ -153,23 +156,26 @@ void DegreeReduction::attach_loops() {
   }
 }
 
-// By vertex of a cycle, read in the direction given: its shape, and the weight of the edge to the next
-// vertex.
-std::vector<Shape> DegreeReduction::shapes_around(const std::vector<int>& cycle) const {
-  std::vector<Shape> shapes;
-  for (std::size_t i = 0; i < cycle.size(); ++i) {
-    const int next = cycle[i + 1 < cycle.size() ? i + 1 : 0];
-    shapes.push_back(forest_.shape(cycle[i]) + weight(cycle[i], next));
+// Adds to each vertex's shape the weight of the edge to the next one, in the direction given.
+template <class Iterator>
+void DegreeReduction::add_weights_around(Iterator begin, Iterator end, std::vector<Shape>& shapes) const {
+  for (auto v = begin; v != end; ++v) {
+    const auto next = std::next(v) == end ? begin : std::next(v);
+    shapes[static_cast<std::size_t>(v - begin)] += graph_.weight(*v, *next);
   }
-  return shapes;
 }
 
 // The cycle is read from the start and in the direction that make the sequence of shapes least.
 void DegreeReduction::attach_cycle(std::span<const int> vertices) {
   const auto length = static_cast<int>(vertices.size());
   std::vector<int> members(vertices.begin(), vertices.end());
-  std::vector<Shape> shapes = shapes_around(members);
-  std::vector<Shape> reversed = shapes_around({members.rbegin(), members.rend()});
+  std::vector<Shape> shapes;
+  for (const int v : vertices) shapes.push_back(forest_.shape(v));
+  std::vector<Shape> reversed(shapes.rbegin(), shapes.rend());
+  if (graph_.has_weights()) {
+    add_weights_around(members.begin(), members.end(), shapes);
+    add_weights_around(members.rbegin(), members.rend(), reversed);
+  }
   const int start = least_rotation(shapes);
   const int reversed_start = least_rotation(reversed);
   std::rotate(shapes.begin(), shapes.begin() + start, shapes.end());

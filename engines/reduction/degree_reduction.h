@@ -89,7 +89,8 @@ class DegreeReduction {
   Shape backward_shape(const CorePaths::Path& path) const;
   template <class Iterator>
   Shape shape_of_path(int from, Iterator begin, Iterator end, int to) const;
-  std::vector<Shape> shapes_around(const std::vector<int>& cycle) const;
+  template <class Iterator>
+  void add_weights_around(Iterator begin, Iterator end, std::vector<Shape>& shapes) const;
   void keep_middles();
   void attach_loops();
   void attach_cycle(std::span<const int> vertices);
