@@ -13,6 +13,7 @@ set(symfold_public_headers
   detector/labelling_tables.h
   detector/symmetry_detection.h
   engines/base/sparse_permutation.h
+  engines/group/permutation_group.h
   host/chain/exploration.h
   host/chain/markov_chain.h
   host/export/chain_export.h

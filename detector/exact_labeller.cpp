@@ -35,42 +35,41 @@ void copy_partition(const unsigned char* from, unsigned char* to, std::size_t co
   }
 }
 
-// The product of a record's permutations, in their order.
-detail::Images product_of(const ValPerms& record, std::size_t point_count) {
-  auto images = detail::identity_images<detail::Images>(point_count);
+// The moves of the product of a record's permutations, in their order.
+SparsePermutation product_of(const ValPerms& record, std::size_t point_count) {
+  auto images = detail::identity_images<std::vector<int>>(point_count);
   for (const Permutation& permutation : record.Perms) {
     if (permutation.GetN() != static_cast<int>(point_count) || !permutation.IsPermutation()) {
       throw std::invalid_argument("expected permutations of " + std::to_string(point_count) +
                                   " partitions, got another table");
     }
-    for (std::uint32_t& image : images) {
-      image = static_cast<std::uint32_t>(permutation[static_cast<int>(image)]);
-    }
+    for (int& image : images) image = permutation[image];
   }
-  return images;
+  SparsePermutation moves;
+  for (int c = 0; c < static_cast<int>(point_count); ++c) {
+    if (const int image = images[static_cast<std::size_t>(c)]; image != c) moves.push_back({c, image});
+  }
+  return moves;
 }
 
-std::vector<detail::TableLevel> levels_of(const LabellingTables& tables) {
-  std::vector<detail::TableLevel> levels;
+// Detection's own tables hold, for each base point, an element for each point of its orbit. So their
+// permutations are strong. Other tables may hold anything.
+PermutationGroup group_of(const LabellingTables& tables) {
+  const int degree = static_cast<int>(tables.sizes.size());
+  PermutationList permutations;
   for (const LabellingTables::Base& base : tables.bases) {
-    detail::TableLevel& level = levels.emplace_back();
-    level.base = static_cast<std::size_t>(base.point);
     for (const ValPerms& record : base.records) {
-      level.records.push_back(
-          {static_cast<std::size_t>(record.Value), product_of(record, tables.sizes.size())});
+      const SparsePermutation moves = product_of(record, tables.sizes.size());
+      if (!moves.empty()) permutations.push_back(moves);
     }
   }
-  return levels;
+  const auto extent =
+      tables.has_whole_group ? PermutationGroup::Extent::whole : PermutationGroup::Extent::part;
+  return PermutationGroup::generated_by(degree, permutations, extent);
 }
 
-}  // namespace
-
-ExactGroup::ExactGroup(const LabellingTables& tables) : ExactGroup(tables, detail::SearchBounds{}) {}
-
-// Positions of the search are partitions in the order of their offsets: table entry i is the partition i, and
-// detection's tables list them so.
-ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds)
-    : is_whole_(tables.has_whole_group) {
+// Partitions follow each other.
+std::vector<int> sizes_of(const LabellingTables& tables) {
   std::size_t end = 0;
   for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
     const int size = tables.sizes[i];
@@ -80,22 +79,52 @@ ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds
                                   std::to_string(end) + ", got one of " + std::to_string(size) +
                                   " bytes at " + std::to_string(offset));
     }
-    partitions_.push_back({end, static_cast<std::size_t>(size)});
     end += static_cast<std::size_t>(size);
   }
-  state_size_ = end;
+  return {tables.sizes.begin(), tables.sizes.end()};
+}
+
+}  // namespace
+
+ExactGroup::ExactGroup(const LabellingTables& tables) : ExactGroup(tables, detail::SearchBounds{}) {}
+
+ExactGroup::ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds)
+    : ExactGroup(sizes_of(tables), tables, bounds) {}
+
+ExactGroup::ExactGroup(const std::vector<int>& sizes, const LabellingTables& tables,
+                       const detail::SearchBounds& bounds)
+    : ExactGroup(group_of(tables), sizes, bounds) {}
+
+ExactGroup::ExactGroup(const PermutationGroup& group, std::span<const int> sizes)
+    : ExactGroup(group, sizes, detail::SearchBounds{}) {}
+
+// Positions of the search are partitions in the order of their offsets: table entry i is the partition i, and
+// detection's tables list them so.
+ExactGroup::ExactGroup(const PermutationGroup& group, std::span<const int> sizes,
+                       const detail::SearchBounds& bounds)
+    : is_whole_(group.is_whole()) {
+  if (static_cast<std::size_t>(group.degree()) != sizes.size()) {
+    throw std::invalid_argument("expected a group of " + std::to_string(sizes.size()) +
+                                " partitions, got one of " + std::to_string(group.degree()));
+  }
   std::vector<bool> has_bytes;
-  for (const Partition& partition : partitions_) has_bytes.push_back(partition.size > 0);
-  const detail::TableGroup group(std::move(has_bytes), levels_of(tables));
-  for (const detail::Images& images : group.permutations()) {
-    for (std::size_t c = 0; c < images.size(); ++c) {
-      if (partitions_[c].size != partitions_[images[c]].size) {
-        throw std::invalid_argument("expected permutations between partitions of equal size, got one from " +
-                                    std::to_string(c) + " to " + std::to_string(images[c]));
-      }
+  for (std::size_t i = 0; i < sizes.size(); ++i) {
+    if (sizes[i] < 0) {
+      throw std::invalid_argument("expected partition " + std::to_string(i) + " to have a size, got " +
+                                  std::to_string(sizes[i]));
+    }
+    partitions_.push_back({state_size_, static_cast<std::size_t>(sizes[i])});
+    state_size_ += partitions_.back().size;
+    has_bytes.push_back(sizes[i] > 0);
+  }
+  for (std::size_t g = 0; g < group.generators().size(); ++g) {
+    for (const auto& [point, image] : group.generators()[g]) {
+      if (sizes[static_cast<std::size_t>(point)] == sizes[static_cast<std::size_t>(image)]) continue;
+      throw std::invalid_argument("expected permutations between partitions of equal size, got one from " +
+                                  std::to_string(point) + " to " + std::to_string(image));
     }
   }
-  search_ = detail::recognise(group, bounds);
+  search_ = detail::recognise(group, has_bytes, bounds);
 }
 
 ExactGroup::~ExactGroup() = default;

@@ -1,21 +1,29 @@
-// Exact labels: the largest image of a state under the whole symmetry group.
+// Exact labels: a canonical image of a state under the whole symmetry group.
 //
-// Two states have the same exact label if and only if a symmetry carries one onto the other. The label does
-// not depend on the generators, on the machine or on the version. States are compared byte by byte, as memcmp
-// does. So in a variable of two bytes, little endian, the low byte counts first: 256 is less than 1.
+// Two states have the same exact label if and only if a symmetry carries one onto the other. The label
+// depends on the group and the state alone: not on the generators, nor on the order in which they were found,
+// nor on the machine.
 //
-// Tables of which detection has refused a part generate a smaller group. Labels are then the largest images
-// under that one, and none is called exact.
+// It is the largest image for groups with few elements, for direct products, for interchangeable parts whose
+// partitions are interleaved in one pattern, and for interchangeable objects with partitions for pairs of
+// them. States are compared byte by byte, as memcmp does. So in a variable of two bytes, little endian, the
+// low byte counts first: 256 is less than 1. Parts that are numbered in another way, and long rings, have
+// another canonical image; engines/largest_image/recognition.h says which search a group gets.
+//
+// A group that is only a part of all symmetries makes labels that are canonical under this part, and none is
+// called exact.
 
 #ifndef SYMFOLD_DETECTOR_EXACT_LABELLER_H
 #define SYMFOLD_DETECTOR_EXACT_LABELLER_H
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "detector/labeller.h"
 #include "detector/labelling_tables.h"
+#include "engines/group/permutation_group.h"
 
 namespace symfold {
 
@@ -25,15 +33,22 @@ struct Placed;
 struct SearchBounds;
 }  // namespace detail
 
-// The group of a detector's tables and how its largest images are found. Only read once it is made: any
+// A group and how its canonical images are found. Only read once it is made: any
 // number of labellers, each on a thread of its own, share it.
 class ExactGroup {
  public:
-  // Keeps no reference to the tables. Cost: groups that are listed, a composition for each element; others a
-  // few times the square of an orbit's length, and the number of partitions for each record; groups of no
-  // recognised kind, besides, a Schreier-Sims run. Throws std::invalid_argument if an entry of the tables is
-  // no permutation that keeps the partitions' sizes, std::length_error if no way is known that fits into
-  // 256 MiB of tables.
+  // A group of the partitions of a state, which follow each other and have so many bytes each. Keeps no
+  // reference to them. Cost: near-linear in the supports of the group's generators for interchangeable parts,
+  // rings and products of these; for groups that are listed, their elements times the partitions; for others
+  // that of a search for their structure. Throws std::invalid_argument if the sizes are not one for each
+  // point, none below 0, equal for partitions that the group carries onto each other; std::length_error if no
+  // way is known that fits into 256 MiB of tables.
+  ExactGroup(const PermutationGroup& group, std::span<const int> sizes);
+  ExactGroup(const PermutationGroup& group, std::span<const int> sizes, const detail::SearchBounds& bounds);
+
+  // The group that the tables' permutations generate; see PermutationGroup::generated_by for the cost of its
+  // proof. Besides throws std::invalid_argument if an entry of the tables is no permutation or leaves a gap
+  // between partitions.
   explicit ExactGroup(const LabellingTables& tables);
   ExactGroup(const LabellingTables& tables, const detail::SearchBounds& bounds);
   ~ExactGroup();
@@ -45,6 +60,9 @@ class ExactGroup {
     std::size_t offset;  // bytes
     std::size_t size;
   };
+
+  ExactGroup(const std::vector<int>& sizes, const LabellingTables& tables,
+             const detail::SearchBounds& bounds);
 
   std::vector<Partition> partitions_;
   std::size_t state_size_ = 0;
@@ -60,8 +78,8 @@ class ExactLabeller final : public Labeller {
 
   std::size_t state_size() const { return group_.state_size_; }  // bytes
 
-  // Returns false if a bound on the work was exceeded, or if the tables are not those of the whole group:
-  // then the label is an image of the state, but a larger one may exist.
+  // Returns false if a bound on the work was exceeded, or if the group is not the whole one: then the label
+  // is an image of the state, but another state of its class may have another label.
   bool find(const void* state, void* label) override;
   void find_witness(short* witness) override;
   std::size_t inexact_count() const override { return inexact_count_; }

@@ -1,115 +1,79 @@
 #include "engines/group/permutation_group.h"
 
-#include <algorithm>
-#include <map>
 #include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
-#include "engines/base/base_points.h"
-#include "engines/group/orbit_tree.h"
-#include "engines/group/stabiliser_chain.h"
+#include "engines/group/generated_group.h"
+#include "engines/group/stabiliser_forest.h"
 
 namespace symfold {
-namespace detail {
 
-// Carries elements to the identity along the stabiliser chain, base point after base point. The trees are
-// made as they are needed.
-class Membership {
- public:
-  Membership(int degree, const PermutationList& generators) : steps_(degree) {
-    for (std::size_t g = 0; g < generators.size(); ++g) {
-      const auto moves = generators[g];
-      smallest_.push_back(moves.front().point);
-      inverses_.emplace_back();
-      for (const auto& [point, image] : moves) {
-        steps_[point].push_back({static_cast<int>(g), image});
-        inverses_.back().push_back({image, point});
-      }
-      std::ranges::sort(inverses_.back(), {}, &PointMove::point);
-    }
+struct PermutationGroup::Chain {
+  Chain(int degree, PermutationList list) : generators(std::move(list)), forest(degree, generators) {}
+
+  // Room for one permutation, for one thread at a time.
+  detail::WorkPermutation& work(int degree) {
+    if (!room) room.emplace(degree);
+    return *room;
   }
 
-  bool contains(const SparsePermutation& moves) {
-    const std::lock_guard lock(mutex_);
-    std::map<int, int> images;
-    for (const auto& [point, image] : moves) images[point] = image;
-    while (!images.empty()) {
-      const auto [point, image] = *images.begin();
-      const OrbitTree& tree = tree_of(point);
-      if (!tree.contains(image)) return false;
-      std::vector<int> path;
-      tree.walk_to_root(image, [&path](int g) { path.push_back(g); });
-      for (const int g : path) apply(inverses_[static_cast<std::size_t>(g)], images);
-    }
-    return true;
-  }
-
- private:
-  struct Step {
-    int generator;
-    int image;
-  };
-
-  // The tree of a point under the generators that fix all points below it.
-  const OrbitTree& tree_of(int point) {
-    const auto [found, is_new] = trees_.try_emplace(point, steps_.size());
-    OrbitTree& tree = found->second;
-    if (!is_new) return tree;
-    tree.set_root(point);
-    tree.grow([&](int x, const auto& step) {
-      for (const auto& [generator, image] : steps_[x]) {
-        if (smallest_[static_cast<std::size_t>(generator)] >= point) step(generator, image);
-      }
-    });
-    return tree;
-  }
-
-  // Makes the element go on by another one, which moves few points.
-  static void apply(const SparsePermutation& after, std::map<int, int>& images) {
-    std::map<int, int> preimages;
-    for (const auto& [point, image] : images) preimages[image] = point;
-    for (const auto& [from, to] : after) {
-      const auto before = preimages.find(from);
-      const int point = before == preimages.end() ? from : before->second;
-      if (point == to) {
-        images.erase(point);
-      } else {
-        images[point] = to;
-      }
-    }
-  }
-
-  PointVector<std::vector<Step>> steps_;
-  std::vector<int> smallest_;
-  std::vector<SparsePermutation> inverses_;
-  std::map<int, OrbitTree> trees_;
-  std::mutex mutex_;
+  const PermutationList generators;
+  const detail::StabiliserForest forest;
+  std::mutex mutex;
+  std::optional<detail::WorkPermutation> room;
 };
 
-}  // namespace detail
+PermutationGroup::PermutationGroup(int degree, PermutationList generators, Extent extent)
+    : degree_(degree), extent_(extent), chain_(std::make_shared<Chain>(degree, std::move(generators))) {}
 
-PermutationGroup::PermutationGroup(int degree) : degree_(degree) {}
+PermutationGroup::PermutationGroup(int degree, Extent extent)
+    : PermutationGroup(degree, PermutationList(), extent) {}
 
-PermutationGroup PermutationGroup::generated_by(int degree, const PermutationList& generators) {
-  std::vector<SparsePermutation> list;
-  for (SparsePermutation moves : generators) {
-    if (!moves.empty()) list.push_back(std::move(moves));
+PermutationGroup PermutationGroup::generated_by(int degree, const PermutationList& generators,
+                                                Extent extent) {
+  detail::PermutationCheck check(degree);
+  PermutationList list;
+  for (std::size_t g = 0; g < generators.size(); ++g) {
+    if (!check.is_permutation(generators[g])) {
+      throw std::invalid_argument("expected moves of a permutation of " + std::to_string(degree) +
+                                  " points in ascending order, got others as generator " + std::to_string(g));
+    }
+    if (!generators[g].empty()) list.push_back(generators[g]);
   }
-  PermutationList strong;
-  for (const SparsePermutation& moves : detail::strong_generators(degree, list, {})) strong.push_back(moves);
-  return from_strong_generators(degree, std::move(strong));
+  return {degree, detail::generate_strongly(degree, list), extent};
 }
 
-PermutationGroup PermutationGroup::from_strong_generators(int degree, PermutationList generators) {
-  PermutationGroup group(degree);
-  group.generators_ = std::move(generators);
-  detail::read_base(degree, group.generators_, group.base_, group.orbit_lengths_);
-  group.membership_ = std::make_shared<detail::Membership>(degree, group.generators_);
-  return group;
+PermutationGroup PermutationGroup::from_strong_generators(int degree, PermutationList generators,
+                                                          Extent extent) {
+  return {degree, std::move(generators), extent};
 }
+
+const PermutationList& PermutationGroup::generators() const { return chain_->generators; }
+const std::vector<int>& PermutationGroup::base() const { return chain_->forest.base(); }
+const std::vector<int>& PermutationGroup::orbit_lengths() const { return chain_->forest.orbit_lengths(); }
 
 bool PermutationGroup::contains(const SparsePermutation& moves) const {
-  return moves.empty() || (membership_ && membership_->contains(moves));
+  const std::lock_guard lock(chain_->mutex);
+  detail::WorkPermutation& work = chain_->work(degree_);
+  work.then(moves);
+  return chain_->forest.contains(work);
+}
+
+bool PermutationGroup::reaches(int base_point, int point) const {
+  return chain_->forest.reaches(base_point, point);
+}
+
+SparsePermutation PermutationGroup::smallest_carrier(int base_point, int point) const {
+  if (!reaches(base_point, point)) return {};
+  const std::lock_guard lock(chain_->mutex);
+  return chain_->forest.smallest_carrier(base_point, point, chain_->work(degree_));
+}
+
+PermutationGroup PermutationGroup::with_canonical_generators() const {
+  return {degree_, chain_->forest.canonical_generators(), extent_};
 }
 
 }  // namespace symfold

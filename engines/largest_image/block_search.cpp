@@ -7,20 +7,20 @@
 
 namespace symfold::detail {
 
-BlockSearch::BlockSearch(std::vector<std::vector<std::uint32_t>> blocks, std::unique_ptr<ImageSearch> inner)
-    : block_length_(blocks.front().size()), inner_(std::move(inner)), order_(blocks.size()) {
-  for (const auto& block : blocks) positions_.insert(positions_.end(), block.begin(), block.end());
-  tuples_.resize(positions_.size());
-}
+BlockSearch::BlockSearch(const AlignedBlocks& blocks, std::unique_ptr<ImageSearch> inner)
+    : block_length_(static_cast<std::size_t>(blocks.length)),
+      positions_(blocks.points.begin(), blocks.points.end()),
+      inner_(std::move(inner)),
+      tuples_(positions_.size()),
+      order_(static_cast<std::size_t>(blocks.count())) {}
 
-std::unique_ptr<ImageSearch> BlockSearch::clone() const {
-  std::vector<std::vector<std::uint32_t>> blocks;
-  for (auto block = positions_.begin(); block != positions_.end();
-       block += static_cast<std::ptrdiff_t>(block_length_)) {
-    blocks.emplace_back(block, block + static_cast<std::ptrdiff_t>(block_length_));
-  }
-  return std::make_unique<BlockSearch>(std::move(blocks), inner_ ? inner_->clone() : nullptr);
-}
+BlockSearch::BlockSearch(const BlockSearch& other)
+    : ImageSearch(other),
+      block_length_(other.block_length_),
+      positions_(other.positions_),
+      inner_(other.inner_ ? other.inner_->clone() : nullptr),
+      tuples_(other.tuples_),
+      order_(other.order_) {}
 
 bool BlockSearch::maximise(Placed* values) {
   for (std::size_t i = 0; i < positions_.size(); ++i) tuples_[i] = values[positions_[i]];

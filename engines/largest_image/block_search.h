@@ -1,14 +1,17 @@
 // Symmetric groups that permute blocks of positions, alone or over a group inside each block (a wreath
-// product): the largest image is found by sorting.
+// product): a canonical image is found by sorting.
 //
 // Three racks with a fan and two servers each, racks interchangeable and servers within a rack: the positions
 // (f0 s0 s1) (f1 s2 s3) (f2 s4 s5) are three blocks. First each block becomes its own largest image, here by
 // sorting its servers; then the blocks are sorted as tuples, largest first.
 //
-// This is right if the blocks' positions are interleaved in one fixed pattern: for every k, the k-th
-// positions of the blocks ascend from block to block. If two blocks were not in order, exchanging them would
-// raise the value at the first position where they differ, which comes before all others that the exchange
-// changes.
+// Any alignment of the blocks is right, that is, any places of the positions in their blocks by which the
+// group exchanges blocks: states of one class have the same blocks in another order, up to the group inside,
+// and so the same label, an image of them. It is the largest image if the inner searches find largest images
+// and the blocks' positions are interleaved in one pattern: for every k, the k-th positions of the blocks
+// ascend from block to block, and within each block the positions ascend. If two blocks were not in order,
+// exchanging them would raise the value at the first position where they differ, which comes before all
+// others that the exchange changes.
 //
 // Cost for M blocks of B positions: the inner searches, M log M comparisons of tuples and two copies. Blocks
 // of one position with few different values are counted instead, in two passes.
@@ -18,16 +21,18 @@
 
 #include <vector>
 
+#include "engines/group/aligned_blocks.h"
 #include "engines/largest_image/image_search.h"
 
 namespace symfold::detail {
 
 class BlockSearch : public ImageSearch {
  public:
-  // Blocks of equal length with ascending positions; every position is in one of them. `inner` is the search
-  // for the group inside a block, null if that is trivial.
-  BlockSearch(std::vector<std::vector<std::uint32_t>> blocks, std::unique_ptr<ImageSearch> inner);
-  std::unique_ptr<ImageSearch> clone() const override;
+  // Every position is in one of the blocks. `inner` is the search for the group inside a block, on its
+  // places; null if that is trivial.
+  BlockSearch(const AlignedBlocks& blocks, std::unique_ptr<ImageSearch> inner);
+  BlockSearch(const BlockSearch& other);
+  std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<BlockSearch>(*this); }
   bool maximise(Placed* values) override;
 
  private:

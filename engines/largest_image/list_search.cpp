@@ -6,14 +6,34 @@
 #include "engines/base/images.h"
 
 namespace symfold::detail {
+namespace {
 
-ListSearch::ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> positions_with_values)
+// Returns the next position of the same orbit by position, the position itself for the last one.
+Images next_in_orbits(const std::vector<Images>& elements) {
+  Images next = identity_images<Images>(elements.front().size());
+  for (std::uint32_t p = 0; p < next.size(); ++p) {
+    std::uint32_t nearest = UINT32_MAX;
+    for (const Images& element : elements) {
+      if (element[p] > p) nearest = std::min(nearest, element[p]);
+    }
+    if (nearest != UINT32_MAX) next[p] = nearest;
+  }
+  return next;
+}
+
+}  // namespace
+
+ListSearch::ListSearch(std::vector<Images> elements, const std::vector<bool>& has_value)
     : candidates_(elements.size()), image_(elements.front().size()) {
+  std::vector<std::uint32_t> positions_with_values;
+  for (std::uint32_t p = 0; p < has_value.size(); ++p) {
+    if (has_value[p]) positions_with_values.push_back(p);
+  }
   for (Images& element : elements) element = inverse(element);
   const std::uint32_t first = positions_with_values.front();
   std::sort(elements.begin(), elements.end(),
             [&](const Images& a, const Images& b) { return a[first] < b[first]; });
-  Table table{elements.size(), std::move(positions_with_values), {}, {}, {}};
+  Table table{elements.size(), std::move(positions_with_values), {}, {}, {}, next_in_orbits(elements)};
   table.sources.resize(table.element_count * image_.size());
   for (std::uint32_t e = 0; e < elements.size(); ++e) {
     if (e == 0 || elements[e][first] != table.first_sources.back()) {
@@ -25,6 +45,13 @@ ListSearch::ListSearch(std::vector<Images> elements, std::vector<std::uint32_t> 
   }
   table.begins.push_back(static_cast<std::uint32_t>(elements.size()));
   table_ = std::make_shared<const Table>(std::move(table));
+}
+
+bool ListSearch::is_constant_on_orbits(const Placed* values) const {
+  for (const std::uint32_t position : table_->positions_with_values) {
+    if (values[position].value != values[table_->next_in_orbit[position]].value) return false;
+  }
+  return true;
 }
 
 // Makes the elements that bring the largest value to the first position the candidates. Returns their number.
@@ -40,6 +67,7 @@ std::size_t ListSearch::find_first_candidates(const Placed* values) {
 }
 
 bool ListSearch::maximise(Placed* values) {
+  if (is_constant_on_orbits(values)) return true;
   std::size_t count = find_first_candidates(values);
   for (std::size_t p = 1; p < table_->positions_with_values.size() && count > 1; ++p) {
     const std::uint32_t position = table_->positions_with_values[p];

@@ -1,121 +1,152 @@
 #include "engines/largest_image/recognition.h"
 
 #include <algorithm>
-#include <set>
+#include <span>
 #include <stdexcept>
 #include <utility>
 
-#include "engines/base/images.h"
 #include "engines/base/union_find.h"
+#include "engines/group/support_factors.h"
 #include "engines/largest_image/block_recognition.h"
 #include "engines/largest_image/block_search.h"
 #include "engines/largest_image/chain_search.h"
+#include "engines/largest_image/element_list.h"
 #include "engines/largest_image/list_search.h"
 #include "engines/largest_image/object_recognition.h"
 #include "engines/largest_image/object_search.h"
 #include "engines/largest_image/product_search.h"
+#include "engines/largest_image/ring_search.h"
+#include "engines/largest_image/subgroup.h"
 
 namespace symfold::detail {
 namespace {
 
-using Positions = std::vector<std::uint32_t>;
-
-std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds);
+// Returns the entries of these points.
+std::vector<bool> at(std::span<const int> points, const std::vector<bool>& has_value) {
+  std::vector<bool> entries;
+  for (const int point : points) entries.push_back(has_value[static_cast<std::size_t>(point)]);
+  return entries;
+}
 
 // Blocks and objects are cheap to look for in orbits up to this length.
-constexpr std::size_t kMaxShortOrbit = 16;
+constexpr int kMaxShortOrbit = 16;
 
-// Returns all elements, found by multiplying those known with as few generators as are needed; nothing if
-// there are more than `max_elements`.
-std::vector<Images> list_elements(const Subgroup& group, std::size_t max_elements) {
-  std::set<Images> known{identity_images<Images>(group.size())};
-  std::vector<const Images*> elements{&*known.begin()};
-  std::vector<const Images*> used;
-  for (const Images& generator : group.generators()) {
-    if (known.contains(generator)) continue;
-    used.push_back(&generator);
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-      for (const Images* factor : used) {
-        const auto [product, is_new] = known.insert(composed(*factor, *elements[i]));
-        if (!is_new) continue;
-        if (elements.size() >= max_elements) return {};
-        elements.push_back(&*product);
-      }
-    }
-  }
-  std::vector<Images> all;
-  while (!known.empty()) all.push_back(std::move(known.extract(known.begin()).value()));
-  return all;
+std::unique_ptr<ImageSearch> make_block_search(const RecognisedBlocks& found,
+                                               const std::vector<bool>& has_value,
+                                               const SearchBounds& bounds) {
+  const std::vector<bool> inside = at(found.blocks.block(0), has_value);
+  return std::make_unique<BlockSearch>(found.blocks, recognise(found.inner, inside, bounds));
 }
 
-// For a group that moves every position and is no direct product. Rings, grids and the like have few more
-// elements than points in an orbit. They are listed before blocks and objects are looked for in vain.
-std::unique_ptr<ImageSearch> make_factor_search(const Subgroup& group, const SearchBounds& bounds) {
-  const std::size_t max_elements = std::min(bounds.max_elements, bounds.max_images / group.size());
-  const auto list = [&](std::size_t count) -> std::unique_ptr<ImageSearch> {
-    std::vector<Images> elements = list_elements(group, std::min(count, max_elements));
-    if (elements.empty()) return nullptr;
-    return std::make_unique<ListSearch>(std::move(elements), group.positions_with_values());
-  };
-  if (const std::size_t longest = group.orbits().back().size(); longest > kMaxShortOrbit) {
-    if (auto search = list(2 * longest)) return search;
+// A direct factor with canonical generators, on its positions, which are numbered in their order.
+class FactorRecognition {
+ public:
+  FactorRecognition(PermutationGroup group, std::vector<bool> has_value, const SearchBounds& bounds)
+      : group_(std::move(group)),
+        has_value_(std::move(has_value)),
+        bounds_(bounds),
+        max_elements_(
+            std::min(bounds.max_elements, bounds.max_images / static_cast<std::size_t>(group_.degree()))) {}
+
+  std::unique_ptr<ImageSearch> run() const;
+
+ private:
+  std::unique_ptr<ImageSearch> list(std::size_t max_elements) const;
+  std::unique_ptr<ImageSearch> objects_or_chain() const;
+  int longest_orbit() const;
+
+  PermutationGroup group_;
+  std::vector<bool> has_value_;
+  const SearchBounds& bounds_;
+  std::size_t max_elements_;  // of a list
+};
+
+// Rings, grids and the like have few more elements than points in an orbit. They are listed before blocks and
+// objects are looked for in vain.
+std::unique_ptr<ImageSearch> FactorRecognition::run() const {
+  if (const int longest = longest_orbit(); longest > kMaxShortOrbit) {
+    if (auto search = list(2 * static_cast<std::size_t>(longest))) return search;
   }
-  if (auto found = recognise_blocks(group)) {
-    auto inner = make_search(group.on(found->blocks[0], std::move(found->inner)), bounds);
-    return std::make_unique<BlockSearch>(std::move(found->blocks), std::move(inner));
+  if (const auto blocks = recognise_blocks(group_, bounds_.max_images)) {
+    return make_block_search(*blocks, has_value_, bounds_);
   }
-  if (const auto objects = recognise_objects(group, bounds.max_images)) {
-    return std::make_unique<ObjectSearch>(*objects, group.positions_with_values(), bounds.max_candidates);
-  }
-  if (auto search = list(max_elements)) return search;
-  std::vector<StabiliserLevel> levels =
-      make_stabiliser_levels(group.size(), group.generators(), bounds.max_images);
-  if (levels.empty()) throw std::length_error("the symmetry group is too large for exact labels");
-  return std::make_unique<ChainSearch>(group.size(), std::move(levels), bounds.max_candidates);
+  return objects_or_chain();
 }
 
-// Returns what the generators do to these positions, numbered in their order, without identities.
-std::vector<Images> restricted(const std::vector<Images>& generators, const Positions& positions) {
-  std::vector<Images> result;
-  Images images(positions.size());
-  for (const Images& generator : generators) {
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-      const auto image = std::lower_bound(positions.begin(), positions.end(), generator[positions[i]]);
-      images[i] = static_cast<std::uint32_t>(image - positions.begin());
-    }
-    if (!is_identity(images)) result.push_back(images);
+int FactorRecognition::longest_orbit() const {
+  UnionFind orbits(group_.degree());
+  for (std::size_t g = 0; g < group_.generators().size(); ++g) {
+    for (const auto& [point, image] : group_.generators()[g]) orbits.unite(point, image);
   }
-  return result;
+  int longest = 0;
+  for (int x = 0; x < group_.degree(); ++x) longest = std::max(longest, orbits.size_of_class(x));
+  return longest;
 }
 
-std::unique_ptr<ImageSearch> make_search(const Subgroup& group, const SearchBounds& bounds) {
-  UnionFind moved_together(static_cast<int>(group.size()));
-  for (const Images& generator : group.generators()) {
-    int first_moved = -1;
-    for (int x = 0; x < static_cast<int>(group.size()); ++x) {
-      if (static_cast<int>(generator[static_cast<std::size_t>(x)]) == x) continue;
-      if (first_moved < 0) first_moved = x;
-      moved_together.unite(first_moved, x);
+std::unique_ptr<ImageSearch> FactorRecognition::list(std::size_t max_elements) const {
+  max_elements = std::min(max_elements, max_elements_);
+  if (order_of(group_, max_elements) > max_elements) return nullptr;
+  return std::make_unique<ListSearch>(list_elements(group_), has_value_);
+}
+
+std::unique_ptr<ImageSearch> FactorRecognition::objects_or_chain() const {
+  const bool is_dense =
+      group_.generators().size() <= bounds_.max_images / static_cast<std::size_t>(group_.degree());
+  if (is_dense) {
+    const Subgroup dense(group_, has_value_);
+    if (const auto objects = recognise_objects(dense, bounds_.max_images)) {
+      return std::make_unique<ObjectSearch>(*objects, dense.positions_with_values(), bounds_.max_candidates);
     }
   }
-  std::vector<Factor> factors;
-  for (Positions& positions : moved_together.lists<std::uint32_t>()) {
-    if (positions.size() == 1) continue;
-    const Subgroup factor = group.on(positions, restricted(group.generators(), positions));
-    if (factor.positions_with_values().empty()) continue;
-    if (positions.size() == group.size()) return make_factor_search(factor, bounds);
-    auto search = make_factor_search(factor, bounds);
-    factors.push_back({std::move(positions), std::move(search)});
+  if (auto search = list(max_elements_)) return search;
+  if (auto search = recognise_ring(group_, bounds_.max_images)) return search;
+  if (is_dense) {
+    const Subgroup dense(group_, has_value_);
+    std::vector<StabiliserLevel> levels =
+        make_stabiliser_levels(dense.size(), dense.generators(), bounds_.max_images);
+    if (!levels.empty()) {
+      return std::make_unique<ChainSearch>(dense.size(), std::move(levels), bounds_.max_candidates);
+    }
   }
-  return factors.empty() ? nullptr : std::make_unique<ProductSearch>(std::move(factors));
+  throw std::length_error("the symmetry group is too large for exact labels");
 }
 
 }  // namespace
 
-std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds) {
+// Factors by the generators as they are come first, so that the canonical generators, which split them
+// further, are made of small groups. A factor that exchanges show to be a wreath product on three or more
+// blocks has one partition into blocks and no finer factors, whatever its generators are: it needs no
+// canonical ones.
+std::unique_ptr<ImageSearch> recognise(const PermutationGroup& group, const std::vector<bool>& has_value,
+                                       const SearchBounds& bounds) {
   if (bounds.max_candidates == 0) throw std::invalid_argument("expected at least one candidate");
-  auto points = identity_images<Positions>(group.point_count());
-  return make_search(Subgroup(group, std::move(points), group.permutations()), bounds);
+  std::vector<Factor> factors;
+  for (SupportFactor& coarse : support_factors(group.degree(), group.generators())) {
+    const std::vector<bool> coarse_values = at(coarse.points, has_value);
+    if (std::ranges::find(coarse_values, true) == coarse_values.end()) continue;
+    const auto coarse_group =
+        PermutationGroup::from_strong_generators(coarse.degree(), std::move(coarse.generators));
+    if (const auto blocks = recognise_exchanged_blocks(coarse_group, 3)) {
+      factors.push_back(
+          {{coarse.points.begin(), coarse.points.end()}, make_block_search(*blocks, coarse_values, bounds)});
+      continue;
+    }
+    const PermutationGroup canonical = coarse_group.with_canonical_generators();
+    for (SupportFactor& fine : support_factors(canonical.degree(), canonical.generators())) {
+      std::vector<bool> fine_values = at(fine.points, coarse_values);
+      if (std::ranges::find(fine_values, true) == fine_values.end()) continue;
+      auto fine_group = PermutationGroup::from_strong_generators(fine.degree(), std::move(fine.generators));
+      std::vector<std::uint32_t> positions;
+      for (const int point : fine.points) {
+        positions.push_back(static_cast<std::uint32_t>(coarse.points[static_cast<std::size_t>(point)]));
+      }
+      factors.push_back({std::move(positions),
+                         FactorRecognition(std::move(fine_group), std::move(fine_values), bounds).run()});
+    }
+  }
+  if (factors.empty()) return nullptr;
+  const bool is_one = factors[0].positions.size() == static_cast<std::size_t>(group.degree());
+  return is_one ? std::move(factors[0].search) : std::make_unique<ProductSearch>(std::move(factors));
 }
 
 }  // namespace symfold::detail

@@ -1,12 +1,13 @@
-// Chooses a search for the largest image from the structure of the group.
+// Chooses a search for canonical images from the structure of the group.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_RECOGNITION_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_RECOGNITION_H
 
 #include <memory>
+#include <vector>
 
+#include "engines/group/permutation_group.h"
 #include "engines/largest_image/image_search.h"
-#include "engines/largest_image/table_group.h"
 
 namespace symfold::detail {
 
@@ -16,15 +17,29 @@ struct SearchBounds {
   std::size_t max_images = std::size_t{1} << 26;  // entries in the tables of a search, 4 bytes each
 };
 
-// Returns the search for the whole group, null for the trivial one. The structure that is recognised is
-// proved: every permutation of the table is in the recognised group, and generators of this are in the
-// table's group. Throws std::length_error if a group fits no search within the bounds, std::invalid_argument
-// if max_candidates is 0.
+// Returns the search for the whole group, null for the trivial one. has_value[c] is false if nothing lies at
+// position c.
 //
-// Cost for orbits of length L and N positions in all: for groups that are listed, a composition for each
-// element; for others, a few times L * L to look for blocks, and N for each of the table's permutations. A
-// stabiliser chain needs a Schreier-Sims run besides.
-std::unique_ptr<ImageSearch> recognise(const TableGroup& group, const SearchBounds& bounds);
+// The search depends on the group and the bounds alone: all steps start from canonical generators. They split
+// the group into direct factors on disjoint sets of positions, and each factor goes to the first of these
+// that fits, blocks with the group inside a block as a group of its own:
+//
+//  - groups with few elements for their orbits, listed: they find the largest image;
+//  - blocks that are permuted in every way: the largest image if it is found inside the blocks and their
+//    positions are interleaved in one pattern, otherwise a canonical one (block_search.h);
+//  - objects that are permuted in every way: the largest image;
+//  - other groups whose elements fit into a list: the largest image;
+//  - rings: the largest image by the order of the ring (ring_search.h);
+//  - all others, down a stabiliser chain: the largest image.
+//
+// What is recognised is proved by the group's own elements. Throws std::length_error if a group fits no
+// search within the bounds, std::invalid_argument if max_candidates is 0.
+//
+// Cost: near-linear in the supports of the generators for groups whose generators have exchanges that show
+// the blocks; for groups that are listed, their order times the positions; otherwise that of looking for
+// blocks (block_recognition.h) and objects.
+std::unique_ptr<ImageSearch> recognise(const PermutationGroup& group, const std::vector<bool>& has_value,
+                                       const SearchBounds& bounds);
 
 }  // namespace symfold::detail
 

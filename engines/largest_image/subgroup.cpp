@@ -42,25 +42,24 @@ void build_tree(std::uint32_t root, const std::vector<const Images*>& permutatio
   });
 }
 
-std::vector<std::uint32_t> Subgroup::positions_with_values() const {
-  std::vector<std::uint32_t> positions;
+Subgroup::Subgroup(const PermutationGroup& group, const std::vector<bool>& has_value) : group_(group) {
   for (std::uint32_t i = 0; i < size(); ++i) {
-    if (whole_.has_value(points_[i])) positions.push_back(i);
+    if (has_value[i]) positions_with_values_.push_back(i);
   }
-  return positions;
+  for (const SparsePermutation& moves : group.generators()) {
+    Images& images = generators_.emplace_back(identity_images<Images>(size()));
+    for (const auto& [point, image] : moves) {
+      images[static_cast<std::size_t>(point)] = static_cast<std::uint32_t>(image);
+    }
+  }
 }
 
-bool Subgroup::contains(const Images& local) const {
-  Images images = identity_images<Images>(whole_.point_count());
-  for (std::size_t i = 0; i < local.size(); ++i) images[points_[i]] = points_[local[i]];
-  return whole_.contains(std::move(images));
-}
-
-Subgroup Subgroup::on(const std::vector<std::uint32_t>& positions, std::vector<Images> generators) const {
-  std::vector<std::uint32_t> points;
-  points.reserve(positions.size());
-  for (const std::uint32_t position : positions) points.push_back(points_[position]);
-  return {whole_, std::move(points), std::move(generators)};
+bool Subgroup::contains(const Images& images) const {
+  SparsePermutation moves;
+  for (std::size_t c = 0; c < images.size(); ++c) {
+    if (images[c] != c) moves.push_back({static_cast<int>(c), static_cast<int>(images[c])});
+  }
+  return group_.contains(moves);
 }
 
 std::vector<std::vector<std::uint32_t>> Subgroup::orbits() const {

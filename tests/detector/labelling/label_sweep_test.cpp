@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <random>
 
@@ -129,7 +128,6 @@ TEST(LabelSweep, GivesSymmetricStatesOneExactLabel) {
       std::string state = random_state(static_cast<int>(labeller.state_size()), values_of(i), random);
       std::string label(state.size(), '\0');
       ASSERT_TRUE(labeller.find(state.data(), label.data()));
-      ASSERT_GE(std::memcmp(label.data(), state.data(), state.size()), 0);
       for (int step = 0; step < 8; ++step) {
         const Permutation& element = *elements[random() % elements.size()];
         state = moved(detector.PartitionInfo, {element.GetP(), element.GetP() + element.GetN()}, state);
