@@ -12,12 +12,6 @@ namespace {
 // Shorter runs are applied step by step.
 constexpr int kMinPower = 4;
 
-struct Edge {
-  int from;
-  int to;
-  int generator;
-};
-
 SparsePermutation inverted(std::span<const PointMove> moves) {
   SparsePermutation inverse;
   inverse.reserve(moves.size());
@@ -45,6 +39,8 @@ StabiliserForest::StabiliserForest(int degree, const PermutationList& generators
   PointVector<std::vector<std::pair<int, int>>> edges(degree);  // the point at the other end, the generator
   PointVector<int> size(degree, 1);
   PointVector<int> merger_of(degree);  // by root of a class
+  PointVector<int> next_in_cycle(degree, -1);
+  std::vector<PointMove> cycle_order;
   mergers_.reserve(2 * static_cast<std::size_t>(degree));
   for (int x = 0; x < degree; ++x) {
     merger_of[x] = x;
@@ -52,7 +48,17 @@ StabiliserForest::StabiliserForest(int degree, const PermutationList& generators
   }
   for (int p = degree - 1; p >= 0; --p) {
     for (const int g : generators_at[static_cast<std::size_t>(p)]) {
-      for (const auto& [point, image] : generators[static_cast<std::size_t>(g)]) {
+      // Cycle after cycle, so that paths have long runs of one generator.
+      const auto moves = generators[static_cast<std::size_t>(g)];
+      cycle_order.clear();
+      for (const auto& [point, image] : moves) next_in_cycle[point] = image;
+      for (const PointMove move : moves) {
+        for (int point = move.point; next_in_cycle[point] >= 0;) {
+          cycle_order.push_back({point, next_in_cycle[point]});
+          point = std::exchange(next_in_cycle[point], -1);
+        }
+      }
+      for (const auto& [point, image] : cycle_order) {
         int a = class_of(point, 0);
         int b = class_of(image, 0);
         if (a == b) continue;

@@ -41,8 +41,12 @@ std::unique_ptr<ImageSearch> make_block_search(const RecognisedBlocks& found,
 // A direct factor with canonical generators, on its positions, which are numbered in their order.
 class FactorRecognition {
  public:
-  FactorRecognition(PermutationGroup group, std::vector<bool> has_value, const SearchBounds& bounds)
+  // The same group with other generators, if they are known, may have shorter paths from point to point:
+  // those of a ring's rotation, when the canonical generators are mirrors.
+  FactorRecognition(PermutationGroup group, PermutationGroup as_given, std::vector<bool> has_value,
+                    const SearchBounds& bounds)
       : group_(std::move(group)),
+        as_given_(std::move(as_given)),
         has_value_(std::move(has_value)),
         bounds_(bounds),
         max_elements_(
@@ -56,16 +60,20 @@ class FactorRecognition {
   int longest_orbit() const;
 
   PermutationGroup group_;
+  PermutationGroup as_given_;
   std::vector<bool> has_value_;
   const SearchBounds& bounds_;
   std::size_t max_elements_;  // of a list
 };
 
-// Rings, grids and the like have few more elements than points in an orbit. They are listed before blocks and
-// objects are looked for in vain.
+// Rings, grids and the like have few more elements than points in an orbit. They are listed, or turned if
+// they are too long, before blocks and objects are looked for in vain.
 std::unique_ptr<ImageSearch> FactorRecognition::run() const {
   if (const int longest = longest_orbit(); longest > kMaxShortOrbit) {
     if (auto search = list(2 * static_cast<std::size_t>(longest))) return search;
+    if (order_of(group_, max_elements_) > max_elements_) {
+      if (auto search = recognise_ring(as_given_, bounds_.max_images)) return search;
+    }
   }
   if (const auto blocks = recognise_blocks(group_, bounds_.max_images)) {
     return make_block_search(*blocks, has_value_, bounds_);
@@ -99,7 +107,6 @@ std::unique_ptr<ImageSearch> FactorRecognition::objects_or_chain() const {
     }
   }
   if (auto search = list(max_elements_)) return search;
-  if (auto search = recognise_ring(group_, bounds_.max_images)) return search;
   if (is_dense) {
     const Subgroup dense(group_, has_value_);
     std::vector<StabiliserLevel> levels =
@@ -135,13 +142,15 @@ std::unique_ptr<ImageSearch> recognise(const PermutationGroup& group, const std:
     for (SupportFactor& fine : support_factors(canonical.degree(), canonical.generators())) {
       std::vector<bool> fine_values = at(fine.points, coarse_values);
       if (std::ranges::find(fine_values, true) == fine_values.end()) continue;
-      auto fine_group = PermutationGroup::from_strong_generators(fine.degree(), std::move(fine.generators));
+      const auto fine_group =
+          PermutationGroup::from_strong_generators(fine.degree(), std::move(fine.generators));
       std::vector<std::uint32_t> positions;
       for (const int point : fine.points) {
         positions.push_back(static_cast<std::uint32_t>(coarse.points[static_cast<std::size_t>(point)]));
       }
-      factors.push_back({std::move(positions),
-                         FactorRecognition(std::move(fine_group), std::move(fine_values), bounds).run()});
+      const PermutationGroup& as_given = fine.degree() == coarse.degree() ? coarse_group : fine_group;
+      FactorRecognition recognition(fine_group, as_given, std::move(fine_values), bounds);
+      factors.push_back({std::move(positions), recognition.run()});
     }
   }
   if (factors.empty()) return nullptr;

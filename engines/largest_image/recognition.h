@@ -25,11 +25,11 @@ struct SearchBounds {
 // that fits, blocks with the group inside a block as a group of its own:
 //
 //  - groups with few elements for their orbits, listed: they find the largest image;
+//  - rings that are too long for a list: the largest image by the order of the ring (ring_search.h);
 //  - blocks that are permuted in every way: the largest image if it is found inside the blocks and their
 //    positions are interleaved in one pattern, otherwise a canonical one (block_search.h);
 //  - objects that are permuted in every way: the largest image;
 //  - other groups whose elements fit into a list: the largest image;
-//  - rings: the largest image by the order of the ring (ring_search.h);
 //  - all others, down a stabiliser chain: the largest image.
 //
 // What is recognised is proved by the group's own elements. Throws std::length_error if a group fits no
