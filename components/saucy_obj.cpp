@@ -98,15 +98,14 @@ void saucy_obj::saucy_search(saucy_struct* state) {
   const int n = state->graph.vertex_count();
   detail::AutomorphismGroup group = detail::find_automorphisms(state->graph, {.max_moves = kMaxMoves});
   if (!group.is_complete) {
-    report(state->name + ": error: expected generators of at most " + std::to_string(kMaxMoves) +
-           " moves together, got more");
-    return;
+    report(state->name +
+           ": the search for symmetries has ended before it was complete; those found by then are used");
   }
   generators.reserve(group.generators.size());
   for (std::size_t g = 0; g < group.generators.size(); ++g) generators.emplace_back(n, group.generators[g]);
   base = std::move(group.base);
   orbit_lengths = std::move(group.orbit_lengths);
-  is_complete = true;
+  is_complete = group.is_complete;
 }
 
 void saucy_obj::saucy_end(saucy_struct* state) { delete state; }

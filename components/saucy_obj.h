@@ -35,8 +35,8 @@ class saucy_obj {
   std::vector<int> base;
   std::vector<int> orbit_lengths;
 
-  // After saucy_search: true if the generators generate the whole group; false if there was no graph to
-  // search, or if the group was too large to be listed.
+  // After saucy_search: true if the generators generate the whole group. False if there was no graph to
+  // search, or if the search ended at a limit: then all of the above is that of a subgroup.
   bool is_complete = false;
 
   // Where the calls report errors, a line each; standard error at first, null for nowhere. The stream must
@@ -56,8 +56,8 @@ class saucy_obj {
   // Makes the state ready for a search and drops the results of an earlier one.
   void saucy_init(saucy_struct* state);
 
-  // Fills these members; leaves them as they are if state is null. A group whose generators have
-  // more than 2^28 moves in all (2 GiB) is reported in one line and leaves them empty.
+  // Fills these members; leaves them as they are if state is null. A search that ends at a
+  // limit, such as that of 2^28 moves of all generators together (2 GiB), is reported in one line.
   void saucy_search(saucy_struct* state);
 
   // Releases the state, null or not; the results stay.

@@ -30,7 +30,8 @@ std::vector<Permutation> SchreierSims::Go(std::vector<Permutation> gens, std::ve
   generators.reserve(gens.size());
   for (const Permutation& permutation : gens) generators.push_back(sparse(permutation, n_));
   gens.clear();
-  detail::StabiliserChain chain = detail::build_stabiliser_chain(n_, std::move(generators), known_lengths_);
+  const auto build = has_shortcuts_ ? detail::build_stabiliser_chain : detail::complete_stabiliser_chain;
+  detail::StabiliserChain chain = build(n_, std::move(generators), known_lengths_);
   base = std::move(chain.base);
   orbit_lengths_ = std::move(chain.orbit_lengths);
   std::vector<Permutation> strong;

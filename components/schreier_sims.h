@@ -19,6 +19,10 @@ class SchreierSims {
   // is verified.
   void SetKnownOrder(std::vector<int> orbit_lengths);
 
+  // Optional: leaves out the redundant members that Go adds for shallow Schreier trees. They cost the square
+  // of an orbit's length.
+  void OmitShortcuts() { has_shortcuts_ = false; }
+
   // Replaces the content of `base` by the base: each point is the smallest one that the stabiliser of the
   // points before it moves. Returns a strong generating set relative to it: for each base point b, the
   // returned permutations that fix every point below b generate the stabiliser of the base points below b.
@@ -32,6 +36,7 @@ class SchreierSims {
 
  private:
   int n_;
+  bool has_shortcuts_ = true;
   std::vector<int> known_lengths_;
   std::vector<int> orbit_lengths_;
 };

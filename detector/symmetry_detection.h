@@ -81,6 +81,10 @@ class SymmetryDetection {
   // The same without files: reads from `types` what the file "types" would hold, hands the graph to the
   // automorphism engine in memory, and writes nothing. PrintMCG and WriteMCGViz may write the graph later.
   void FindMCG(std::istream& types);
+  // The same without the tables Bases and VPerms, which take the square of an orbit's length. SGS then holds
+  // no permutations for the sake of short paths, and KeepSoundGenerators makes no tables either. For hosts
+  // that make exact labels from the group: near-linear in the graph and what its generators move.
+  void FindMCGGroup(std::istream& types);
 
   void InitFindMCG();  // submodel nodes from the file "types": a count, then name and type of each
   void InitFindMCG(std::istream& types);
@@ -241,9 +245,11 @@ class SymmetryDetection {
   // order of the automorphism group.
   std::vector<int> SGSOrbitLengths;
   // True if the tables are those of the whole automorphism group. False before detection, and as soon as any
-  // of its steps refuses something: the graph could not be searched, the group is too large, a generator or
-  // the tables are unsound.
+  // of its steps refuses something: the graph could not be searched to the end, the tables are too large, a
+  // generator or the tables are unsound.
   bool HasWholeGroup = false;
+  // Why the latest FindMCG_FindST made no tables; empty if it made them.
+  std::string TableLimit;
   // What the last WritePermFile or ReadPermFile reported; empty after a success.
   std::string PermFileError;
   // For each base slot, the index of the record that the last FindCanonicalLabel chose, -1 if it kept its
@@ -261,6 +267,7 @@ class SymmetryDetection {
   void Refuse(std::string_view message);
   void MakeGraph();
   void MakeGroup();
+  void MakeTables();
   void FindAutInMemory();
   void BeginSearch();
   void FinishSearch(saucy_struct* search);
@@ -272,6 +279,7 @@ class SymmetryDetection {
   void ComposeBestPerm();
   void DropTables();
 
+  bool has_tables_ = true;   // false: only the group is wanted
   std::string input_fault_;  // what was wrong with the list of submodels, or with the graph file
   std::unique_ptr<std::ostream> nowhere_;  // a stream without a buffer
   std::ostream* diagnostics_;

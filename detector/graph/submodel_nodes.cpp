@@ -48,6 +48,11 @@ void SymmetryDetection::FindMCG(std::istream& types) {
   MakeGroup();
 }
 
+void SymmetryDetection::FindMCGGroup(std::istream& types) {
+  has_tables_ = false;
+  FindMCG(types);
+}
+
 void SymmetryDetection::MakeGraph() {
   FindMCG_JoinNodes();
   FindMCG_PrivateNodes();
@@ -59,9 +64,13 @@ void SymmetryDetection::MakeGraph() {
 }
 
 void SymmetryDetection::MakeGroup() {
-  FindMCG_FindSS();
-  FindMCG_FindST();
+  MakeTables();
   FindGraphNodeOrder();
+}
+
+void SymmetryDetection::MakeTables() {
+  FindMCG_FindSS();
+  if (has_tables_) FindMCG_FindST();
 }
 
 void SymmetryDetection::InitFindMCG() {

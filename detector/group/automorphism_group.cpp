@@ -124,6 +124,7 @@ void SymmetryDetection::FindMCG_FindSS() {
   const int node_count = static_cast<int>(GraphNodes.size());
   SchreierSims schreier_sims(node_count, static_cast<int>(OrigPermutations.size()));
   if (!SGSOrbitLengths.empty()) schreier_sims.SetKnownOrder(SGSOrbitLengths);
+  if (!has_tables_) schreier_sims.OmitShortcuts();
   SGS = schreier_sims.Go(OrigPermutations, SGSBase);
   SGSOrbitLengths = schreier_sims.OrbitLengths();
   if (SGS.empty()) SGS.emplace_back(node_count);

@@ -51,9 +51,9 @@ void SymmetryDetection::FindMCG_FindST() {
   roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
   const auto real_count =
       std::ranges::count_if(GraphNodes, [](const ModelCompGraphNode& node) { return node.PrivateOrJoin; });
-  const std::string limit = find_table_limit(tree, roots, static_cast<int>(real_count));
-  if (!limit.empty()) {
-    Refuse(limit);
+  TableLimit = find_table_limit(tree, roots, static_cast<int>(real_count));
+  if (!TableLimit.empty()) {
+    Refuse(TableLimit);
     HasWholeGroup = false;
     return;
   }

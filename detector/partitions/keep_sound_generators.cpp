@@ -95,8 +95,7 @@ void SymmetryDetection::KeepSoundGenerators() {
   SGSBase.clear();
   Bases.clear();
   VPerms.clear();
-  FindMCG_FindSS();
-  FindMCG_FindST();
+  MakeTables();
 }
 
 }  // namespace symfold

@@ -15,12 +15,18 @@ StabiliserChain read_stabiliser_chain(int n, std::vector<SparsePermutation> gene
   return chain;
 }
 
-StabiliserChain build_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
-                                       const std::vector<int>& known_lengths) {
+StabiliserChain complete_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
+                                          const std::vector<int>& known_lengths) {
   StabiliserChain chain = read_stabiliser_chain(n, std::move(generators));
   if (chain.orbit_lengths != known_lengths) {
     chain = read_stabiliser_chain(n, strong_generators(n, chain.generators, known_lengths));
   }
+  return chain;
+}
+
+StabiliserChain build_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
+                                       const std::vector<int>& known_lengths) {
+  StabiliserChain chain = complete_stabiliser_chain(n, std::move(generators), known_lengths);
   add_shortcuts(n, chain);
   return chain;
 }

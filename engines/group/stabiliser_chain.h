@@ -21,11 +21,14 @@ struct StabiliserChain {
   std::vector<SparsePermutation> generators;
 };
 
-// Returns the stabiliser chain of the group that permutations of 0 .. n-1 generate, with strong generators
-// whose Schreier trees are shallow (see add_shortcuts). known_lengths may hold the orbit lengths of the group
-// by the same rule. If the generators reach them, it is complete, because subgroups of the stabilisers
-// have no longer orbits; the generators are then taken as they are, at the cost of their supports. Otherwise
-// they are completed and verified (see strong_generators).
+// Returns the stabiliser chain of the group that permutations of 0 .. n-1 generate. known_lengths may hold
+// the orbit lengths of the group by the same rule. If the generators reach them, it is complete, because
+// subgroups of the stabilisers have no longer orbits; the generators are then taken as they are, at the cost
+// of their supports. Otherwise they are completed and verified (see strong_generators).
+StabiliserChain complete_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
+                                          const std::vector<int>& known_lengths);
+
+// The same with strong generators whose Schreier trees are shallow (see add_shortcuts).
 StabiliserChain build_stabiliser_chain(int n, std::vector<SparsePermutation> generators,
                                        const std::vector<int>& known_lengths);
 

@@ -34,8 +34,9 @@ void Detection::timed(const char* name, Step step) {
   phases_.push_back({name, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()});
 }
 
-Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log, std::ostream* refusals)
-    : records_(model), detector_(records_.wrapper()) {
+Detection::Detection(const ComposedModel& model, RunDirectory* files, bool keeps_log, std::ostream* refusals,
+                     DetectionGoal goal)
+    : records_(model), detector_(records_.wrapper()), goal_(goal) {
   std::ostringstream refused;
   refused.exceptions(std::ios::badbit);  // a failed allocation would cut what it is given
   detector_.SetRefusals(&refused);
@@ -56,12 +57,25 @@ void Detection::detect(const ComposedModel& model, RunDirectory* files, const st
   std::stringstream types;
   types.exceptions(std::ios::badbit);
   write_types(model, types);
-  timed("graph and group", [&] { detector_.FindMCG(types); });
-  if (!detector_.HasWholeGroup) {
-    throw GroupLimitError(
-        "error: the symmetry group could not be listed or tabulated, as the line above says", refused.str());
+  if (goal_ == DetectionGoal::kGroup) {
+    timed("graph and group", [&] { detector_.FindMCGGroup(types); });
+    timed("cells", [&] {
+      make_partitions(model);
+      detector_.AdjustPartitionInfo();
+    });
+  } else {
+    timed("graph and group", [&] { detector_.FindMCG(types); });
+    if (detector_.TableLimit.empty()) {
+      timed("tables", [&] {
+        make_partitions(model);
+        make_tables();
+      });
+    }
+    if (!detector_.TableLimit.empty()) {
+      throw GroupLimitError("error: the symmetry group could not be tabulated, as the line above says",
+                            refused.str());
+    }
   }
-  timed("tables", [&] { make_tables(model); });
   timed("check", [&] { detector_.VerifySymmetries(unsound_reason_); });
   if (files != nullptr && is_sound()) {
     timed("save", [&] { save(types.str(), *files); });
@@ -70,7 +84,7 @@ void Detection::detect(const ComposedModel& model, RunDirectory* files, const st
   }
 }
 
-void Detection::make_tables(const ComposedModel& model) {
+void Detection::make_partitions(const ComposedModel& model) {
   std::unordered_map<std::string, int> bytes;
   for (const Submodel& submodel : model.submodels) {
     bytes[submodel.name] = model.instance_of(submodel).byte_size();
@@ -81,19 +95,41 @@ void Detection::make_tables(const ComposedModel& model) {
   detector_.KeepSoundGenerators();
   detector_.CreatePartitionInfo();
   detector_.SSOrder = detector_.GNOrder;
+}
+
+void Detection::make_tables() {
   detector_.ShrinkPermutations();
   detector_.AdjustPermutations();
   detector_.AdjustPartitionInfo();
   detector_.TrimPermutations();
 }
 
+// Each cell has one real node, and these come first: cell c is node c (a join of the model has one variable).
+// Two generators with equal moves of cells differ in what moves no state. Restricted to the real nodes, the
+// generators that fix all points below a base point generate the restricted stabiliser, because these points
+// are real nodes themselves: so they stay strong. A product of sound generators is sound.
+detail::PermutationList Detection::cell_generators() const {
+  const auto cell_count = static_cast<int>(detector_.GNOrder.size());
+  detail::PermutationList generators;
+  detail::SparsePermutation moves;
+  for (const Permutation& generator : detector_.SGS) {
+    moves.clear();
+    generator.VisitMoves([&](int node, int image) {
+      if (node < cell_count) moves.push_back({node, image});
+    });
+    if (!moves.empty()) generators.push_back(moves);
+  }
+  return generators;
+}
+
 void Detection::save(const std::string& types, RunDirectory& files) {
-  const std::string fault = is_sound() ? detector_.FindTableFault() : "";
+  const bool has_tables = goal_ == DetectionGoal::kTables && is_sound();
+  const std::string fault = has_tables ? detector_.FindTableFault() : "";
   if (!fault.empty()) throw std::runtime_error("permutations: error: not written: " + fault);
   files.write("types", [&](std::ostream& out) { out << types; });
   files.write("model_comp_graph", [&](std::ostream& out) { detector_.PrintMCG(out); });
   files.write("mcg.viz", [&](std::ostream& out) { detector_.WriteMCGViz(out); });
-  if (is_sound()) files.write("permutations", [&](std::ostream& out) { detector_.WriteTables(out); });
+  if (has_tables) files.write("permutations", [&](std::ostream& out) { detector_.WriteTables(out); });
   files.publish();
 }
 

@@ -56,7 +56,7 @@ class Folding {
   // files is published at the end, in place of an earlier one (run_directory.h); if an exception ends the
   // detection before, the earlier set stays. Symmetries that are not sound are no error here. Throws
   // ModelError if the model has more than 32,767 submodels and joins, GroupLimitError if the group could not
-  // be listed or tabulated, std::runtime_error if the files cannot be written. What the detector refuses goes
+  // be tabulated, std::runtime_error if the files cannot be written. What the detector refuses goes
   // to `refusals`, if it is not null, a line each, even if an exception ends the detection.
   Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFiles& files = {},
           std::ostream* refusals = nullptr);

@@ -145,7 +145,7 @@ TEST(Detect, GivesUpTablesThatDoNotFit) {
       outcome.err,
       "symfold: expected tables of at most 4 GiB, got 7999 base points that would need about 8.1 GiB; exact "
       "labels need no tables\n"
-      "symfold: error: the symmetry group could not be listed or tabulated, as the line above says\n");
+      "symfold: error: the symmetry group could not be tabulated, as the line above says\n");
 }
 
 TEST(CommandLine, RefusesWrongUse) {

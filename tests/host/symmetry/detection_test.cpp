@@ -9,6 +9,8 @@
 #include <set>
 #include <sstream>
 
+#include "components/schreier_sims.h"
+#include "engines/base/base_points.h"
 #include "host/chain/state_layout.h"
 #include "tests/support/model_support.h"
 #include "tests/support/temp_dir.h"
@@ -88,6 +90,32 @@ TEST(Detection, TellsWhatIsRefusedEvenIfItFailsLater) {
   std::ostringstream told_before;
   EXPECT_THROW(Folding(model, Symmetry::kExact, {"run"}, &told_before), std::runtime_error);
   EXPECT_EQ(told_before.str(), refused);
+}
+
+// The cells' generators are strong as they stand, for the group of the tables.
+TEST(Detection, FindsTheGroupOnCellsWithoutTables) {
+  for (const std::string& name : example_names()) {
+    SCOPED_TRACE(name);
+    const ComposedModel model = read_model(example_path(name));
+    const Detection group(model, nullptr, false, nullptr, DetectionGoal::kGroup);
+    const Detection tables(model, nullptr, false);
+    EXPECT_TRUE(group.is_sound() && group.detector().VPerms.empty() && group.detector().Bases.empty());
+    EXPECT_EQ(group.detector().SSOrder, tables.detector().SSOrder);
+    EXPECT_EQ(group.detector().PartitionInfo, tables.detector().PartitionInfo);
+    EXPECT_EQ(group.detector().CumPartitionInfo, tables.detector().CumPartitionInfo);
+    EXPECT_EQ(group.detector().SGSOrbitLengths, tables.detector().SGSOrbitLengths);
+    const int cells = static_cast<int>(tables.detector().SSOrder.size());
+    std::vector<Permutation> generators;
+    for (const auto& [base, records] : tables.detector().VPerms) {
+      for (const ValPerms& record : records) generators.push_back(record.Perms[0]);
+    }
+    SchreierSims whole(cells, 0);
+    std::vector<int> base, base_as_it_stands, lengths_as_they_stand;
+    whole.Go(generators, base);
+    detail::read_base(cells, group.cell_generators(), base_as_it_stands, lengths_as_they_stand);
+    EXPECT_EQ(base_as_it_stands, base);
+    EXPECT_EQ(lengths_as_they_stand, whole.OrbitLengths());
+  }
 }
 
 }  // namespace
