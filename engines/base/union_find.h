@@ -5,6 +5,8 @@
 #ifndef SYMFOLD_ENGINES_BASE_UNION_FIND_H
 #define SYMFOLD_ENGINES_BASE_UNION_FIND_H
 
+#include <algorithm>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -16,6 +18,12 @@ namespace symfold::detail {
 class UnionFind {
  public:
   explicit UnionFind(int n) : parent_(identity_images(n)), size_(n, 1) {}
+
+  // Makes every point a class of its own again.
+  void clear() {
+    std::iota(parent_.begin(), parent_.end(), 0);
+    std::fill(size_.begin(), size_.end(), 1);
+  }
 
   // Returns the root of x's class, which is the same member for the whole class. Takes two steps at a time
   // without a branch, because most classes are one or two steps deep, in no order that a processor could

@@ -1,210 +1,180 @@
 #include "engines/largest_image/chain_search.h"
 
 #include <algorithm>
-#include <numeric>
+#include <stdexcept>
+#include <utility>
 
 #include "engines/base/images.h"
-#include "engines/group/stabiliser_chain.h"
-#include "engines/largest_image/subgroup.h"
+#include "engines/base/mix.h"
 
 namespace symfold::detail {
-namespace {
 
-bool less_values(const Placed& a, const Placed& b) { return a.value < b.value; }
-bool equal_values(const Placed& a, const Placed& b) { return a.value == b.value; }
+ChainSearch::ChainSearch(const PermutationGroup& group, const std::vector<bool>& has_value,
+                         std::size_t max_nodes, std::size_t max_entries)
+    : ChainSearch(make_plan(group, has_value, max_entries), has_value, max_nodes) {}
 
-bool fixes_below(const Images& images, std::size_t point) {
-  for (std::size_t c = 0; c < point; ++c) {
-    if (images[c] != c) return false;
+ChainSearch::ChainSearch(std::shared_ptr<const Plan> plan, const std::vector<bool>& has_value,
+                         std::size_t max_nodes)
+    : RefiningSearch(cells_of(*plan), has_value, max_nodes),
+      plan_(std::move(plan)),
+      colours_(plan_->trees.degree()),
+      orbit_keys_(colours_.size()),
+      counts_(colours_.size()) {}
+
+std::shared_ptr<const ChainSearch::Plan> ChainSearch::make_plan(const PermutationGroup& group,
+                                                                const std::vector<bool>& has_value,
+                                                                std::size_t max_entries) {
+  if (group.base().size() > max_entries / std::max(has_value.size(), std::size_t{1}))
+    throw std::length_error("the symmetry group is too large for exact labels");
+  StabiliserTrees trees(group);
+  std::vector<Relation> relations = sparse_orbitals(trees);
+  std::vector<Stabiliser> stabilisers;
+  for (std::size_t level = 0; level < trees.levels().size(); ++level)
+    stabilisers.push_back(make_stabiliser(trees, level, has_value));
+  return std::make_shared<const Plan>(Plan{std::move(trees), std::move(relations), std::move(stabilisers)});
+}
+
+ChainSearch::Stabiliser ChainSearch::make_stabiliser(const StabiliserTrees& trees, std::size_t level,
+                                                     const std::vector<bool>& has_value) {
+  Stabiliser stabiliser;
+  stabiliser.generators = trees.generators_of(level);
+  UnionFind orbits(static_cast<int>(trees.degree()));
+  for (const std::uint32_t g : stabiliser.generators) {
+    for (const auto& [point, image] : trees.generators()[g]) orbits.unite(point, image);
+  }
+  Points smallest(trees.degree(), kNone);
+  for (std::uint32_t x = 0; x < trees.degree(); ++x) {
+    std::uint32_t& first = smallest[static_cast<std::size_t>(orbits.find(static_cast<int>(x)))];
+    if (first == kNone) first = x;
+    stabiliser.orbit_of.push_back(first);
+    if (first == x || !has_value[x]) continue;
+    stabiliser.moved.push_back(x);
+    stabiliser.smallest.push_back(first);
+  }
+  return stabiliser;
+}
+
+PointCells ChainSearch::cells_of(const Plan& plan) {
+  PointCells cells({0, static_cast<std::uint32_t>(plan.trees.degree())});
+  cells.split(plan.stabilisers[0].orbit_of);
+  return cells;
+}
+
+void ChainSearch::start() {
+  level_ = 0;
+  knows_orbits_ = true;
+  source_.resize(colours_.size());
+  std::iota(source_.begin(), source_.end(), 0U);
+  std::fill(orbit_keys_.begin(), orbit_keys_.end(), 0);
+  for (const std::uint32_t position : positions_with_values()) orbit_keys_[position] = value(position);
+  cells_.split(orbit_keys_);
+}
+
+void ChainSearch::add_keys(std::vector<std::uint64_t>& keys) {
+  for (std::uint32_t x = 0; x < colours_.size(); ++x) colours_[x] = mix(cells_.cell_of(x));
+  std::uint64_t number = 0;
+  for (const Relation& relation : plan_->relations) {
+    if (relation.arity == 1) {
+      add_keys_of<1>(relation, number++, keys);
+    } else if (relation.arity == 2) {
+      add_keys_of<2>(relation, number++, keys);
+    } else {
+      add_keys_of<0>(relation, number++, keys);
+    }
+  }
+}
+
+// kArity is 0 for one that is not known when this is compiled.
+template <std::size_t kArity>
+void ChainSearch::add_keys_of(const Relation& relation, std::uint64_t number,
+                              std::vector<std::uint64_t>& keys) const {
+  const std::size_t arity = kArity == 0 ? relation.arity : kArity;
+  const std::uint32_t* end = relation.ends.data();
+  for (const std::uint32_t point : relation.points) {
+    std::uint64_t sum = number;
+    for (std::size_t k = 0; k < arity; ++k) sum += colours_[*end++];
+    keys[point] += mix(sum);
+  }
+}
+
+std::uint32_t ChainSearch::settle() {
+  for (;;) {
+    if (level_ == plan_->stabilisers.size()) return kNone;
+    const std::uint32_t cell = smallest_cell();
+    if (cell != kNone) {
+      if (!knows_orbits_) {
+        knows_orbits_ = true;
+        const std::vector<std::uint64_t>& orbit_of = plan_->stabilisers[level_].orbit_of;
+        for (std::size_t c = 0; c < source_.size(); ++c) orbit_keys_[source_[c]] = orbit_of[c];
+        if (refine_by(orbit_keys_)) continue;
+      }
+      return is_final() ? kNone : cell;
+    }
+  }
+}
+
+// Looks for the cell with the fewest positions that can come to the base point; of several the first. If it
+// has one only, brings it there and returns kNone.
+std::uint32_t ChainSearch::smallest_cell() {
+  const Points& orbit = plan_->trees.levels()[level_].orbit;
+  for (const std::uint32_t c : orbit) ++counts_[cells_.cell_of(source_[c])];
+  std::pair<std::uint32_t, std::uint32_t> smallest{kNone, kNone};
+  std::uint32_t place = 0;
+  for (const std::uint32_t c : orbit) {
+    const std::uint32_t cell = cells_.cell_of(source_[c]);
+    const std::pair own{counts_[cell], cell};
+    if (own >= smallest) continue;
+    smallest = own;
+    place = c;
+  }
+  for (const std::uint32_t c : orbit) counts_[cells_.cell_of(source_[c])] = 0;
+  if (smallest.first > 1) return smallest.second;
+  descend(place);
+  return kNone;
+}
+
+void ChainSearch::descend(std::uint32_t place) {
+  plan_->trees.apply(level_, place, source_, scratch_);
+  ++level_;
+  knows_orbits_ = false;
+}
+
+// True if the stabiliser cannot change the image.
+bool ChainSearch::is_final() const {
+  const Stabiliser& stabiliser = plan_->stabilisers[level_];
+  for (std::size_t i = 0; i < stabiliser.moved.size(); ++i) {
+    if (value(source_[stabiliser.moved[i]]) != value(source_[stabiliser.smallest[i]])) return false;
   }
   return true;
 }
 
-SparsePermutation moves_of(const Images& images) {
-  SparsePermutation moves;
-  for (std::size_t c = 0; c < images.size(); ++c) {
-    if (images[c] != c) moves.push_back({static_cast<int>(c), static_cast<int>(images[c])});
-  }
-  return moves;
+void ChainSearch::single_out(std::uint32_t point) {
+  cells_.split_off(cells_.cell_of(point), [&](std::uint32_t other) { return other == point; });
+  descend(static_cast<std::uint32_t>(std::ranges::find(source_, point) - source_.begin()));
 }
 
-Images images_of(const SparsePermutation& moves, std::size_t point_count) {
-  Images images = identity_images<Images>(point_count);
-  for (const auto& [point, image] : moves) {
-    images[static_cast<std::size_t>(point)] = static_cast<std::uint32_t>(image);
-  }
-  return images;
-}
-
-StabiliserLevel make_level(std::uint32_t base, const std::vector<const Images*>& stabiliser,
-                           OrbitTree& tree) {
-  const std::size_t count = stabiliser.front()->size();
-  build_tree(base, stabiliser, tree);
-  StabiliserLevel level{base, {}, {}};
-  std::vector<std::size_t> place_of(count);
-  for (const int point : tree.points()) {
-    const auto position = static_cast<std::size_t>(point);
-    if (level.orbit.empty()) {
-      level.transversal.push_back(identity_images<Images>(count));
-    } else {
-      const Images& generator = *stabiliser[static_cast<std::size_t>(tree.generator(point))];
-      const std::size_t parent = place_of[static_cast<std::size_t>(tree.parent(point))];
-      level.transversal.push_back(composed(level.transversal[parent], inverse(generator)));
-    }
-    place_of[position] = level.orbit.size();
-    level.orbit.push_back(static_cast<std::uint32_t>(position));
-  }
-  return level;
-}
-
-// Returns the levels of the group that these generate; none if they would need more images.
-std::vector<StabiliserLevel> levels_of(std::size_t point_count, const std::vector<const Images*>& generators,
-                                       std::size_t max_images) {
-  std::vector<SparsePermutation> permutations;
-  permutations.reserve(generators.size());
-  for (const Images* images : generators) permutations.push_back(moves_of(*images));
-  const StabiliserChain chain =
-      build_stabiliser_chain(static_cast<int>(point_count), std::move(permutations), {});
-  std::size_t elements = 0;
-  for (const int length : chain.orbit_lengths) elements += static_cast<std::size_t>(length);
-  if (elements * point_count > max_images) return {};
-  std::vector<Images> strong;
-  for (const SparsePermutation& moves : chain.generators) strong.push_back(images_of(moves, point_count));
-  OrbitTree tree(static_cast<int>(point_count));
-  std::vector<StabiliserLevel> levels;
-  for (const int point : chain.base) {
-    std::vector<const Images*> stabiliser;
-    for (const Images& images : strong) {
-      if (fixes_below(images, static_cast<std::size_t>(point))) stabiliser.push_back(&images);
-    }
-    levels.push_back(make_level(static_cast<std::uint32_t>(point), stabiliser, tree));
-  }
-  return levels;
-}
-
-// Returns the number of entries in the transversal of the first base point alone.
-std::size_t least_images(std::size_t point_count, const std::vector<const Images*>& generators) {
-  UnionFind orbits(static_cast<int>(point_count));
-  for (const Images* images : generators) unite_with_images(*images, orbits);
-  for (int x = 0; x < static_cast<int>(point_count); ++x) {
-    if (orbits.size_of_class(x) > 1) return static_cast<std::size_t>(orbits.size_of_class(x)) * point_count;
-  }
-  return 0;
-}
-
-bool contains(const std::vector<StabiliserLevel>& levels, Images g) {
-  for (const StabiliserLevel& level : levels) {
-    const auto place = std::find(level.orbit.begin(), level.orbit.end(), g[level.base]);
-    if (place == level.orbit.end()) return false;
-    if (place == level.orbit.begin()) continue;
-    const Images& back = level.transversal[static_cast<std::size_t>(place - level.orbit.begin())];
-    for (std::uint32_t& image : g) image = back[image];
-  }
-  return is_identity(g);
-}
-
-}  // namespace
-
-// Begins with a sample of the generators and adds those that its group leaves out, because tables hold a
-// generator for each point of an orbit, of which few are needed.
-std::vector<StabiliserLevel> make_stabiliser_levels(std::size_t point_count,
-                                                    const std::vector<Images>& generators,
-                                                    std::size_t max_images) {
-  std::vector<const Images*> used = sample_of(generators);
-  if (least_images(point_count, used) > max_images) return {};
-  for (;;) {
-    std::vector<StabiliserLevel> levels = levels_of(point_count, used, max_images);
-    if (levels.empty()) return levels;
-    const std::size_t max_used = 2 * used.size();
-    const std::size_t before = used.size();
-    for (const Images& generator : generators) {
-      if (used.size() < max_used && !contains(levels, generator)) used.push_back(&generator);
-    }
-    if (used.size() == before) return levels;
+// Generators of the stabiliser that leave the image as it is are symmetries of it.
+void ChainSearch::unite_known(UnionFind& orbits) const {
+  for (const std::uint32_t g : plan_->stabilisers[level_].generators) {
+    const SparsePermutation& moves = plan_->trees.generators()[g];
+    const auto source = [&](int c) { return source_[static_cast<std::size_t>(c)]; };
+    const bool is_symmetry = std::ranges::all_of(
+        moves, [&](const PointMove& move) { return value(source(move.point)) == value(source(move.image)); });
+    if (!is_symmetry) continue;
+    for (const PointMove& move : moves)
+      orbits.unite(static_cast<int>(source(move.point)), static_cast<int>(source(move.image)));
   }
 }
 
-ChainSearch::ChainSearch(std::size_t position_count, std::vector<StabiliserLevel> levels,
-                         std::size_t max_candidates)
-    : position_count_(position_count),
-      levels_(std::make_shared<const std::vector<StabiliserLevel>>(std::move(levels))),
-      max_candidates_(max_candidates) {}
-
-bool ChainSearch::maximise(Placed* values) {
-  bool is_exact = true;
-  candidates_.assign(values, values + position_count_);
-  candidate_count_ = 1;
-  std::size_t settled = 0;
-  for (const StabiliserLevel& level : *levels_) {
-    keep_largest(settled, level.base);
-    if (!descend(level)) is_exact = false;
-    settled = level.base + 1;
-    merge_equal(settled);
-  }
-  keep_largest(settled, position_count_);
-  std::copy_n(candidate(0), position_count_, values);
-  return is_exact;
+void ChainSearch::save(std::size_t depth) {
+  if (saved_.size() == depth) saved_.emplace_back();
+  saved_[depth].source = source_;
+  saved_[depth].level = level_;
 }
 
-// Keeps the candidates with the largest values at these positions.
-void ChainSearch::keep_largest(std::size_t begin, std::size_t end) {
-  std::size_t kept = 1;
-  for (std::size_t i = 1; i < candidate_count_; ++i) {
-    const Placed* const own = candidate(i);
-    const Placed* const best = candidate(0);
-    if (std::lexicographical_compare(own + begin, own + end, best + begin, best + end, less_values)) continue;
-    if (!std::equal(own + begin, own + end, best + begin, equal_values)) kept = 0;
-    if (kept != i) std::copy_n(own, position_count_, candidate(kept));
-    ++kept;
-  }
-  candidate_count_ = kept;
-}
-
-// Replaces the candidates by those of their images that have the largest value at the base point. Returns
-// false if there are too many.
-bool ChainSearch::descend(const StabiliserLevel& level) {
-  std::uint64_t best = 0;
-  for (std::size_t i = 0; i < candidate_count_; ++i) {
-    for (const std::uint32_t point : level.orbit) best = std::max(best, candidate(i)[point].value);
-  }
-  std::size_t made = 0;
-  bool is_complete = true;
-  next_.clear();
-  for (std::size_t i = 0; i < candidate_count_; ++i) {
-    for (std::size_t j = 0; j < level.orbit.size(); ++j) {
-      if (candidate(i)[level.orbit[j]].value != best) continue;
-      if (made == max_candidates_) {
-        is_complete = false;
-        continue;
-      }
-      next_.resize((made + 1) * position_count_);
-      Placed* const image = next_.data() + made++ * position_count_;
-      for (std::size_t c = 0; c < position_count_; ++c) image[level.transversal[j][c]] = candidate(i)[c];
-    }
-  }
-  std::swap(candidates_, next_);
-  candidate_count_ = made;
-  return is_complete;
-}
-
-// Keeps the first of equal images. Their settled positions are equal already.
-void ChainSearch::merge_equal(std::size_t settled) {
-  if (candidate_count_ == 1) return;
-  order_.resize(candidate_count_);
-  std::iota(order_.begin(), order_.end(), 0U);
-  const auto is_less = [&](std::uint32_t a, std::uint32_t b) {
-    return std::lexicographical_compare(candidate(a) + settled, candidate(a) + position_count_,
-                                        candidate(b) + settled, candidate(b) + position_count_, less_values);
-  };
-  std::sort(order_.begin(), order_.end(), is_less);
-  const auto end = std::unique(order_.begin(), order_.end(),
-                               [&](std::uint32_t a, std::uint32_t b) { return !is_less(a, b); });
-  std::sort(order_.begin(), end);
-  candidate_count_ = 0;
-  for (auto kept = order_.begin(); kept != end; ++kept, ++candidate_count_) {
-    if (*kept != candidate_count_)
-      std::copy_n(candidate(*kept), position_count_, candidate(candidate_count_));
-  }
+void ChainSearch::restore(std::size_t depth) {
+  source_ = saved_[depth].source;
+  level_ = saved_[depth].level;
 }
 
 }  // namespace symfold::detail

@@ -1,58 +1,92 @@
-// Any group, level by level down its stabiliser chain.
+// Any group, down its stabiliser chain.
 //
-// The base points ascend, and up to a base point every position is settled by the choices before it. At each
-// level the candidates are images of the values. Every element of the level's transversal brings another
-// value to the base point. The images with the largest one there go on, and of equal images one (S. Linton,
-// Finding the smallest image of a set, ISSAC 2004; C. Jefferson, E. Jonauskyte, M. Pfeiffer, R. Waldecker,
-// Minimal and canonical images, J. Algebra 521, 2019).
+// The candidate is an image of the values. Below each level of the chain, one more base point has got the
+// value that it keeps: the elements of the next stabiliser move the others. The points of the search are the
+// positions; in a round, each gets a key from the colours of the positions to which the group's sparse
+// relations lead (orbitals.h). At a level, the points that can come to the base point are its orbit. If a
+// cell has one of them only, the coset representative that brings it there is applied, and no choice is made.
+// If not, positions are told apart by their orbits under the stabiliser as well; and if still no cell has one
+// of them only, those of the smallest cell are tried in turn. As soon as the values are the same on each
+// orbit of the stabiliser, the image is final. So if all values are equal, the root is a leaf.
 //
-// Cost: at each level the candidates times the orbit, and a copy of the values for each image that ties. The
-// number of candidates is bounded, because groups of many levels can make it exponential.
+// Symmetries of a state are found at leaves, and before that among the generators of the stabiliser.
+//
+// Tried and dropped: to choose the base point by the state, so that it is the one with the smallest cell.
+// It needs a tree of stabilisers instead of one chain.
+//
+// Cost: rounds linear in the arcs, down the chain its orbits and what its generators move.
 
 #ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_CHAIN_SEARCH_H
 #define SYMFOLD_ENGINES_LARGEST_IMAGE_CHAIN_SEARCH_H
 
 #include <memory>
-#include <utility>
 #include <vector>
 
-#include "engines/largest_image/image_search.h"
+#include "engines/group/permutation_group.h"
+#include "engines/largest_image/orbitals.h"
+#include "engines/largest_image/refining_search.h"
+#include "engines/largest_image/stabiliser_trees.h"
 
 namespace symfold::detail {
 
-// A base point, its orbit under the elements that fix all points below it, and such an element for each point
-// of the orbit, which carries this point to the base point.
-struct StabiliserLevel {
-  std::uint32_t base;
-  std::vector<std::uint32_t> orbit;
-  std::vector<Images> transversal;
-};
-
-// Returns the levels of the stabiliser chain of the group that these permutations generate, base points
-// ascending. They are proved complete. Empty if the transversals would have more than `max_images` entries.
-std::vector<StabiliserLevel> make_stabiliser_levels(std::size_t point_count,
-                                                    const std::vector<Images>& generators,
-                                                    std::size_t max_images);
-
-class ChainSearch : public ImageSearch {
+class ChainSearch : public RefiningSearch {
  public:
-  ChainSearch(std::size_t position_count, std::vector<StabiliserLevel> levels, std::size_t max_candidates);
+  // Throws std::length_error if the orbits of all stabilisers would have more than `max_entries` entries.
+  ChainSearch(const PermutationGroup& group, const std::vector<bool>& has_value, std::size_t max_nodes,
+              std::size_t max_entries);
   std::unique_ptr<ImageSearch> clone() const override { return std::make_unique<ChainSearch>(*this); }
-  bool maximise(Placed* values) override;
 
  private:
-  Placed* candidate(std::size_t i) { return candidates_.data() + i * position_count_; }
-  bool descend(const StabiliserLevel& level);
-  void keep_largest(std::size_t begin, std::size_t end);
-  void merge_equal(std::size_t settled);
+  struct Stabiliser {
+    std::vector<std::uint64_t> orbit_of;  // by position
+    Points moved;                         // the positions with values that it moves
+    Points smallest;                      // of the orbit of each of them
+    Points generators;
+  };
+  struct Plan {
+    StabiliserTrees trees;
+    std::vector<Relation> relations;
+    std::vector<Stabiliser> stabilisers;  // by level
+  };
+  struct Saved {
+    Points source;
+    std::size_t level;
+  };
 
-  std::size_t position_count_;
-  std::shared_ptr<const std::vector<StabiliserLevel>> levels_;
-  std::size_t max_candidates_;
-  std::size_t candidate_count_ = 0;
-  std::vector<Placed> candidates_;  // image after image
-  std::vector<Placed> next_;
-  std::vector<std::uint32_t> order_;
+  static std::shared_ptr<const Plan> make_plan(const PermutationGroup& group,
+                                               const std::vector<bool>& has_value, std::size_t max_entries);
+  static Stabiliser make_stabiliser(const StabiliserTrees& trees, std::size_t level,
+                                    const std::vector<bool>& has_value);
+  static PointCells cells_of(const Plan& plan);
+
+  ChainSearch(std::shared_ptr<const Plan> plan, const std::vector<bool>& has_value, std::size_t max_nodes);
+
+  void start() override;
+  void add_keys(std::vector<std::uint64_t>& keys) override;
+  std::uint32_t settle() override;
+  void single_out(std::uint32_t point) override;
+  void unite_known(UnionFind& orbits) const override;
+  std::uint32_t name_of(std::uint32_t point) const override { return point; }
+  void save(std::size_t depth) override;
+  void restore(std::size_t depth) override;
+  void make_source(Points& source) override { source = source_; }
+  const Points& leaf_order() const override { return source_; }
+
+  template <std::size_t kArity>
+  void add_keys_of(const Relation& relation, std::uint64_t number, std::vector<std::uint64_t>& keys) const;
+  void descend(std::uint32_t place);
+  std::uint32_t smallest_cell();
+  bool is_final() const;
+
+  std::shared_ptr<const Plan> plan_;
+  Points source_;  // the image has at c the value from position source_[c]
+  std::size_t level_ = 0;
+  bool knows_orbits_ = true;  // cells are no coarser than the stabiliser's orbits
+  std::vector<std::uint64_t> colours_;
+  std::vector<std::uint64_t> orbit_keys_;
+  Points counts_;  // by cell; 0 between calls
+  Points scratch_;
+  std::vector<Saved> saved_;
 };
 
 }  // namespace symfold::detail

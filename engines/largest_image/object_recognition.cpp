@@ -1,190 +1,177 @@
 #include "engines/largest_image/object_recognition.h"
 
 #include <algorithm>
-#include <random>
+#include <map>
+#include <numeric>
+#include <utility>
 
 #include "engines/base/images.h"
+#include "engines/base/union_find.h"
+#include "engines/largest_image/stabiliser_trees.h"
 
 namespace symfold::detail {
 namespace {
 
-constexpr std::size_t kStabiliserElements = 24;
-constexpr std::size_t kWalkSteps = 16;
-constexpr std::uint32_t kNone = ObjectPositions::kNone;
+using Points = std::vector<std::uint32_t>;
+using Seat = ObjectPositions::Seat;
 
-using Positions = std::vector<std::uint32_t>;
-
+// Objects are named by the positions that they are until all of them are known.
 class ObjectRecognition {
  public:
-  explicit ObjectRecognition(const Subgroup& group);
+  explicit ObjectRecognition(const PermutationGroup& group)
+      : group_(group), trees_(group), tree_(group.degree()), seats_(trees_.degree()) {
+    for (const SparsePermutation& moves : trees_.generators()) {
+      Images& images = dense_.emplace_back(identity_images<Images>(trees_.degree()));
+      for (const auto& [point, image] : moves)
+        images[static_cast<std::size_t>(point)] = static_cast<std::uint32_t>(image);
+    }
+  }
 
-  std::optional<ObjectPositions> run(std::size_t max_entries);
+  std::optional<ObjectPositions> run(std::size_t max_seats);
 
  private:
-  std::vector<Images> stabiliser_elements();
-  Positions objects_apart(const std::vector<Images>& stabiliser, bool& is_unordered) const;
-  bool add_orbit(const Positions& orbit);
-  void add_kind(const Positions& objects, bool is_unordered);
+  std::vector<Points> orbits() const;
+  std::vector<Points> roles_of(std::uint32_t position) const;
+  void add_orbit(const Points& orbit);
   ObjectPositions numbered() const;
   bool is_proved(const ObjectPositions& objects) const;
+  bool has_exchange(const ObjectPositions& objects, std::uint32_t object) const;
 
-  const Subgroup& group_;
-  std::vector<const Images*> sample_;
-  std::vector<Images> inverses_;  // of the sample
-  OrbitTree tree_;                // of the latest orbit's first point, by the sample
-  std::mt19937 random_{1};
-  std::vector<Positions> classes_;  // of objects, named by the positions that are the objects
-  std::vector<ObjectPair> pairs_;   // by position, of objects named so
-  std::vector<bool> is_unordered_;  // by kind
+  const PermutationGroup& group_;
+  StabiliserTrees trees_;
+  OrbitTree tree_;
+  std::vector<Images> dense_;    // the generators
+  std::vector<Points> classes_;  // of objects
+  Points class_of_role_;
+  std::vector<std::vector<Seat>> seats_;  // by position
 };
 
-ObjectRecognition::ObjectRecognition(const Subgroup& group)
-    : group_(group),
-      sample_(sample_of(group.generators())),
-      tree_(static_cast<int>(group.size())),
-      pairs_(group.size()) {
-  for (const Images* generator : sample_) inverses_.push_back(inverse(*generator));
+// Returns the orbits, the shortest first.
+std::vector<Points> ObjectRecognition::orbits() const {
+  UnionFind moved_together(group_.degree());
+  for (const SparsePermutation& moves : trees_.generators()) {
+    for (const auto& [point, image] : moves) moved_together.unite(point, image);
+  }
+  std::vector<Points> orbits = moved_together.lists<std::uint32_t>();
+  std::ranges::stable_sort(orbits, {}, &Points::size);
+  return orbits;
 }
 
-std::optional<ObjectPositions> ObjectRecognition::run(std::size_t max_entries) {
-  for (const Positions& orbit : group_.orbits()) {
-    if (!add_orbit(orbit)) return std::nullopt;
+std::optional<ObjectPositions> ObjectRecognition::run(std::size_t max_seats) {
+  std::size_t seat_count = 0;
+  for (const Points& orbit : orbits()) {
+    if (orbit.size() == 1) return std::nullopt;
+    add_orbit(orbit);
+    seat_count += orbit.size() * seats_[orbit[0]].size();
+    if (seat_count > max_seats) return std::nullopt;
   }
-  std::size_t objects_of_all = 0;
-  for (const Positions& objects : classes_) objects_of_all += objects.size();
-  if (is_unordered_.size() * objects_of_all * objects_of_all > max_entries) return std::nullopt;
   ObjectPositions objects = numbered();
-  if (!is_proved(objects)) return std::nullopt;
+  if (!objects.are_distinct() || !is_proved(objects)) return std::nullopt;
   return objects;
 }
 
-// Returns random elements, brought back along the tree so that they fix its root.
-std::vector<Images> ObjectRecognition::stabiliser_elements() {
-  std::vector<Images> elements;
-  const auto root = static_cast<std::size_t>(tree_.points()[0]);
-  Images walk = identity_images<Images>(group_.size());
-  for (std::size_t i = 0; i < kStabiliserElements; ++i) {
-    for (std::size_t step = 0; step < kWalkSteps; ++step) {
-      walk = composed(*sample_[random_() % sample_.size()], walk);
-    }
-    Images element = walk;
-    tree_.walk_to_root(static_cast<int>(element[root]), [&](int generator) {
-      element = composed(inverses_[static_cast<std::size_t>(generator)], element);
-    });
-    elements.push_back(std::move(element));
-  }
-  return elements;
-}
-
-// Returns the objects outside the largest orbit of each class under the stabiliser. A class without an orbit
-// of more than half its objects adds none.
-Positions ObjectRecognition::objects_apart(const std::vector<Images>& stabiliser, bool& is_unordered) const {
-  Positions apart;
-  UnionFind orbits(static_cast<int>(group_.size()));
-  for (const Images& element : stabiliser) unite_with_images(element, orbits);
-  const auto orbit_of = [&](std::uint32_t object) {
-    return static_cast<std::size_t>(orbits.find(static_cast<int>(object)));
-  };
-  for (const Positions& objects : classes_) {
-    std::vector<std::size_t> size(group_.size());
-    for (const std::uint32_t object : objects) ++size[orbit_of(object)];
-    const auto largest = static_cast<std::size_t>(std::max_element(size.begin(), size.end()) - size.begin());
-    if (2 * size[largest] <= objects.size()) continue;
-    for (const std::uint32_t object : objects) {
-      if (orbit_of(object) != largest) apart.push_back(object);
+// Returns the objects of each role that the position has. A role never has objects of two classes.
+std::vector<Points> ObjectRecognition::roles_of(std::uint32_t position) const {
+  const Points orbit_of = guess_stabiliser_orbits(trees_, position);
+  std::vector<Points> roles;
+  for (const Points& objects : classes_) {
+    std::map<std::uint32_t, Points> parts;
+    for (const std::uint32_t object : objects) parts[orbit_of[object]].push_back(object);
+    const auto longest = std::ranges::max_element(
+        parts, {}, [](const auto& part) { return std::pair(part.second.size(), part.first); });
+    for (auto part = parts.begin(); part != parts.end(); ++part) {
+      if (part != longest) roles.push_back(std::move(part->second));
     }
   }
-  is_unordered = apart.size() == 2 && orbit_of(apart[0]) == orbit_of(apart[1]);
-  return apart;
+  return roles;
 }
 
-// Takes the orbit's positions for those of objects known already, or for objects of their own. Returns false
-// if neither fits.
-bool ObjectRecognition::add_orbit(const Positions& orbit) {
-  build_tree(orbit[0], sample_, tree_);
-  bool is_unordered = false;
-  const Positions objects = objects_apart(stabiliser_elements(), is_unordered);
-  if (objects.size() > 2) return false;
-  if (objects.empty()) {
+// The tree's root has the roles that its stabiliser shows, and each other point what the tree makes of them.
+// If it has none, the orbit is a class of objects.
+void ObjectRecognition::add_orbit(const Points& orbit) {
+  std::vector<Points> roles = roles_of(orbit[0]);
+  if (roles.empty()) {
     classes_.push_back(orbit);
-    add_kind({orbit[0]}, false);
-  } else {
-    add_kind(objects, is_unordered);
+    roles.push_back({orbit[0]});
   }
-  return true;
-}
-
-// The tree's root belongs to these objects, and each other point to what the tree makes of them.
-void ObjectRecognition::add_kind(const Positions& objects, bool is_unordered) {
-  const auto kind = static_cast<std::uint32_t>(is_unordered_.size());
-  is_unordered_.push_back(is_unordered);
+  std::vector<Seat>& own = seats_[orbit[0]];
+  for (const Points& objects : roles) {
+    const auto role = static_cast<std::uint32_t>(class_of_role_.size());
+    for (const std::uint32_t object : objects) own.push_back({role, object});
+    const auto is_class = [&](const Points& known) { return std::ranges::binary_search(known, objects[0]); };
+    class_of_role_.push_back(
+        static_cast<std::uint32_t>(std::ranges::find_if(classes_, is_class) - classes_.begin()));
+  }
+  trees_.grow_tree(orbit[0], tree_);
   for (const int point : tree_.points()) {
-    ObjectPair& pair = pairs_[static_cast<std::size_t>(point)];
-    if (tree_.depth(point) == 0) {
-      pair = {kind, objects.front(), objects.back()};
-      continue;
-    }
-    const ObjectPair& parent = pairs_[static_cast<std::size_t>(tree_.parent(point))];
-    const Images& generator = *sample_[static_cast<std::size_t>(tree_.generator(point))];
-    pair = {kind, generator[parent.first], generator[parent.second]};
+    if (tree_.depth(point) == 0) continue;
+    const Images& generator = dense_[static_cast<std::size_t>(tree_.generator(point))];
+    std::vector<Seat>& seats = seats_[static_cast<std::size_t>(point)];
+    seats = seats_[static_cast<std::size_t>(tree_.parent(point))];
+    for (Seat& seat : seats) seat.object = generator[seat.object];
   }
 }
 
-// Objects get their numbers class after class, within a class in the order in which the positions name them.
-// Unordered pairs name the smaller one first.
+// Objects get their numbers class after class, ascending.
 ObjectPositions ObjectRecognition::numbered() const {
-  Positions class_of(group_.size(), kNone);
-  Positions class_begins{0};
-  for (std::uint32_t c = 0; c < classes_.size(); ++c) {
-    for (const std::uint32_t object : classes_[c]) class_of[object] = c;
-    class_begins.push_back(class_begins.back() + static_cast<std::uint32_t>(classes_[c].size()));
+  Points class_begins{0};
+  Points number(trees_.degree());
+  for (const Points& objects : classes_) {
+    for (std::uint32_t i = 0; i < objects.size(); ++i) number[objects[i]] = class_begins.back() + i;
+    class_begins.push_back(class_begins.back() + static_cast<std::uint32_t>(objects.size()));
   }
-  Positions next = class_begins;
-  Positions number(group_.size(), kNone);
-  for (const ObjectPair& pair : pairs_) {
-    for (const std::uint32_t object : {pair.first, pair.second}) {
-      if (number[object] == kNone) number[object] = next[class_of[object]]++;
-    }
+  std::vector<std::vector<Seat>> seats = seats_;
+  for (std::vector<Seat>& own : seats) {
+    for (Seat& seat : own) seat.object = number[seat.object];
   }
-  std::vector<ObjectPair> pairs;
-  for (const ObjectPair& pair : pairs_) {
-    pairs.push_back({pair.kind, number[pair.first], number[pair.second]});
-    if (is_unordered_[pair.kind] && pairs.back().first > pairs.back().second) {
-      std::swap(pairs.back().first, pairs.back().second);
-    }
-  }
-  return {std::move(class_begins), std::move(pairs), is_unordered_};
+  return {std::move(class_begins), class_of_role_, seats};
 }
 
 bool ObjectRecognition::is_proved(const ObjectPositions& objects) const {
-  Positions own_position(objects.object_count(), kNone);
-  for (std::uint32_t p = 0; p < objects.pairs().size(); ++p) {
-    const ObjectPair& pair = objects.pairs()[p];
-    if (pair.is_single() && own_position[pair.first] == kNone) own_position[pair.first] = p;
-  }
-  Positions images(objects.object_count());
-  for (const Images& generator : group_.generators()) {
-    for (std::size_t object = 0; object < images.size(); ++object) {
-      images[object] = objects.pairs()[generator[own_position[object]]].first;
+  Points number(trees_.degree());
+  Points names;
+  for (const Points& members : classes_) {
+    for (const std::uint32_t object : members) {
+      number[object] = static_cast<std::uint32_t>(names.size());
+      names.push_back(object);
     }
+  }
+  Points images(names.size());
+  for (const Images& generator : dense_) {
+    for (std::size_t object = 0; object < names.size(); ++object)
+      images[object] = number[generator[names[object]]];
     if (objects.images_of(images) != generator) return false;
   }
-  images = identity_images<Positions>(images.size());
   for (std::size_t c = 0; c + 1 < objects.class_begins().size(); ++c) {
     for (std::uint32_t object = objects.class_begins()[c] + 1; object < objects.class_begins()[c + 1];
          ++object) {
-      std::swap(images[object - 1], images[object]);
-      const Images swap = objects.images_of(images);
-      if (swap.empty() || !group_.contains(swap)) return false;
-      std::swap(images[object - 1], images[object]);
+      if (!has_exchange(objects, object)) return false;
     }
   }
   return true;
+}
+
+// True if the exchange of the object and the one before is in the group.
+bool ObjectRecognition::has_exchange(const ObjectPositions& objects, std::uint32_t object) const {
+  Points exchanged(objects.object_count());
+  std::iota(exchanged.begin(), exchanged.end(), 0U);
+  std::swap(exchanged[object - 1], exchanged[object]);
+  const Points images = objects.images_of(exchanged);
+  if (images.empty()) return false;
+  SparsePermutation moves;
+  for (std::size_t p = 0; p < images.size(); ++p) {
+    if (images[p] != p) moves.push_back({static_cast<int>(p), static_cast<int>(images[p])});
+  }
+  return group_.contains(moves);
 }
 
 }  // namespace
 
-std::optional<ObjectPositions> recognise_objects(const Subgroup& group, std::size_t max_entries) {
+std::optional<ObjectPositions> recognise_objects(const PermutationGroup& group, std::size_t max_entries) {
+  const std::size_t tree_entries =
+      std::accumulate(group.orbit_lengths().begin(), group.orbit_lengths().end(), std::size_t{0});
+  const auto degree = static_cast<std::size_t>(group.degree());
+  if (tree_entries > max_entries || group.generators().size() * degree > max_entries) return std::nullopt;
   return ObjectRecognition(group).run(max_entries);
 }
 

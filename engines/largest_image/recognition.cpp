@@ -16,7 +16,6 @@
 #include "engines/largest_image/object_search.h"
 #include "engines/largest_image/product_search.h"
 #include "engines/largest_image/ring_search.h"
-#include "engines/largest_image/subgroup.h"
 
 namespace symfold::detail {
 namespace {
@@ -97,25 +96,13 @@ std::unique_ptr<ImageSearch> FactorRecognition::list(std::size_t max_elements) c
   return std::make_unique<ListSearch>(list_elements(group_), has_value_);
 }
 
+// A list of more elements is read as a whole when values tie, which takes longer than refinement.
 std::unique_ptr<ImageSearch> FactorRecognition::objects_or_chain() const {
-  const bool is_dense =
-      group_.generators().size() <= bounds_.max_images / static_cast<std::size_t>(group_.degree());
-  if (is_dense) {
-    const Subgroup dense(group_, has_value_);
-    if (const auto objects = recognise_objects(dense, bounds_.max_images)) {
-      return std::make_unique<ObjectSearch>(*objects, dense.positions_with_values(), bounds_.max_candidates);
-    }
+  if (auto objects = recognise_objects(group_, bounds_.max_images)) {
+    return std::make_unique<ObjectSearch>(std::move(*objects), has_value_, bounds_.max_candidates);
   }
-  if (auto search = list(max_elements_)) return search;
-  if (is_dense) {
-    const Subgroup dense(group_, has_value_);
-    std::vector<StabiliserLevel> levels =
-        make_stabiliser_levels(dense.size(), dense.generators(), bounds_.max_images);
-    if (!levels.empty()) {
-      return std::make_unique<ChainSearch>(dense.size(), std::move(levels), bounds_.max_candidates);
-    }
-  }
-  throw std::length_error("the symmetry group is too large for exact labels");
+  if (auto search = list(2 * static_cast<std::size_t>(longest_orbit()))) return search;
+  return std::make_unique<ChainSearch>(group_, has_value_, bounds_.max_candidates, bounds_.max_images);
 }
 
 }  // namespace

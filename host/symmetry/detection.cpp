@@ -108,10 +108,10 @@ void Detection::make_tables() {
 // Two generators with equal moves of cells differ in what moves no state. Restricted to the real nodes, the
 // generators that fix all points below a base point generate the restricted stabiliser, because these points
 // are real nodes themselves: so they stay strong. A product of sound generators is sound.
-detail::PermutationList Detection::cell_generators() const {
+PermutationList Detection::cell_generators() const {
   const auto cell_count = static_cast<int>(detector_.GNOrder.size());
-  detail::PermutationList generators;
-  detail::SparsePermutation moves;
+  PermutationList generators;
+  SparsePermutation moves;
   for (const Permutation& generator : detector_.SGS) {
     moves.clear();
     generator.VisitMoves([&](int node, int image) {

@@ -48,7 +48,7 @@ class Detection {
 
   // The moves of the cells by the detector's strong generators, those that move no cell left out. They are
   // strong, too, in the base order of the cells. Meaningful if is_sound().
-  detail::PermutationList cell_generators() const;
+  PermutationList cell_generators() const;
 
   // True if the tables can be trusted for folding. If not, the reason says why.
   bool is_sound() const { return unsound_reason_.empty(); }

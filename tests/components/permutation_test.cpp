@@ -65,7 +65,7 @@ TEST(Permutation, BehavesLikeAVectorOfImages) {
     std::iota(images.begin(), images.end(), 0);
     for (std::size_t k = n == 0 ? 0 : below(n); k > 0; --k) std::swap(images[below(n)], images[below(n)]);
     if (n > 0 && seed % 4 == 0) images[below(n)] = static_cast<int>(below(n + 2)) - 1;
-    detail::SparsePermutation moves;
+    SparsePermutation moves;
     for (int i = 0; i < static_cast<int>(n); ++i) {
       if (images[static_cast<std::size_t>(i)] != i) moves.push_back({i, images[static_cast<std::size_t>(i)]});
     }

@@ -186,8 +186,8 @@ class Corrupter {
     return is_wrong;
   }
 
-  // A generator carries the largest image to a smaller one, which its inverse makes larger. A greedy label is
-  // at least not less than the state.
+  // A generator carries an image to another one, which a greedy label may be unless it is less than the
+  // state.
   bool take_smaller_image(Line& line) {
     if (pieces_.generators.empty()) return false;
     const std::vector<int>& generator = pieces_.generators[below(pieces_.generators.size())];
@@ -199,7 +199,7 @@ class Corrupter {
                     before.substr(2 * offsets_[c], 2 * pieces_.sizes[c]));
     }
     for (int& place : line.witness) place = generator[static_cast<std::size_t>(place)];
-    return pieces_.is_exact ? image != before : image < line.words[Line::kTarget];
+    return !pieces_.is_exact && image < line.words[Line::kTarget];
   }
 
   // A word too few or too many, two blanks, another keyword, a digit that is none.
