@@ -8,6 +8,7 @@
 #include "detector/exact_labeller.h"
 #include "detector/greedy_labeller.h"
 #include "detector/permfile/perm_table.h"
+#include "engines/group/permutation_group.h"
 #include "host/symmetry/detection.h"
 #include "host/symmetry/run_directory.h"
 
@@ -54,7 +55,10 @@ Folding::Folding(const ComposedModel& model, Symmetry symmetry, const FoldingFil
   require_countable_partitions(model);
   std::unique_ptr<RunDirectory> directory;
   if (!files.directory.empty()) directory = std::make_unique<RunDirectory>(files.directory);
-  detection_ = std::make_unique<const Detection>(model, directory.get(), files.keeps_log, refusals);
+  const bool needs_tables = symmetry == Symmetry::kFast || directory != nullptr;
+  detection_ =
+      std::make_unique<const Detection>(model, directory.get(), files.keeps_log, refusals,
+                                        needs_tables ? DetectionGoal::kTables : DetectionGoal::kGroup);
 }
 
 Folding::Folding(const std::string& perm_file, Symmetry symmetry)
@@ -104,13 +108,17 @@ const std::vector<DetectionPhase>& Folding::phases() const {
 const std::string& Folding::refusals() const { return detection_ ? detection_->refusals() : kNoText; }
 
 void Folding::make_group() const {
-  const LabellingTables tables =
-      detection_ ? LabellingTables(detection_->detector()) : LabellingTables(*table_);
   try {
     if (symmetry_ == Symmetry::kFast) {
-      group_->greedy.emplace(tables);
+      group_->greedy.emplace(detection_ ? LabellingTables(detection_->detector()) : LabellingTables(*table_));
+    } else if (detection_) {
+      using Extent = PermutationGroup::Extent;
+      const Extent extent = detection_->detector().HasWholeGroup ? Extent::whole : Extent::part;
+      const auto group = PermutationGroup::from_strong_generators(static_cast<int>(cell_sizes().size()),
+                                                                  detection_->cell_generators(), extent);
+      group_->exact.emplace(group, cell_sizes());
     } else {
-      group_->exact.emplace(tables);
+      group_->exact.emplace(LabellingTables(*table_));
     }
   } catch (const std::length_error& error) {
     throw GroupLimitError(std::string("error: ") + error.what());
