@@ -52,8 +52,7 @@ SparsePermutation product_of(const ValPerms& record, std::size_t point_count) {
   return moves;
 }
 
-// Detection's own tables hold, for each base point, an element for each point of its orbit. So their
-// permutations are strong. Other tables may hold anything.
+// Tables may hold anything, so the group is proved, whoever made them.
 PermutationGroup group_of(const LabellingTables& tables) {
   const int degree = static_cast<int>(tables.sizes.size());
   PermutationList permutations;

@@ -152,10 +152,13 @@ double proof_cost(int degree, const PermutationList& generators) {
 PermutationList generate_by_schreier_sims(const SupportFactor& factor) {
   constexpr std::size_t kExtraAtFirst = 8;
   constexpr double kMaxProof = 1e9;
+  constexpr int kSmallDegree = 64;  // is always proved
   const int degree = factor.degree();
   const PermutationList& all = factor.generators;
-  PermutationList likely = complete_at_random(degree, all);
-  if (proof_cost(degree, likely) > kMaxProof) return likely;
+  if (degree > kSmallDegree) {
+    PermutationList likely = complete_at_random(degree, all);
+    if (proof_cost(degree, likely) > kMaxProof) return likely;
+  }
   std::vector<SparsePermutation> used;
   UnionFind orbits(degree);
   const std::size_t stride = std::max<std::size_t>(all.size() / kExtraAtFirst, 1);

@@ -67,8 +67,8 @@ std::size_t ListSearch::find_first_candidates(const Placed* values) {
 }
 
 bool ListSearch::maximise(Placed* values) {
-  if (is_constant_on_orbits(values)) return true;
   std::size_t count = find_first_candidates(values);
+  if (count == table_->element_count && is_constant_on_orbits(values)) return true;
   for (std::size_t p = 1; p < table_->positions_with_values.size() && count > 1; ++p) {
     const std::uint32_t position = table_->positions_with_values[p];
     const std::uint32_t* const sources = &table_->sources[position * table_->element_count];
