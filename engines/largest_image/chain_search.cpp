@@ -17,8 +17,8 @@ ChainSearch::ChainSearch(std::shared_ptr<const Plan> plan, const std::vector<boo
                          std::size_t max_nodes)
     : RefiningSearch(cells_of(*plan), has_value, max_nodes),
       plan_(std::move(plan)),
-      colours_(plan_->trees.degree()),
-      orbit_keys_(colours_.size()),
+      colours_(plan_->orbitals.leaders.size()),
+      point_keys_(colours_.size()),
       counts_(colours_.size()) {}
 
 std::shared_ptr<const ChainSearch::Plan> ChainSearch::make_plan(const PermutationGroup& group,
@@ -27,11 +27,11 @@ std::shared_ptr<const ChainSearch::Plan> ChainSearch::make_plan(const Permutatio
   if (group.base().size() > max_entries / std::max(has_value.size(), std::size_t{1}))
     throw std::length_error("the symmetry group is too large for exact labels");
   StabiliserTrees trees(group);
-  std::vector<Relation> relations = sparse_orbitals(trees);
+  Orbitals orbitals = sparse_orbitals(trees);
   std::vector<Stabiliser> stabilisers;
   for (std::size_t level = 0; level < trees.levels().size(); ++level)
     stabilisers.push_back(make_stabiliser(trees, level, has_value));
-  return std::make_shared<const Plan>(Plan{std::move(trees), std::move(relations), std::move(stabilisers)});
+  return std::make_shared<const Plan>(Plan{std::move(trees), std::move(orbitals), std::move(stabilisers)});
 }
 
 ChainSearch::Stabiliser ChainSearch::make_stabiliser(const StabiliserTrees& trees, std::size_t level,
@@ -55,25 +55,30 @@ ChainSearch::Stabiliser ChainSearch::make_stabiliser(const StabiliserTrees& tree
 }
 
 PointCells ChainSearch::cells_of(const Plan& plan) {
-  PointCells cells({0, static_cast<std::uint32_t>(plan.trees.degree())});
-  cells.split(plan.stabilisers[0].orbit_of);
+  PointCells cells({0, static_cast<std::uint32_t>(plan.orbitals.leaders.size())});
+  std::vector<std::uint64_t> keys;
+  for (const std::uint32_t leader : plan.orbitals.leaders)
+    keys.push_back(plan.stabilisers[0].orbit_of[leader]);
+  cells.split(keys);
   return cells;
 }
 
 void ChainSearch::start() {
   level_ = 0;
   knows_orbits_ = true;
-  source_.resize(colours_.size());
+  source_.resize(plan_->trees.degree());
   std::iota(source_.begin(), source_.end(), 0U);
-  std::fill(orbit_keys_.begin(), orbit_keys_.end(), 0);
-  for (const std::uint32_t position : positions_with_values()) orbit_keys_[position] = value(position);
-  cells_.split(orbit_keys_);
+  std::fill(point_keys_.begin(), point_keys_.end(), 0);
+  const std::vector<std::uint64_t>& orbit_of = plan_->stabilisers[0].orbit_of;
+  for (const std::uint32_t position : positions_with_values())
+    point_keys_[point_at(position)] += mix(mix(value(position)) + orbit_of[position]);
+  cells_.split(point_keys_);
 }
 
 void ChainSearch::add_keys(std::vector<std::uint64_t>& keys) {
   for (std::uint32_t x = 0; x < colours_.size(); ++x) colours_[x] = mix(cells_.cell_of(x));
   std::uint64_t number = 0;
-  for (const Relation& relation : plan_->relations) {
+  for (const Relation& relation : plan_->orbitals.relations) {
     if (relation.arity == 1) {
       add_keys_of<1>(relation, number++, keys);
     } else if (relation.arity == 2) {
@@ -105,8 +110,8 @@ std::uint32_t ChainSearch::settle() {
       if (!knows_orbits_) {
         knows_orbits_ = true;
         const std::vector<std::uint64_t>& orbit_of = plan_->stabilisers[level_].orbit_of;
-        for (std::size_t c = 0; c < source_.size(); ++c) orbit_keys_[source_[c]] = orbit_of[c];
-        if (refine_by(orbit_keys_)) continue;
+        for (const std::uint32_t c : plan_->orbitals.leaders) point_keys_[point_at(c)] = orbit_of[c];
+        if (refine_by(point_keys_)) continue;
       }
       return is_final() ? kNone : cell;
     }
@@ -117,17 +122,17 @@ std::uint32_t ChainSearch::settle() {
 // has one only, brings it there and returns kNone.
 std::uint32_t ChainSearch::smallest_cell() {
   const Points& orbit = plan_->trees.levels()[level_].orbit;
-  for (const std::uint32_t c : orbit) ++counts_[cells_.cell_of(source_[c])];
+  for (const std::uint32_t c : orbit) ++counts_[cells_.cell_of(point_at(c))];
   std::pair<std::uint32_t, std::uint32_t> smallest{kNone, kNone};
   std::uint32_t place = 0;
   for (const std::uint32_t c : orbit) {
-    const std::uint32_t cell = cells_.cell_of(source_[c]);
+    const std::uint32_t cell = cells_.cell_of(point_at(c));
     const std::pair own{counts_[cell], cell};
     if (own >= smallest) continue;
     smallest = own;
     place = c;
   }
-  for (const std::uint32_t c : orbit) counts_[cells_.cell_of(source_[c])] = 0;
+  for (const std::uint32_t c : orbit) counts_[cells_.cell_of(point_at(c))] = 0;
   if (smallest.first > 1) return smallest.second;
   descend(place);
   return kNone;
@@ -150,7 +155,8 @@ bool ChainSearch::is_final() const {
 
 void ChainSearch::single_out(std::uint32_t point) {
   cells_.split_off(cells_.cell_of(point), [&](std::uint32_t other) { return other == point; });
-  descend(static_cast<std::uint32_t>(std::ranges::find(source_, point) - source_.begin()));
+  const Points& orbit = plan_->trees.levels()[level_].orbit;
+  descend(*std::ranges::find_if(orbit, [&](std::uint32_t c) { return point_at(c) == point; }));
 }
 
 // Generators of the stabiliser that leave the image as it is are symmetries of it.
@@ -161,9 +167,17 @@ void ChainSearch::unite_known(UnionFind& orbits) const {
     const bool is_symmetry = std::ranges::all_of(
         moves, [&](const PointMove& move) { return value(source(move.point)) == value(source(move.image)); });
     if (!is_symmetry) continue;
-    for (const PointMove& move : moves)
-      orbits.unite(static_cast<int>(source(move.point)), static_cast<int>(source(move.image)));
+    for (const PointMove& move : moves) {
+      orbits.unite(static_cast<int>(point_at(static_cast<std::size_t>(move.point))),
+                   static_cast<int>(point_at(static_cast<std::size_t>(move.image))));
+    }
   }
+}
+
+void ChainSearch::make_source(Points& source) {
+  source = source_;
+  order_.clear();
+  for (const std::uint32_t c : plan_->orbitals.leaders) order_.push_back(point_at(c));
 }
 
 void ChainSearch::save(std::size_t depth) {

@@ -2,12 +2,12 @@
 //
 // The candidate is an image of the values. Below each level of the chain, one more base point has got the
 // value that it keeps: the elements of the next stabiliser move the others. The points of the search are the
-// positions; in a round, each gets a key from the colours of the positions to which the group's sparse
-// relations lead (orbitals.h). At a level, the points that can come to the base point are its orbit. If a
-// cell has one of them only, the coset representative that brings it there is applied, and no choice is made.
-// If not, positions are told apart by their orbits under the stabiliser as well; and if still no cell has one
-// of them only, those of the smallest cell are tried in turn. As soon as the values are the same on each
-// orbit of the stabiliser, the image is final. So if all values are equal, the root is a leaf.
+// positions that no others lead (orbitals.h); in a round, each gets a key from the colours of those to which
+// the group's sparse relations lead. At a level, the points that can come to the base point are its orbit. If
+// a cell has one of them only, the coset representative that brings it there is applied, and no choice is
+// made. If not, positions are told apart by their orbits under the stabiliser as well; and if still no cell
+// has one of them only, those of the smallest cell are tried in turn. As soon as the values are the same on
+// each orbit of the stabiliser, the image is final. So if all values are equal, the root is a leaf.
 //
 // Symmetries of a state are found at leaves, and before that among the generators of the stabiliser.
 //
@@ -45,7 +45,7 @@ class ChainSearch : public RefiningSearch {
   };
   struct Plan {
     StabiliserTrees trees;
-    std::vector<Relation> relations;
+    Orbitals orbitals;
     std::vector<Stabiliser> stabilisers;  // by level
   };
   struct Saved {
@@ -69,8 +69,11 @@ class ChainSearch : public RefiningSearch {
   std::uint32_t name_of(std::uint32_t point) const override { return point; }
   void save(std::size_t depth) override;
   void restore(std::size_t depth) override;
-  void make_source(Points& source) override { source = source_; }
-  const Points& leaf_order() const override { return source_; }
+  void make_source(Points& source) override;
+  const Points& leaf_order() const override { return order_; }
+
+  // The point whose value, or that of a position it leads, is at this place of the image.
+  std::uint32_t point_at(std::size_t place) const { return plan_->orbitals.leader_of[source_[place]]; }
 
   template <std::size_t kArity>
   void add_keys_of(const Relation& relation, std::uint64_t number, std::vector<std::uint64_t>& keys) const;
@@ -83,8 +86,9 @@ class ChainSearch : public RefiningSearch {
   std::size_t level_ = 0;
   bool knows_orbits_ = true;  // cells are no coarser than the stabiliser's orbits
   std::vector<std::uint64_t> colours_;
-  std::vector<std::uint64_t> orbit_keys_;
+  std::vector<std::uint64_t> point_keys_;
   Points counts_;  // by cell; 0 between calls
+  Points order_;   // the points, as the image has them
   Points scratch_;
   std::vector<Saved> saved_;
 };

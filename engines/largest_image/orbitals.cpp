@@ -20,7 +20,10 @@ constexpr std::size_t kMaxFirstArcs = 128;
 class OrbitalFinder {
  public:
   explicit OrbitalFinder(const StabiliserTrees& trees)
-      : trees_(trees), tree_(static_cast<int>(trees.degree())) {
+      : trees_(trees),
+        tree_(static_cast<int>(trees.degree())),
+        orbit_length_(trees.degree()),
+        leader_(identity_images<Points>(trees.degree())) {
     for (const SparsePermutation& moves : trees.generators()) {
       Images& images = generators_.emplace_back(identity_images<Images>(trees.degree()));
       for (const auto& [point, image] : moves)
@@ -28,13 +31,23 @@ class OrbitalFinder {
     }
   }
 
-  std::vector<Relation> run() {
+  Orbitals run() {
     std::vector<bool> is_known(trees_.degree(), false);
+    Points roots;
     for (std::uint32_t x = 0; x < trees_.degree(); ++x) {
       if (is_known[x]) continue;
+      roots.push_back(x);
       trees_.grow_tree(x, tree_);
-      for (const int point : tree_.points()) is_known[static_cast<std::size_t>(point)] = true;
-      if (tree_.size() > 1) add_orbitals(x);
+      for (const int point : tree_.points()) {
+        is_known[static_cast<std::size_t>(point)] = true;
+        orbit_length_[static_cast<std::size_t>(point)] = static_cast<std::size_t>(tree_.size());
+      }
+    }
+    for (const std::uint32_t root : roots) {
+      if (leader_[root] == root) add_followers(root);
+    }
+    for (const std::uint32_t root : roots) {
+      if (leader_[root] == root && orbit_length_[root] > 1) add_orbitals(root);
     }
     return lists();
   }
@@ -42,50 +55,71 @@ class OrbitalFinder {
  private:
   using EndsByPoint = std::vector<Points>;  // ascending
 
-  // Guesses with more random elements until the orbitals are proved.
+  // A point of another orbit that the root's stabiliser fixes, in an orbit of the same length, has the same
+  // stabiliser. Wrong guesses are repeated with more random elements.
+  void add_followers(std::uint32_t root) {
+    trees_.grow_tree(root, tree_);
+    for (int elements = 32;; elements *= 2) {
+      const std::map<std::uint32_t, Points> parts = suborbits(root, elements);
+      bool is_proved = true;
+      for (const auto& [first, points] : parts) {
+        if (points.size() > 1 || leader_[first] != first || orbit_length_[first] != orbit_length_[root] ||
+            tree_.contains(static_cast<int>(first))) {
+          continue;
+        }
+        const EndsByPoint relation = relation_of(root, points);
+        is_proved = is_proved && is_invariant(relation);
+        if (!is_proved) break;
+        for (std::uint32_t x = 0; x < relation.size(); ++x) {
+          for (const std::uint32_t end : relation[x]) leader_[end] = x;
+        }
+      }
+      if (is_proved) return;
+    }
+  }
+
   void add_orbitals(std::uint32_t root) {
+    trees_.grow_tree(root, tree_);
     for (int elements = 32;; elements *= 2) {
       std::vector<EndsByPoint> found;
-      const std::vector<Points> suborbits = sparse_suborbits(root, elements);
-      for (const Points& suborbit : suborbits) {
+      const std::vector<Points> chosen = sparse_suborbits(root, elements);
+      for (const Points& suborbit : chosen) {
         EndsByPoint relation = relation_of(root, suborbit);
         if (is_invariant(relation)) found.push_back(std::move(relation));
       }
-      if (found.size() < suborbits.size()) continue;
+      if (found.size() < chosen.size()) continue;
       for (EndsByPoint& relation : found) add(std::move(relation));
       return;
     }
   }
 
-  // Returns the suborbits of the tree's root whose orbitals are sparse, the shortest first. One that holds
-  // all other points of an orbit says nothing that is not known.
-  std::vector<Points> sparse_suborbits(std::uint32_t root, int elements) const {
+  // Returns the orbits of the root's stabiliser on the leaders of other points.
+  std::map<std::uint32_t, Points> suborbits(std::uint32_t root, int elements) const {
     const Points first_of = guess_stabiliser_orbits(trees_, root, elements);
     std::map<std::uint32_t, Points> parts;
     for (std::uint32_t x = 0; x < first_of.size(); ++x) {
-      if (x != root) parts[first_of[x]].push_back(x);
+      if (x != root && leader_[x] == x) parts[first_of[x]].push_back(x);
     }
-    std::vector<Points> suborbits;
-    for (auto& [first, points] : parts) {
-      if (!holds_all_others(points, root)) suborbits.push_back(std::move(points));
-    }
-    std::ranges::stable_sort(suborbits, {}, &Points::size);
-    std::size_t arcs = 0;
-    std::size_t count = 0;
-    for (; count < suborbits.size(); ++count) {
-      arcs += suborbits[count].size();
-      if (arcs > (count == 0 ? kMaxFirstArcs : kMaxArcs)) break;
-    }
-    suborbits.resize(count);
-    return suborbits;
+    return parts;
   }
 
-  bool holds_all_others(const Points& points, std::uint32_t root) const {
-    OrbitTree orbit(static_cast<int>(trees_.degree()));
-    trees_.grow_tree(points[0], orbit);
-    const std::size_t others =
-        static_cast<std::size_t>(orbit.size()) - (orbit.contains(static_cast<int>(root)) ? 1 : 0);
-    return points.size() == others;
+  // Returns the suborbits of the tree's root whose orbitals are sparse, the shortest first. One that holds
+  // all other points of an orbit says nothing that is not known.
+  std::vector<Points> sparse_suborbits(std::uint32_t root, int elements) const {
+    std::vector<Points> chosen;
+    for (auto& [first, points] : suborbits(root, elements)) {
+      const std::size_t others = orbit_length_[first] - (tree_.contains(static_cast<int>(first)) ? 1 : 0);
+      if (points.size() < others) chosen.push_back(points);
+    }
+    std::ranges::stable_sort(chosen, {}, &Points::size);
+    std::size_t arcs = 0;
+    std::size_t count = 0;
+    for (; count < chosen.size(); ++count) {
+      arcs += chosen[count].size();
+      if (arcs > (count == 0 ? kMaxFirstArcs : kMaxArcs)) break;
+    }
+    chosen.resize(count);
+    return chosen;
   }
 
   EndsByPoint relation_of(std::uint32_t root, const Points& suborbit) const {
@@ -129,28 +163,36 @@ class OrbitalFinder {
     if (!is_symmetric) relations_.push_back(std::move(inverse));
   }
 
-  std::vector<Relation> lists() const {
-    std::vector<Relation> lists;
+  Orbitals lists() const {
+    Orbitals orbitals;
+    Points number(trees_.degree());
+    for (std::uint32_t x = 0; x < trees_.degree(); ++x) {
+      number[x] = static_cast<std::uint32_t>(orbitals.leaders.size());
+      if (leader_[x] == x) orbitals.leaders.push_back(x);
+    }
+    for (const std::uint32_t leader : leader_) orbitals.leader_of.push_back(number[leader]);
     for (const EndsByPoint& relation : relations_) {
-      Relation& list = lists.emplace_back();
+      Relation& list = orbitals.relations.emplace_back();
       for (std::uint32_t x = 0; x < relation.size(); ++x) {
         if (relation[x].empty()) continue;
         list.arity = relation[x].size();
-        list.points.push_back(x);
-        list.ends.insert(list.ends.end(), relation[x].begin(), relation[x].end());
+        list.points.push_back(number[x]);
+        for (const std::uint32_t end : relation[x]) list.ends.push_back(number[end]);
       }
     }
-    return lists;
+    return orbitals;
   }
 
   const StabiliserTrees& trees_;
-  OrbitTree tree_;  // of the latest orbit's smallest point
+  OrbitTree tree_;  // of the latest root
   std::vector<Images> generators_;
+  std::vector<std::size_t> orbit_length_;  // by point
+  Points leader_;                          // by point
   std::vector<EndsByPoint> relations_;
 };
 
 }  // namespace
 
-std::vector<Relation> sparse_orbitals(const StabiliserTrees& trees) { return OrbitalFinder(trees).run(); }
+Orbitals sparse_orbitals(const StabiliserTrees& trees) { return OrbitalFinder(trees).run(); }
 
 }  // namespace symfold::detail
