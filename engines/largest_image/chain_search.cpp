@@ -17,9 +17,8 @@ ChainSearch::ChainSearch(std::shared_ptr<const Plan> plan, const std::vector<boo
                          std::size_t max_nodes)
     : RefiningSearch(cells_of(*plan), has_value, max_nodes),
       plan_(std::move(plan)),
-      colours_(plan_->orbitals.leaders.size()),
-      point_keys_(colours_.size()),
-      counts_(colours_.size()) {}
+      point_keys_(plan_->orbitals.leaders.size()),
+      counts_(point_keys_.size()) {}
 
 std::shared_ptr<const ChainSearch::Plan> ChainSearch::make_plan(const PermutationGroup& group,
                                                                 const std::vector<bool>& has_value,
@@ -75,30 +74,16 @@ void ChainSearch::start() {
   cells_.split(point_keys_);
 }
 
+// The inverses of all relations are relations too, so that points tell those that they lead to.
 void ChainSearch::add_keys(std::vector<std::uint64_t>& keys) {
-  for (std::uint32_t x = 0; x < colours_.size(); ++x) colours_[x] = mix(cells_.cell_of(x));
-  std::uint64_t number = 0;
-  for (const Relation& relation : plan_->orbitals.relations) {
-    if (relation.arity == 1) {
-      add_keys_of<1>(relation, number++, keys);
-    } else if (relation.arity == 2) {
-      add_keys_of<2>(relation, number++, keys);
-    } else {
-      add_keys_of<0>(relation, number++, keys);
+  const Orbitals& orbitals = plan_->orbitals;
+  for (const std::uint32_t x : cells_.changed()) {
+    const std::uint64_t colour = mix(cells_.cell_of(x));
+    for (std::uint32_t f = orbitals.begins[x]; f < orbitals.begins[x + 1]; ++f) {
+      const Fan& fan = orbitals.fans[f];
+      const std::uint64_t key = mix(colour + fan.relation);
+      for (std::uint32_t e = fan.begin; e < fan.end; ++e) keys[orbitals.ends[e]] += key;
     }
-  }
-}
-
-// kArity is 0 for one that is not known when this is compiled.
-template <std::size_t kArity>
-void ChainSearch::add_keys_of(const Relation& relation, std::uint64_t number,
-                              std::vector<std::uint64_t>& keys) const {
-  const std::size_t arity = kArity == 0 ? relation.arity : kArity;
-  const std::uint32_t* end = relation.ends.data();
-  for (const std::uint32_t point : relation.points) {
-    std::uint64_t sum = number;
-    for (std::size_t k = 0; k < arity; ++k) sum += colours_[*end++];
-    keys[point] += mix(sum);
   }
 }
 

@@ -75,8 +75,6 @@ class ChainSearch : public RefiningSearch {
   // The point whose value, or that of a position it leads, is at this place of the image.
   std::uint32_t point_at(std::size_t place) const { return plan_->orbitals.leader_of[source_[place]]; }
 
-  template <std::size_t kArity>
-  void add_keys_of(const Relation& relation, std::uint64_t number, std::vector<std::uint64_t>& keys) const;
   void descend(std::uint32_t place);
   std::uint32_t smallest_cell();
   bool is_final() const;
@@ -85,7 +83,6 @@ class ChainSearch : public RefiningSearch {
   Points source_;  // the image has at c the value from position source_[c]
   std::size_t level_ = 0;
   bool knows_orbits_ = true;  // cells are no coarser than the stabiliser's orbits
-  std::vector<std::uint64_t> colours_;
   std::vector<std::uint64_t> point_keys_;
   Points counts_;  // by cell; 0 between calls
   Points order_;   // the points, as the image has them

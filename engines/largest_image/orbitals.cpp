@@ -171,15 +171,16 @@ class OrbitalFinder {
       if (leader_[x] == x) orbitals.leaders.push_back(x);
     }
     for (const std::uint32_t leader : leader_) orbitals.leader_of.push_back(number[leader]);
-    for (const EndsByPoint& relation : relations_) {
-      Relation& list = orbitals.relations.emplace_back();
-      for (std::uint32_t x = 0; x < relation.size(); ++x) {
-        if (relation[x].empty()) continue;
-        list.arity = relation[x].size();
-        list.points.push_back(number[x]);
-        for (const std::uint32_t end : relation[x]) list.ends.push_back(number[end]);
+    for (const std::uint32_t x : orbitals.leaders) {
+      orbitals.begins.push_back(static_cast<std::uint32_t>(orbitals.fans.size()));
+      for (std::uint32_t r = 0; r < relations_.size(); ++r) {
+        if (relations_[r][x].empty()) continue;
+        const auto begin = static_cast<std::uint32_t>(orbitals.ends.size());
+        for (const std::uint32_t end : relations_[r][x]) orbitals.ends.push_back(number[end]);
+        orbitals.fans.push_back({r, begin, static_cast<std::uint32_t>(orbitals.ends.size())});
       }
     }
+    orbitals.begins.push_back(static_cast<std::uint32_t>(orbitals.fans.size()));
     return orbitals;
   }
 

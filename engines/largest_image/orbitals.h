@@ -15,18 +15,19 @@
 
 namespace symfold::detail {
 
-// The arcs from the leaders of an orbit, equally many from each. ends[i * arity] and the next are the ends of
-// those from points[i]. Both are numbers of leaders.
-struct Relation {
-  std::size_t arity;
-  std::vector<std::uint32_t> points;
-  std::vector<std::uint32_t> ends;
+// The arcs of all relations between leaders. Those from one leader in one relation are a fan.
+struct Fan {
+  std::uint32_t relation;
+  std::uint32_t begin;  // in `ends`
+  std::uint32_t end;
 };
 
 struct Orbitals {
   std::vector<std::uint32_t> leaders;    // ascending
   std::vector<std::uint32_t> leader_of;  // by point, the number of its leader
-  std::vector<Relation> relations;
+  std::vector<std::uint32_t> begins;     // the fans of each leader, and at the end their number
+  std::vector<Fan> fans;
+  std::vector<std::uint32_t> ends;  // of the arcs, the numbers of leaders
 };
 
 // Returns the sparsest orbitals between leaders, and their inverses. They depend on the group alone, and are

@@ -11,6 +11,7 @@ PointCells::PointCells(const std::vector<std::uint32_t>& begins)
     : order_(begins.back()), cell_of_(begins.back()), end_of_(begins.back()), cell_count_(begins.size() - 1) {
   std::iota(order_.begin(), order_.end(), 0U);
   for (std::size_t c = 0; c < cell_count_; ++c) set_cell(begins[c], begins[c + 1]);
+  changed_.clear();
 }
 
 bool PointCells::split(const std::vector<std::uint64_t>& keys) {
@@ -26,7 +27,11 @@ bool PointCells::split(const std::vector<std::uint64_t>& keys) {
     sort(begin, end, keys);
     for (std::uint32_t from = begin, to = begin; from < end; from = to) {
       while (to < end && keys[order_[to]] == keys[order_[from]]) ++to;
-      set_cell(from, to);
+      if (from == begin) {
+        end_of_[begin] = to;
+      } else {
+        set_cell(from, to);
+      }
       ++cell_count_;
     }
     --cell_count_;
@@ -52,7 +57,7 @@ void PointCells::sort(std::uint32_t begin, std::uint32_t end, const std::vector<
   bucket_ends_.assign((std::size_t{1} << bits) + 1, 0);
   hashed_.clear();
   for (std::uint32_t i = begin; i < end; ++i) {
-    hashed_.emplace_back(mix(keys[order_[i]]), order_[i]);
+    hashed_.emplace_back(mix(keys[order_[i]]) ^ mix(0), order_[i]);
     ++bucket_ends_[(hashed_.back().first >> (64 - bits)) + 1];
   }
   std::partial_sum(bucket_ends_.begin(), bucket_ends_.end(), bucket_ends_.begin());

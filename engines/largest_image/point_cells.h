@@ -11,8 +11,9 @@
 
 namespace symfold::detail {
 
-// A cell is named by the place of its first point. Cells split and never join. Assignment between lists of
-// equally many points allocates nothing.
+// A cell is named by the place of its first point. Cells split and never join. When one splits, its first
+// part keeps the name, so the points of the others are those whose cell has changed. Assignment between lists
+// of equally many points allocates nothing.
 class PointCells {
  public:
   // Cells of the points 0 .. n-1 in their order. `begins` holds the first point of each cell and, at the end,
@@ -38,25 +39,33 @@ class PointCells {
     }
   }
 
-  // Splits each cell by the keys of its points, into cells in an order that the keys decide. Returns true if
-  // any cell split.
+  // The points whose cells have another name since the last call of clear_changed().
+  const std::vector<std::uint32_t>& changed() const { return changed_; }
+  void clear_changed() { changed_.clear(); }
+  void mark_all_changed() { changed_ = order_; }
+
+  // Splits each cell by the keys of its points, into cells in an order that the keys decide; points with key
+  // 0 come first. Returns true if any cell split.
   bool split(const std::vector<std::uint64_t>& keys);
 
-  // Makes a cell of the chosen points, at least one, in front of what is left of their cell.
+  // Makes a cell of the chosen points, at least one but not all of the cell, behind what is left of it.
   template <class IsChosen>
   void split_off(std::uint32_t cell, const IsChosen& is_chosen) {
-    const auto end = order_.begin() + end_of_[cell];
-    const auto rest = std::partition(order_.begin() + cell, end, is_chosen);
-    if (rest == end) return;
-    set_cell(static_cast<std::uint32_t>(rest - order_.begin()), end_of_[cell]);
-    end_of_[cell] = static_cast<std::uint32_t>(rest - order_.begin());
+    const auto chosen = std::partition(order_.begin() + cell, order_.begin() + end_of_[cell],
+                                       [&](std::uint32_t point) { return !is_chosen(point); }) -
+                        order_.begin();
+    set_cell(static_cast<std::uint32_t>(chosen), end_of_[cell]);
+    end_of_[cell] = static_cast<std::uint32_t>(chosen);
     ++cell_count_;
   }
 
  private:
   void set_cell(std::uint32_t begin, std::uint32_t end) {
     end_of_[begin] = end;
-    for (std::uint32_t i = begin; i < end; ++i) cell_of_[order_[i]] = begin;
+    for (std::uint32_t i = begin; i < end; ++i) {
+      cell_of_[order_[i]] = begin;
+      changed_.push_back(order_[i]);
+    }
   }
   void sort(std::uint32_t begin, std::uint32_t end, const std::vector<std::uint64_t>& keys);
 
@@ -64,6 +73,7 @@ class PointCells {
   std::vector<std::uint32_t> cell_of_;  // by point
   std::vector<std::uint32_t> end_of_;   // by cell
   std::size_t cell_count_ = 0;
+  std::vector<std::uint32_t> changed_;
   std::vector<std::pair<std::uint64_t, std::uint32_t>> hashed_, sorted_;
   std::vector<std::uint32_t> bucket_ends_;
 };

@@ -36,6 +36,7 @@ bool RefiningSearch::maximise(Placed* values) {
   path_.clear();
   has_leaf_ = false;
   start();
+  cells_.mark_all_changed();
   refine();
   explore(0);
   for (std::size_t p = 0; p < image_.size(); ++p) image_[p] = values[best_source_[p]];
@@ -47,6 +48,7 @@ void RefiningSearch::refine() {
   while (!cells_.are_single()) {
     std::fill(keys_.begin(), keys_.end(), 0);
     add_keys(keys_);
+    cells_.clear_changed();
     for (const std::uint64_t key : keys_) trace_ += key;
     trace_ = mix(trace_);
     if (!cells_.split(keys_)) return;

@@ -52,7 +52,8 @@ class RefiningSearch : public ImageSearch {
 
   // Splits the initial cells by what the values show at once.
   virtual void start() = 0;
-  // Adds to the keys of the points, which are 0, what the colours around them show.
+  // Adds to the keys of the points, which are 0, what the colours around them show. Points of one cell have
+  // had equal keys before, so it is enough to add for points around them whose cell has changed.
   virtual void add_keys(std::vector<std::uint64_t>& keys) = 0;
   // Goes on as long as no choice is open. Returns the cell of which points must be singled out, kNone for a
   // leaf.
