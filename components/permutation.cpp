@@ -95,7 +95,7 @@ Permutation::Permutation(int point_count, std::span<const PointMove> moves)
 Permutation::Permutation(const Permutation& other) : n(other.n), size_(other.size_), shared_(other.shared_) {
   if (shared_ != nullptr) {
     shared_->use_count.fetch_add(1, std::memory_order_relaxed);
-  } else if (const int* const images = other.stored_images()) {
+  } else if (const int* const images = other.StoredImages()) {
     shared_ = share({images, index(size_)});
   }
 }
@@ -133,7 +133,7 @@ int* Permutation::make_images() const {
   if (made != nullptr) return made;
   auto images = std::make_unique<int[]>(index(size_));
   std::iota(images.get(), images.get() + size_, 0);
-  if (const int* const stored = stored_images()) {
+  if (const int* const stored = StoredImages()) {
     std::copy_n(stored, size_, images.get());
   } else {
     for (const auto& [point, image] : stored_moves()) images[index(point)] = image;
@@ -152,7 +152,7 @@ int* Permutation::GetP() {
 
 int Permutation::GetIth(int i) const {
   if (i < 0 || i >= n || i >= size_) return -1;
-  if (const int* const images = stored_images()) return images[i];
+  if (const int* const images = StoredImages()) return images[i];
   const std::span<const PointMove> moves = stored_moves();
   const auto move = std::ranges::lower_bound(moves, i, {}, &PointMove::point);
   return move != moves.end() && move->point == i ? move->image : i;
@@ -167,7 +167,7 @@ std::size_t Permutation::CountMoves() const {
 // Moves are a permutation if their images are their points in another order.
 bool Permutation::IsPermutation() const {
   if (n < 0 || n > size_) return false;
-  if (const int* const images = stored_images()) return detail::is_permutation({images, index(n)});
+  if (const int* const images = StoredImages()) return detail::is_permutation({images, index(n)});
   std::vector<int> points, images;
   VisitMoves([&](int point, int image) {
     points.push_back(point);
@@ -179,7 +179,7 @@ bool Permutation::IsPermutation() const {
 
 bool Permutation::IsIdentity() const {
   if (n > size_) return false;
-  if (const int* const images = stored_images()) {
+  if (const int* const images = StoredImages()) {
     int i = 0;
     while (i < n && images[i] == i) ++i;
     return i >= n;

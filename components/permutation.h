@@ -59,6 +59,10 @@ class Permutation {
   void VisitMoves(const Visit& visit) const;
   std::size_t CountMoves() const;
 
+  // The n images if all of them are stored, as those of a permutation of many points are; null otherwise. For
+  // loops that are faster over all points than over the moved ones.
+  const int* StoredImages() const;
+
   // Equal addresses mean that two permutations have equal images, as copies have until one is written to.
   // Null for the identity, and after GetP.
   const void* SharedImages() const { return shared_; }
@@ -82,7 +86,6 @@ class Permutation {
   void release() noexcept;
   int* make_images() const;
   std::span<const PointMove> stored_moves() const;
-  const int* stored_images() const;
 
   int size_;                  // the images stored
   Shared* shared_ = nullptr;  // followed by its moves or images, which never change; null for the identity
@@ -95,8 +98,7 @@ inline std::span<const PointMove> Permutation::stored_moves() const {
           static_cast<std::size_t>(shared_->move_count)};
 }
 
-// Null if the moves are stored.
-inline const int* Permutation::stored_images() const {
+inline const int* Permutation::StoredImages() const {
   if (shared_ == nullptr) return images_.load(std::memory_order_acquire);
   return shared_->move_count < 0 ? reinterpret_cast<const int*>(shared_ + 1) : nullptr;
 }
@@ -104,7 +106,7 @@ inline const int* Permutation::stored_images() const {
 template <class Visit>
 void Permutation::VisitMoves(const Visit& visit) const {
   const int end = std::min(n, size_);
-  if (const int* const images = stored_images()) {
+  if (const int* const images = StoredImages()) {
     for (int i = 0; i < end; ++i) {
       if (images[i] != i) visit(i, images[i]);
     }

@@ -52,6 +52,11 @@ void ChosenMoves::compose_last(std::size_t base, int record, short* composed, sh
     return;
   }
   const Permutation& last = last_of(base, record);
+  if (const int* const images = last.StoredImages()) {
+    for (std::size_t c = 0; c < partition_count_; ++c) scratch[c] = composed[images[c]];
+    std::copy_n(scratch, partition_count_, composed);
+    return;
+  }
   last.VisitMoves([&](int c, int image) { scratch[c] = composed[image]; });
   last.VisitMoves([&](int c, int) { composed[c] = scratch[c]; });
 }
@@ -78,6 +83,11 @@ void ChosenMoves::find_witness(std::span<const int> choices, short* witness, sho
     for (const ValPerms& record : records) {
       if (record.Value != value) continue;
       for (const Permutation& permutation : record.Perms) {
+        if (const int* const images = permutation.StoredImages()) {
+          for (std::size_t p = 0; p < partition_count_; ++p) scratch[images[p]] = inverse[p];
+          std::copy_n(scratch, partition_count_, inverse);
+          continue;
+        }
         permutation.VisitMoves([&](int p, int image) { scratch[image] = inverse[p]; });
         permutation.VisitMoves([&](int, int image) { inverse[image] = scratch[image]; });
       }

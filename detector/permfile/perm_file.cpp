@@ -66,7 +66,7 @@ class LineText {
     permutation.VisitMoves([&](int point, int image) {
       const auto c = static_cast<std::size_t>(point);
       if (c + 1 >= begins_.size()) return;
-      append_identity(end, c);
+      if (end < c) append_identity(end, c);
       append_number(text_, image);
       text_ += ' ';
       end = c + 1;
