@@ -94,8 +94,7 @@ class Permutation {
 
 inline std::span<const PointMove> Permutation::stored_moves() const {
   if (shared_ == nullptr) return {};
-  return {reinterpret_cast<const PointMove*>(shared_ + 1),
-          static_cast<std::size_t>(shared_->move_count)};
+  return {reinterpret_cast<const PointMove*>(shared_ + 1), static_cast<std::size_t>(shared_->move_count)};
 }
 
 inline const int* Permutation::StoredImages() const {

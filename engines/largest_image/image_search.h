@@ -1,10 +1,10 @@
 // A canonical image of a list of values under a permutation group: what all searches for it have in common.
 //
 // A value lies at each of the positions 0 .. n-1. An element g of the group carries the value at position c
-// to position g[c]. The canonical image of a state is an image under the group, and it is the same for all its
-// images: it depends on the group and the class of the state alone, and not on the generators by which the
-// group was found. Some searches find the largest image, the one whose values, read from position 0 on, are
-// largest in lexicographic order. Others find another one sooner (refining_search.h).
+// to position g[c]. The canonical image of a state is an image under the group, and it is the same for all
+// its images: it depends on the group and the class of the state alone, and not on the generators by which
+// the group was found. Some searches find the largest image, the one whose values, read from position 0 on,
+// are largest in lexicographic order. Others find another one sooner (refining_search.h).
 //
 // Values compare as unsigned numbers. The caller decides in which order the bytes of a state make a number,
 // and so in which order states compare. The engines never see bytes.
@@ -36,8 +36,8 @@ class ImageSearch {
   virtual std::unique_ptr<ImageSearch> clone() const = 0;
 
   // Rearranges the values, one for each position, into their canonical image. Returns false if a bound on the
-  // work was exceeded: then the result is an image, but maybe not the canonical one. Allocates nothing once the
-  // work space has its size. A position without a value has the value 0.
+  // work was exceeded: then the result is an image, but maybe not the canonical one. Allocates nothing once
+  // the work space has its size. A position without a value has the value 0.
   virtual bool maximise(Placed* values) = 0;
 
  protected:

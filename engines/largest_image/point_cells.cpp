@@ -53,7 +53,7 @@ void PointCells::sort(std::uint32_t begin, std::uint32_t end, const std::vector<
     }
     return;
   }
-  const int bits = std::bit_width(end - begin);
+  const auto bits = static_cast<unsigned>(std::bit_width(end - begin));
   bucket_ends_.assign((std::size_t{1} << bits) + 1, 0);
   hashed_.clear();
   for (std::uint32_t i = begin; i < end; ++i) {

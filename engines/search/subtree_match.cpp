@@ -23,8 +23,7 @@ std::uint64_t hash_of(const Trace& trace) {
 
 SubtreeMatch::SubtreeMatch(const ColouredGraph& graph, OrderedPartition& right, Refiner& right_refiner,
                            const PermutationList& generators, WorkBudget& budget)
-    : graph_(graph),
-      right_(right),
+    : right_(right),
       right_refiner_(right_refiner),
       generators_(generators),
       budget_(budget),

@@ -69,7 +69,6 @@ class SubtreeMatch {
   std::uint64_t individualise_left(int vertex);
   int next_cell() const;
 
-  const ColouredGraph& graph_;
   OrderedPartition& right_;
   Refiner& right_refiner_;
   const PermutationList& generators_;

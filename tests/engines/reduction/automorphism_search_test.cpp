@@ -96,7 +96,7 @@ Graph random_symmetric_graph(unsigned seed) {
 // the search says so.
 void expect_subgroups_for_little_work(const Graph& graph, const oracle::Group& whole) {
   const ColouredGraph coloured = graph_of(graph);
-  for (const std::size_t work : {0, 1, 10, 30, 60, 100, 150, 200, 300}) {
+  for (const std::size_t work : std::initializer_list<std::size_t>{0, 1, 10, 30, 60, 100, 150, 200, 300}) {
     for (const auto search : {find_automorphisms, search_paths}) {
       const AutomorphismGroup found = search(coloured, {.max_work = work, .max_descent_failures = 0});
       std::vector<oracle::Images> generators;
