@@ -9,7 +9,6 @@
 #define SYMFOLD_ENGINES_BASE_IMAGES_H
 
 #include <cstddef>
-#include <numeric>
 #include <span>
 #include <utility>
 #include <vector>
@@ -26,7 +25,7 @@ using IndexOf = decltype(std::declval<const Images&>().size());
 template <class Images = PointVector<int>>
 Images identity_images(IndexOf<Images> n) {
   Images images(n);
-  std::iota(images.begin(), images.end(), typename Images::value_type{0});
+  for (IndexOf<Images> c = 0; c < n; ++c) images[c] = static_cast<typename Images::value_type>(c);
   return images;
 }
 
