@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <numeric>
 #include <utility>
 
 namespace symfold::detail {
@@ -71,7 +70,7 @@ void ChosenMoves::invert_last(std::size_t base, int record, short* images) const
 // Composes the inverses: (P after w)^-1 sends P[p] to w^-1[p], and so changes only where P moves something.
 void ChosenMoves::find_witness(std::span<const int> choices, short* witness, short* inverse,
                                short* scratch) const {
-  std::iota(inverse, inverse + partition_count_, short{0});
+  for (std::size_t c = 0; c < partition_count_; ++c) inverse[c] = static_cast<short>(c);
   for (std::size_t base = 0; base < choices.size(); ++base) {
     if (choices[base] < 0) continue;
     const std::span<const Move> moves = moves_of(base, choices[base]);

@@ -1,11 +1,11 @@
 #include "detector/labelling/planned_search.h"
 
 #include <algorithm>
-#include <numeric>
 #include <unordered_map>
 #include <utility>
 
 #include "detector/labelling/copying.h"
+#include "engines/base/images.h"
 
 namespace symfold::detail {
 namespace {
@@ -70,11 +70,10 @@ void PlannedSearch::fill_orbits(std::span<const ValPerms> records) {
   if (records.empty()) return;
   orbits_.resize(std::max(orbits_.size(), records.size()));
   for (std::size_t j = 0; j < records.size(); ++j) orbits_[j] = records[j].Value;
-  last_perm_.resize(sizes_.size());
-  std::iota(last_perm_.begin(), last_perm_.end(), short{0});
+  last_perm_ = identity_images<std::vector<short>>(sizes_.size());
   for (const ValPerms& record : records) {
     if (record.Value != records.back().Value || record.Perms.empty()) continue;
-    std::iota(last_perm_.begin(), last_perm_.end(), short{0});
+    last_perm_ = identity_images<std::vector<short>>(sizes_.size());
     record.Perms.back().VisitMoves(
         [this](int c, int image) { last_perm_[static_cast<std::size_t>(image)] = static_cast<short>(c); });
   }
