@@ -31,22 +31,26 @@ class OrbitalFinder {
     }
   }
 
-  Orbitals run() {
+  Points leaders() {
     std::vector<bool> is_known(trees_.degree(), false);
-    Points roots;
     for (std::uint32_t x = 0; x < trees_.degree(); ++x) {
       if (is_known[x]) continue;
-      roots.push_back(x);
+      roots_.push_back(x);
       trees_.grow_tree(x, tree_);
       for (const int point : tree_.points()) {
         is_known[static_cast<std::size_t>(point)] = true;
         orbit_length_[static_cast<std::size_t>(point)] = static_cast<std::size_t>(tree_.size());
       }
     }
-    for (const std::uint32_t root : roots) {
+    for (const std::uint32_t root : roots_) {
       if (leader_[root] == root) add_followers(root);
     }
-    for (const std::uint32_t root : roots) {
+    return leader_;
+  }
+
+  Orbitals orbitals() {
+    leaders();
+    for (const std::uint32_t root : roots_) {
       if (leader_[root] == root && orbit_length_[root] > 1) add_orbitals(root);
     }
     return lists();
@@ -186,6 +190,7 @@ class OrbitalFinder {
 
   const StabiliserTrees& trees_;
   OrbitTree tree_;  // of the latest root
+  Points roots_;    // the smallest points of the orbits
   std::vector<Images> generators_;
   std::vector<std::size_t> orbit_length_;  // by point
   Points leader_;                          // by point
@@ -194,6 +199,8 @@ class OrbitalFinder {
 
 }  // namespace
 
-Orbitals sparse_orbitals(const StabiliserTrees& trees) { return OrbitalFinder(trees).run(); }
+std::vector<std::uint32_t> leaders_of(const StabiliserTrees& trees) { return OrbitalFinder(trees).leaders(); }
+
+Orbitals sparse_orbitals(const StabiliserTrees& trees) { return OrbitalFinder(trees).orbitals(); }
 
 }  // namespace symfold::detail

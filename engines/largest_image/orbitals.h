@@ -22,6 +22,11 @@ struct Fan {
   std::uint32_t end;
 };
 
+// Returns the position that each position follows: itself for leaders. Of all positions with the same
+// stabiliser in orbits of their own, the one in the orbit with the smallest position is the leader. Depends
+// on the group alone, and is proved as below.
+std::vector<std::uint32_t> leaders_of(const StabiliserTrees& trees);
+
 struct Orbitals {
   std::vector<std::uint32_t> leaders;    // ascending
   std::vector<std::uint32_t> leader_of;  // by point, the number of its leader

@@ -16,6 +16,7 @@
 #include "engines/largest_image/object_search.h"
 #include "engines/largest_image/product_search.h"
 #include "engines/largest_image/ring_search.h"
+#include "engines/largest_image/tuft_search.h"
 
 namespace symfold::detail {
 namespace {
@@ -55,7 +56,7 @@ class FactorRecognition {
 
  private:
   std::unique_ptr<ImageSearch> list(std::size_t max_elements) const;
-  std::unique_ptr<ImageSearch> objects_or_chain() const;
+  std::unique_ptr<ImageSearch> parts_or_chain() const;
   int longest_orbit() const;
 
   PermutationGroup group_;
@@ -77,7 +78,7 @@ std::unique_ptr<ImageSearch> FactorRecognition::run() const {
   if (const auto blocks = recognise_blocks(group_, bounds_.max_images)) {
     return make_block_search(*blocks, has_value_, bounds_);
   }
-  return objects_or_chain();
+  return parts_or_chain();
 }
 
 int FactorRecognition::longest_orbit() const {
@@ -97,7 +98,11 @@ std::unique_ptr<ImageSearch> FactorRecognition::list(std::size_t max_elements) c
 }
 
 // A list of more elements is read as a whole when values tie, which takes longer than refinement.
-std::unique_ptr<ImageSearch> FactorRecognition::objects_or_chain() const {
+std::unique_ptr<ImageSearch> FactorRecognition::parts_or_chain() const {
+  if (auto tufts = recognise_tufts(group_, has_value_, bounds_.max_images)) {
+    auto smaller = recognise(tufts->smaller, tufts->has_value, bounds_);
+    return std::make_unique<TuftSearch>(*std::move(tufts), std::move(smaller));
+  }
   if (auto objects = recognise_objects(group_, bounds_.max_images)) {
     return std::make_unique<ObjectSearch>(std::move(*objects), has_value_, bounds_.max_candidates);
   }

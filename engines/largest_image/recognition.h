@@ -28,6 +28,8 @@ struct SearchBounds {
 //  - rings that are too long for a list: the largest image by the order of the ring (ring_search.h);
 //  - blocks that are permuted in every way: the largest image if it is found inside the blocks and their
 //    positions are interleaved in one pattern, otherwise a canonical one (block_search.h);
+//  - blocks that may be exchanged in each part of a structure: these are sorted, what is left has a group of
+//    its own (tuft_search.h);
 //  - objects that are permuted in every way: the largest image;
 //  - other groups whose elements fit into a list: the largest image;
 //  - all others, down a stabiliser chain: the largest image.

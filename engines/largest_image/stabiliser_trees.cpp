@@ -99,6 +99,12 @@ void StabiliserTrees::apply_generator(std::size_t generator, Images& f, Images& 
   for (const PointMove& move : moves) f[static_cast<std::size_t>(move.point)] = scratch[i++];
 }
 
+std::uint32_t StabiliserTrees::image_of(std::uint32_t point, std::size_t generator) const {
+  const std::vector<Step>& steps = steps_[point];
+  const auto step = std::ranges::find(steps, generator, &Step::generator);
+  return step == steps.end() ? point : step->image;
+}
+
 void StabiliserTrees::grow_tree(std::uint32_t root, OrbitTree& tree) const {
   tree.set_root(static_cast<int>(root));
   tree.grow([&](int point, const auto& step) {

@@ -48,6 +48,8 @@ class StabiliserTrees {
   // Replaces f by "f after this generator".
   void apply_generator(std::size_t generator, Images& f, Images& scratch) const;
 
+  std::uint32_t image_of(std::uint32_t point, std::size_t generator) const;
+
   // Makes the tree of a point under all generators.
   void grow_tree(std::uint32_t root, OrbitTree& tree) const;
 
