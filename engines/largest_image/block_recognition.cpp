@@ -264,10 +264,10 @@ bool may_have_blocks(const PermutationGroup& group) {
   double log_order = 1e-6;
   for (const int length : group.orbit_lengths()) log_order += std::log(length);
   const int orbit = group.orbit_lengths().front();
+  double log_factorial = 0;
   for (int blocks = 2; blocks <= orbit; ++blocks) {
-    if (orbit % blocks != 0) continue;
-    const double count = blocks;
-    if (std::lgamma(count + 1) + count * std::log(orbit / count) <= log_order) return true;
+    log_factorial += std::log(blocks);
+    if (orbit % blocks == 0 && log_factorial + blocks * std::log(orbit / blocks) <= log_order) return true;
   }
   return false;
 }
