@@ -9,6 +9,7 @@
 #define SYMFOLD_ENGINES_GROUP_ALIGNED_BLOCKS_H
 
 #include <optional>
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -24,7 +25,8 @@ struct AlignedBlocks {
 
   int count() const { return static_cast<int>(points.size()) / length; }
   std::span<const int> block(int b) const {
-    return std::span(points).subspan(static_cast<std::size_t>(b * length), static_cast<std::size_t>(length));
+    const auto block_length = static_cast<std::size_t>(length);
+    return std::span(points).subspan(static_cast<std::size_t>(b) * block_length, block_length);
   }
   // The moves of the exchange of two blocks.
   SparsePermutation exchange(int a, int b) const;

@@ -66,7 +66,7 @@ bool BlockProof::align(int b) {
     images.push_back(move->image);
   }
   if (!std::ranges::is_permutation(images, block)) return false;
-  std::ranges::copy(images, blocks_.points.begin() + b * blocks_.length);
+  std::ranges::copy(images, blocks_.points.begin() + std::ptrdiff_t{b} * blocks_.length);
   return group_.contains(blocks_.exchange(b - 1, b));
 }
 
@@ -75,7 +75,7 @@ bool BlockProof::align(int b) {
 // ascending map is the smallest one.
 void BlockProof::take_smallest_maps(const PermutationGroup& inner) {
   for (int b = 1; b < blocks_.count() && !inner.is_trivial(); ++b) {
-    const auto map = blocks_.points.begin() + b * blocks_.length;
+    const auto map = blocks_.points.begin() + std::ptrdiff_t{b} * blocks_.length;
     if (std::ranges::is_sorted(blocks_.block(b))) continue;
     for (const int base_point : inner.base()) {
       int best = base_point;
