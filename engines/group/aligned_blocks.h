@@ -8,8 +8,8 @@
 #ifndef SYMFOLD_ENGINES_GROUP_ALIGNED_BLOCKS_H
 #define SYMFOLD_ENGINES_GROUP_ALIGNED_BLOCKS_H
 
-#include <optional>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
