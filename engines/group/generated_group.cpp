@@ -1,13 +1,17 @@
 #include "engines/group/generated_group.h"
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 #include <optional>
-#include <random>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "engines/base/union_find.h"
 #include "engines/group/aligned_blocks.h"
+#include "engines/group/random_products.h"
+#include "engines/group/relation_proof.h"
 #include "engines/group/stabiliser_chain.h"
 #include "engines/group/stabiliser_forest.h"
 #include "engines/group/support_factors.h"
@@ -54,7 +58,7 @@ bool is_strong_alone(int degree, Moves generator) {
 // product of the stabilisers inside the former, which strong generators inside each block give, and of K wr
 // Sym of the latter. These are the last ones in the order of smallest points; exchanges of neighbours
 // generate all their permutations, and none of these moves a point below b.
-std::optional<PermutationList> generate_by_exchanges(const SupportFactor& factor) {
+std::optional<StrongGenerators> generate_by_exchanges(const SupportFactor& factor) {
   const std::optional<AlignedBlocks> blocks = find_exchanged_blocks(factor.degree(), factor.generators);
   if (!blocks) return std::nullopt;
   std::set<SparsePermutation, LessMoves> distinct;
@@ -63,57 +67,36 @@ std::optional<PermutationList> generate_by_exchanges(const SupportFactor& factor
     if (!action.split(factor.generators[g]) || action.inner().size() > 1) return std::nullopt;
     for (const SparsePermutation& moves : action.inner()) distinct.insert(moves);
   }
-  PermutationList strong;
-  for (int b = 1; b < blocks->count(); ++b) strong.push_back(blocks->exchange(b - 1, b));
+  StrongGenerators strong;
+  for (int b = 1; b < blocks->count(); ++b) strong.list.push_back(blocks->exchange(b - 1, b));
   if (distinct.empty()) return strong;
   PermutationList on_places;
   for (const SparsePermutation& moves : distinct) on_places.push_back(moves);
-  const PermutationList strong_on_places = generate_strongly(blocks->length, on_places);
+  const StrongGenerators strong_on_places = generate_strongly(blocks->length, on_places);
+  strong.are_proved = strong_on_places.are_proved;
   for (int b = 0; b < blocks->count(); ++b) {
     if (std::ranges::is_sorted(blocks->block(b))) {
-      for (const SparsePermutation& moves : strong_on_places) strong.push_back(blocks->inside(b, moves));
+      for (const SparsePermutation& moves : strong_on_places.list)
+        strong.list.push_back(blocks->inside(b, moves));
     } else {
       PermutationList inside;
       for (const SparsePermutation& moves : on_places) inside.push_back(blocks->inside(b, moves));
-      for (const SparsePermutation& moves : generate_strongly(factor.degree(), inside))
-        strong.push_back(moves);
+      const StrongGenerators own = generate_strongly(factor.degree(), inside);
+      for (const SparsePermutation& moves : own.list) strong.list.push_back(moves);
+      strong.are_proved = strong.are_proved && own.are_proved;
     }
   }
   return strong;
 }
 
-// Product replacement, as in strong_generators.cpp, from all generators.
-class RandomProducts {
- public:
-  RandomProducts(int degree, const PermutationList& generators)
-      : products_(std::clamp<std::size_t>(generators.size(), 10, 40), identity_images(degree)) {
-    for (std::size_t i = 0; i < std::max(products_.size(), generators.size()); ++i) {
-      PointVector<int> images = identity_images(degree);
-      for (const auto& [point, image] : generators[i % generators.size()]) images[point] = image;
-      PointVector<int>& product = products_[i % products_.size()];
-      product = composed(images, product);
-    }
-    for (std::size_t i = 0; i < 50 + 5 * products_.size(); ++i) next();
+bool has_all(const StabiliserForest& forest, int degree, const PermutationList& permutations) {
+  WorkPermutation work(degree);
+  for (std::size_t g = 0; g < permutations.size(); ++g) {
+    work.then(permutations[g]);
+    if (!forest.contains(work)) return false;
   }
-
-  SparsePermutation next() {
-    const std::size_t to = random_() % products_.size();
-    const std::size_t other = (to + 1 + random_() % (products_.size() - 1)) % products_.size();
-    products_[to] = random_() % 2 == 0 ? composed(products_[other], products_[to])
-                                       : composed(products_[to], inverse(products_[other]));
-    running_ = running_.empty() ? products_[to] : composed(products_[to], running_);
-    SparsePermutation moves;
-    for (int x = 0; x < running_.size(); ++x) {
-      if (running_[x] != x) moves.push_back({x, running_[x]});
-    }
-    return moves;
-  }
-
- private:
-  std::vector<PointVector<int>> products_;
-  PointVector<int> running_;
-  std::mt19937_64 random_{2003};
-};
+  return true;
+}
 
 // Adds what is left of random products after they are sifted, until 64 in a row leave nothing. If the result
 // were not strong, at most half of all elements would leave nothing, because these are some of the cosets of
@@ -136,28 +119,47 @@ PermutationList complete_at_random(int degree, PermutationList generators) {
 }
 
 // About the points that a proof by all Schreier generators looks at.
-double proof_cost(int degree, const PermutationList& generators) {
-  const StabiliserForest forest(degree, generators);
+double proof_cost(int degree, std::size_t generators, const StabiliserForest& forest) {
   double cost = 0;
   const double path = std::max(forest.depth(), 1);
   for (const int length : forest.orbit_lengths()) {
     cost += static_cast<double>(length) * static_cast<double>(forest.base().size()) * degree * path *
-            static_cast<double>(std::min(generators.size(), forest.base().size() + 1));
+            static_cast<double>(std::min(generators, forest.base().size() + 1));
   }
   return cost;
 }
 
+// Returns those that make the orbits whole: by base point, from the last one up, the first ones that do.
+PermutationList enough_for_orbits(int degree, const PermutationList& generators) {
+  std::vector<std::size_t> order(generators.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, std::greater<>(),
+                           [&](std::size_t g) { return generators[g].front().point; });
+  UnionFind orbits(degree);
+  PermutationList enough;
+  for (const std::size_t g : order) {
+    bool joins_orbits = false;
+    for (const auto& [point, image] : generators[g])
+      joins_orbits = orbits.unite(point, image) || joins_orbits;
+    if (joins_orbits) enough.push_back(generators[g]);
+  }
+  return enough;
+}
+
 // Begins with few of the generators and adds those that their group leaves out, at most as many as there are,
 // because tables hold a generator for each point of an orbit, of which few are needed.
-PermutationList generate_by_schreier_sims(const SupportFactor& factor) {
+StrongGenerators generate_by_schreier_sims(const SupportFactor& factor) {
   constexpr std::size_t kExtraAtFirst = 8;
   constexpr double kMaxProof = 1e9;
   constexpr int kSmallDegree = 64;  // is always proved
   const int degree = factor.degree();
   const PermutationList& all = factor.generators;
   if (degree > kSmallDegree) {
-    PermutationList likely = complete_at_random(degree, all);
-    if (proof_cost(degree, likely) > kMaxProof) return likely;
+    PermutationList likely = enough_for_orbits(degree, complete_at_random(degree, all));
+    const StabiliserForest forest(degree, likely);
+    if (has_all(forest, degree, all) && are_proved_strong(degree, likely, forest))
+      return {std::move(likely), true};
+    if (proof_cost(degree, likely.size(), forest) > kMaxProof) return {std::move(likely), false};
   }
   std::vector<SparsePermutation> used;
   UnionFind orbits(degree);
@@ -177,13 +179,13 @@ PermutationList generate_by_schreier_sims(const SupportFactor& factor) {
       work.then(all[g]);
       if (!forest.contains(work)) used.emplace_back(all[g].begin(), all[g].end());
     }
-    if (used.size() == before) return strong;
+    if (used.size() == before) return {std::move(strong), true};
   }
 }
 
-PermutationList generate_factor(const SupportFactor& factor) {
+StrongGenerators generate_factor(const SupportFactor& factor) {
   if (factor.generators.size() == 1 && is_strong_alone(factor.degree(), factor.generators[0])) {
-    return factor.generators;
+    return {factor.generators, true};
   }
   if (auto strong = generate_by_exchanges(factor)) return *std::move(strong);
   return generate_by_schreier_sims(factor);
@@ -208,14 +210,15 @@ bool PermutationCheck::is_permutation(Moves moves) {
   return is_permutation;
 }
 
-PermutationList generate_strongly(int degree, const PermutationList& generators) {
-  PermutationList strong;
+StrongGenerators generate_strongly(int degree, const PermutationList& generators) {
+  StrongGenerators strong;
   for (const SupportFactor& factor : support_factors(degree, generators)) {
-    const PermutationList on_factor = generate_factor(factor);
-    for (std::size_t g = 0; g < on_factor.size(); ++g) {
-      const std::span<PointMove> room = strong.add(on_factor[g].size());
+    const StrongGenerators on_factor = generate_factor(factor);
+    strong.are_proved = strong.are_proved && on_factor.are_proved;
+    for (std::size_t g = 0; g < on_factor.list.size(); ++g) {
+      const std::span<PointMove> room = strong.list.add(on_factor.list[g].size());
       for (std::size_t i = 0; i < room.size(); ++i) {
-        const auto& [point, image] = on_factor[g][i];
+        const auto& [point, image] = on_factor.list[g][i];
         room[i] = {factor.points[static_cast<std::size_t>(point)],
                    factor.points[static_cast<std::size_t>(image)]};
       }

@@ -22,9 +22,15 @@ class PermutationCheck {
   PointVector<char> uses_;  // 0 between calls
 };
 
-// Returns generators of the same group that are strong relative to the base rule (stabiliser_chain.h). The
-// generators are permutations of 0 .. degree-1, not the identity. Cost: see PermutationGroup::generated_by.
-PermutationList generate_strongly(int degree, const PermutationList& generators);
+struct StrongGenerators {
+  PermutationList list;
+  bool are_proved = true;  // that they are strong
+};
+
+// Returns generators of the same group that are strong relative to the base rule (stabiliser_chain.h), or
+// that are very likely so if a proof would take too long. The generators are permutations of 0 .. degree-1,
+// not the identity. Cost: see PermutationGroup::generated_by.
+StrongGenerators generate_strongly(int degree, const PermutationList& generators);
 
 }  // namespace symfold::detail
 

@@ -43,7 +43,8 @@ PermutationGroup PermutationGroup::generated_by(int degree, const PermutationLis
     }
     if (!generators[g].empty()) list.push_back(generators[g]);
   }
-  return {degree, detail::generate_strongly(degree, list), extent};
+  detail::StrongGenerators strong = detail::generate_strongly(degree, list);
+  return {degree, std::move(strong.list), strong.are_proved ? extent : Extent::part};
 }
 
 PermutationGroup PermutationGroup::from_strong_generators(int degree, PermutationList generators,

@@ -10,11 +10,12 @@
 //  - generated_by: here. Generators that move disjoint sets of points are proved apart. Exchanges that
 //    connect blocks of points prove every permutation of the blocks, by exchanges of blocks that are
 //    neighbours in the order of their smallest points, and then the groups inside the blocks (the proof is in
-//    permutation_group.cpp). A generator all of whose cycles have lengths that divide the one of its smallest
-//    point is strong alone. For everything else
-//    random products are sifted until 64 in a row are in the group that is known; then all Schreier
-//    generators are, which proves it, unless they are too many (some 10^9 steps): the error is then less than
-//    2^-64 for uniformly random products.
+//    generated_group.cpp). A generator all of whose cycles have lengths that divide the one of its smallest
+//    point is strong alone. For everything else random products are sifted until 64 in a row are in the group
+//    that is known. Then it is proved by relations between points (engines/group/relation_proof.h), or else
+//    because all Schreier generators are in it. If these are too many (some 10^9 steps), the group is called
+//    a part: what it holds is in the generated group, and only with probability 2^-64 something is missing,
+//    if the products are uniformly random. Alternating groups of many pairs of objects are such groups.
 //
 // What the group is of, its maker says: if a search for symmetries ended early, those found generate a part
 // of all symmetries, and the group is made with Extent::part. It is then no less proved, but not whole.
@@ -43,7 +44,8 @@ class PermutationGroup {
 
   // The group that these permutations of 0 .. degree-1 generate, the identity left out. Their moves are in
   // ascending order of points. Cost: near-linear in the supports, if disjoint sets and exchanges prove all
-  // (see above); otherwise a Schreier-Sims run on the points of each factor that they do not prove. Throws
+  // (see above); otherwise a Schreier-Sims run on the points of each factor that they do not prove. If that
+  // would take too long, the group is called a part, whatever `extent` says. Throws
   // std::invalid_argument if an entry is no such permutation.
   static PermutationGroup generated_by(int degree, const PermutationList& generators,
                                        Extent extent = Extent::whole);

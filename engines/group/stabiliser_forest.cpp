@@ -182,9 +182,13 @@ bool StabiliserForest::sift(WorkPermutation& permutation) const {
       continue;
     }
     if (whole_[point] < 0 || !reaches(point, image)) return false;
-    for (const Run& run : path(image, point)) {
-      apply(run, [&](std::span<const PointMove> moves) { permutation.then(moves); });
-    }
+    bring_back(point, permutation);
+  }
+}
+
+void StabiliserForest::bring_back(int point, WorkPermutation& permutation) const {
+  for (const Run& run : path(permutation[point], point)) {
+    apply(run, [&](std::span<const PointMove> moves) { permutation.then(moves); });
   }
 }
 

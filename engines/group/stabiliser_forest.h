@@ -46,6 +46,9 @@ class StabiliserForest {
   // moved point has an image outside its orbit: then the group lacks the permutation.
   bool sift(WorkPermutation& permutation) const;
 
+  // Multiplies by an element of the group such that the point is fixed. Its image is in its orbit.
+  void bring_back(int point, WorkPermutation& permutation) const;
+
   // Returns true if the group has this element. The permutation becomes the identity.
   bool contains(WorkPermutation& permutation) const {
     const bool is_member = sift(permutation);

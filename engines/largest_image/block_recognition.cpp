@@ -45,6 +45,7 @@ std::optional<RecognisedBlocks> BlockProof::run(bool are_aligned) {
   const std::optional<PermutationList> generators = inner_generators();
   if (!generators) return std::nullopt;
   PermutationGroup inner = inner_group(*generators);
+  if (!inner.is_whole()) return std::nullopt;
   take_smallest_maps(inner);
   return RecognisedBlocks{std::move(blocks_), std::move(inner)};
 }

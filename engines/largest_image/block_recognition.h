@@ -27,8 +27,8 @@ struct RecognisedBlocks {
 // Returns blocks, at least so many, that exchanges among the generators show; nothing if there are none. The
 // group moves every position. What is returned is proved: neighbouring blocks can be exchanged, every
 // generator carries blocks onto blocks, and what it does inside a block is in the group with the other blocks
-// fixed. So the group is a wreath product K wr Sym(M) of the inner group K. Cost: near-linear in the supports
-// of the generators.
+// fixed. So the group is a wreath product K wr Sym(M) of the inner group K, which is proved to be whole.
+// Cost: near-linear in the supports of the generators.
 //
 // From three blocks on, they depend on the group alone: no other partition makes it a wreath product like
 // this. Let P and Q be two, at first of one orbit. K is transitive on the orbit's positions in a block,

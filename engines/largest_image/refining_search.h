@@ -33,7 +33,7 @@
 
 #include "engines/base/union_find.h"
 #include "engines/largest_image/image_search.h"
-#include "engines/largest_image/point_cells.h"
+#include "engines/base/point_cells.h"
 
 namespace symfold::detail {
 

@@ -1,4 +1,4 @@
-#include "engines/largest_image/point_cells.h"
+#include "engines/base/point_cells.h"
 
 #include <bit>
 #include <numeric>

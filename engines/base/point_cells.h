@@ -1,7 +1,7 @@
 // Points in an ordered list of cells, for colour refinement.
 
-#ifndef SYMFOLD_ENGINES_LARGEST_IMAGE_POINT_CELLS_H
-#define SYMFOLD_ENGINES_LARGEST_IMAGE_POINT_CELLS_H
+#ifndef SYMFOLD_ENGINES_BASE_POINT_CELLS_H
+#define SYMFOLD_ENGINES_BASE_POINT_CELLS_H
 
 #include <algorithm>
 #include <cstddef>
@@ -80,4 +80,4 @@ class PointCells {
 
 }  // namespace symfold::detail
 
-#endif  // SYMFOLD_ENGINES_LARGEST_IMAGE_POINT_CELLS_H
+#endif  // SYMFOLD_ENGINES_BASE_POINT_CELLS_H
