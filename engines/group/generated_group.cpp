@@ -150,6 +150,7 @@ PermutationList enough_for_orbits(int degree, const PermutationList& generators)
 // because tables hold a generator for each point of an orbit, of which few are needed.
 StrongGenerators generate_by_schreier_sims(const SupportFactor& factor) {
   constexpr std::size_t kExtraAtFirst = 8;
+  constexpr double kQuickProof = 3e7;  // quicker than one by relations
   constexpr double kMaxProof = 1e9;
   constexpr int kSmallDegree = 64;  // is always proved
   const int degree = factor.degree();
@@ -157,9 +158,11 @@ StrongGenerators generate_by_schreier_sims(const SupportFactor& factor) {
   if (degree > kSmallDegree) {
     PermutationList likely = enough_for_orbits(degree, complete_at_random(degree, all));
     const StabiliserForest forest(degree, likely);
-    if (has_all(forest, degree, all) && are_proved_strong(degree, likely, forest))
+    const double cost = proof_cost(degree, likely.size(), forest);
+    if (cost > kQuickProof && has_all(forest, degree, all) && are_proved_strong(degree, likely, forest)) {
       return {std::move(likely), true};
-    if (proof_cost(degree, likely.size(), forest) > kMaxProof) return {std::move(likely), false};
+    }
+    if (cost > kMaxProof) return {std::move(likely), false};
   }
   std::vector<SparsePermutation> used;
   UnionFind orbits(degree);

@@ -1,6 +1,7 @@
 #include "engines/group/relation_proof.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -17,7 +18,9 @@
 namespace symfold::detail {
 namespace {
 
-constexpr std::size_t kMaxArcs = std::size_t{1} << 20;
+// Few arcs prove most groups and cost little, so they are tried first.
+constexpr std::array<std::size_t, 3> kMaxArcs{std::size_t{1} << 12, std::size_t{1} << 16,
+                                              std::size_t{1} << 20};
 // Images of points, and of arcs, under all generators.
 constexpr std::size_t kMaxImages = std::size_t{1} << 26;
 
@@ -44,9 +47,13 @@ class RelationProof {
 
   bool run() {
     const std::vector<Points> orbits = orbits_.lists();
-    const std::size_t max_arcs = std::min(kMaxArcs, kMaxImages / generators_.size()) / orbits.size();
-    for (const Points& orbit : orbits) add_relations(orbit.front(), max_arcs);
-    return bounds_order(orbits);
+    for (const std::size_t max_arcs : kMaxArcs) {
+      arcs_ = PointVector<std::vector<Arc>>(degree_);
+      for (const Points& orbit : orbits)
+        add_relations(orbit.front(), std::min(max_arcs, kMaxImages / generators_.size()) / orbits.size());
+      if (bounds_order(orbits)) return true;
+    }
+    return false;
   }
 
  private:
