@@ -4,11 +4,11 @@
 // depends on the group and the state alone: not on the generators, nor on the order in which they were found,
 // nor on the machine.
 //
-// It is the largest image for groups with few elements, for direct products, for interchangeable parts whose
-// partitions are interleaved in one pattern, and for interchangeable objects with partitions for pairs of
-// them. States are compared byte by byte, as memcmp does. So in a variable of two bytes, little endian, the
-// low byte counts first: 256 is less than 1. Parts that are numbered in another way, and long rings, have
-// another canonical image; engines/largest_image/recognition.h says which search a group gets.
+// It is the largest image for groups with few elements, for direct products of such groups, and for
+// interchangeable parts whose partitions are interleaved in one pattern and have such groups inside. States
+// are compared byte by byte, as memcmp does. So in a variable of two bytes, little endian, the low byte
+// counts first: 256 is less than 1. Other groups have another canonical image, in general not the largest;
+// engines/largest_image/recognition.h says which search a group gets.
 //
 // A group that is only a part of all symmetries makes labels that are canonical under this part, and none is
 // called exact.

@@ -24,15 +24,18 @@ struct SearchBounds {
 // the group into direct factors on disjoint sets of positions, and each factor goes to the first of these
 // that fits, blocks with the group inside a block as a group of its own:
 //
-//  - groups with few elements for their orbits, listed: they find the largest image;
-//  - rings that are too long for a list: the largest image by the order of the ring (ring_search.h);
+//  - rings that are long for a list, turned (ring_search.h);
+//  - groups with long orbits and few elements for them, listed (list_search.h): the largest image;
 //  - blocks that are permuted in every way: the largest image if it is found inside the blocks and their
 //    positions are interleaved in one pattern, otherwise a canonical one (block_search.h);
+//  - other groups with at most 64 elements, listed: the largest image;
 //  - blocks that may be exchanged in each part of a structure: these are sorted, what is left has a group of
 //    its own (tuft_search.h);
-//  - objects that are permuted in every way: the largest image;
-//  - other groups whose elements fit into a list: the largest image;
-//  - all others, down a stabiliser chain: the largest image.
+//  - objects that are permuted in every way (object_search.h);
+//  - other groups with few elements for their orbits, listed: the largest image;
+//  - all others, down a stabiliser chain (chain_search.h).
+//
+// Where nothing is said of the largest image, it is a canonical one, in general not the largest.
 //
 // What is recognised is proved by the group's own elements. Throws std::length_error if a group fits no
 // search within the bounds, std::invalid_argument if max_candidates is 0.
