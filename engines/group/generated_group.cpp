@@ -98,12 +98,31 @@ bool has_all(const StabiliserForest& forest, int degree, const PermutationList& 
   return true;
 }
 
+// Returns those that make the orbits whole: by base point, from the last one up, the first ones that do.
+PermutationList enough_for_orbits(int degree, const PermutationList& generators) {
+  std::vector<std::size_t> order(generators.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, std::greater<>(),
+                           [&](std::size_t g) { return generators[g].front().point; });
+  UnionFind orbits(degree);
+  PermutationList enough;
+  for (const std::size_t g : order) {
+    bool joins_orbits = false;
+    for (const auto& [point, image] : generators[g])
+      joins_orbits = orbits.unite(point, image) || joins_orbits;
+    if (joins_orbits) enough.push_back(generators[g]);
+  }
+  return enough;
+}
+
 // Adds what is left of random products after they are sifted, until 64 in a row leave nothing. If the result
 // were not strong, at most half of all elements would leave nothing, because these are some of the cosets of
 // a subgroup at a level. So for uniformly random elements it is not strong with probability 2^-64 at most.
-PermutationList complete_at_random(int degree, PermutationList generators) {
+// Tables hold thousands of generators, of which the orbits need few.
+PermutationList complete_at_random(int degree, const PermutationList& all) {
   constexpr int kQuietElements = 64;
-  RandomProducts random(degree, generators);
+  RandomProducts random(degree, all);
+  PermutationList generators = enough_for_orbits(degree, all);
   WorkPermutation work(degree);
   for (;;) {
     PermutationList added;
@@ -127,23 +146,6 @@ double proof_cost(int degree, std::size_t generators, const StabiliserForest& fo
             static_cast<double>(std::min(generators, forest.base().size() + 1));
   }
   return cost;
-}
-
-// Returns those that make the orbits whole: by base point, from the last one up, the first ones that do.
-PermutationList enough_for_orbits(int degree, const PermutationList& generators) {
-  std::vector<std::size_t> order(generators.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::ranges::stable_sort(order, std::greater<>(),
-                           [&](std::size_t g) { return generators[g].front().point; });
-  UnionFind orbits(degree);
-  PermutationList enough;
-  for (const std::size_t g : order) {
-    bool joins_orbits = false;
-    for (const auto& [point, image] : generators[g])
-      joins_orbits = orbits.unite(point, image) || joins_orbits;
-    if (joins_orbits) enough.push_back(generators[g]);
-  }
-  return enough;
 }
 
 // Begins with few of the generators and adds those that their group leaves out, at most as many as there are,
