@@ -31,7 +31,7 @@ std::vector<bool> at(std::span<const int> points, const std::vector<bool>& has_v
 // Blocks and objects are cheap to look for in orbits up to this length.
 constexpr int kMaxShortOrbit = 16;
 
-// Lists of so many elements are quicker than a search for objects: 0.4 of its time for the 36 elements of
+// Lists of so many elements are quicker than a search for objects: half of its time for the 36 elements of
 // three clients and three servers.
 constexpr std::size_t kMaxShortList = 64;
 
