@@ -31,9 +31,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "engines/base/point_cells.h"
 #include "engines/base/union_find.h"
 #include "engines/largest_image/image_search.h"
-#include "engines/base/point_cells.h"
 
 namespace symfold::detail {
 
